@@ -1,0 +1,27 @@
+#include "forms/ChosenPath.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "io/Paths.h"
+
+namespace corvane {
+
+namespace {
+
+std::string LowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+  return text;
+}
+
+}  // namespace
+
+std::string ChosenPath(const FileChooser& chooser, const std::string& typed) {
+  const std::string path = WithDefaultExtension(typed, chooser.defaultExtension);
+  if (chooser.mode == FileChooser::Mode::Save || path == typed) return path;
+  if (FileExists(typed)) return typed;
+  const std::string lower = WithDefaultExtension(typed, LowerCase(chooser.defaultExtension));
+  return !FileExists(path) && FileExists(lower) ? lower : path;
+}
+
+}  // namespace corvane

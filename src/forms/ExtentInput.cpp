@@ -1,0 +1,46 @@
+#include "forms/ExtentInput.h"
+
+#include <cmath>
+
+#include "ui/FrontEnd.h"
+
+namespace corvane {
+
+int ExtentInput::Ask(const double extent4[4], ExtentWindow& window, float* cellSize) {
+  float minCorr = 0.0f;
+  return Show(extent4, *cellSize, minCorr, window, cellSize, &minCorr);
+}
+
+int ExtentInput::AskWithCorrelation(double minX, double maxY, double maxX, double minY, ExtentWindow& window,
+                                    float* cellSize, float* minCorr) {
+  const double extent4[4] = {minX, maxX, minY, maxY};
+  return Show(extent4, 1.0f, 0.5f, window, cellSize, minCorr);
+}
+
+int ExtentInput::AskPoints(double minX, double maxY, double maxX, double minY, double spacingX,
+                           ExtentWindow& window, float* cellSize, float* minCorr) {
+  const double extent4[4] = {minX, maxX, minY, maxY};
+  return Show(extent4, static_cast<float>(spacingX), 0.5f, window, cellSize, minCorr);
+}
+
+int ExtentInput::Show(const double extent4[4], float cellSizeShown, float minCorrShown, ExtentWindow& window,
+                      float* cellSize, float* minCorr) {
+  Form form;
+  form.name = "ExtentInput";
+  form.title = "Input the extent for the image";
+  form.fields = {
+      RealField("xStart", "XStart:", std::trunc(extent4[0]) - 1.0),
+      RealField("yStart", "YStart:", std::trunc(extent4[2]) - 1.0),
+      RealField("xEnd", "XEnd", std::trunc(extent4[1]) + 1.0),
+      RealField("yEnd", "YEnd:", std::trunc(extent4[3]) + 1.0),
+      FloatField("cellSize", "Cell Size", cellSizeShown),
+      FloatField("minCorrCoeff", minCorrCoeffLabel, minCorrShown),
+  };
+  if (!Ui().AskForm(form)) return -1;
+  window = {form.GetReal("xStart"), form.GetReal("yStart"), form.GetReal("xEnd"), form.GetReal("yEnd")};
+  *cellSize = static_cast<float>(form.GetReal("cellSize"));
+  *minCorr = static_cast<float>(form.GetReal("minCorrCoeff"));
+  return 0;
+}
+
+}  // namespace corvane

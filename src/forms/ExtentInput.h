@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+
+#include "ui/Form.h"
+
+namespace corvane {
+
+// A rectangle on the ground as the form gives it.
+struct ExtentWindow {
+  double xStart = 0.0;
+  double yStart = 0.0;
+  double xEnd = 0.0;
+  double yEnd = 0.0;
+};
+
+// The form for a rectangle, a cell size and a third value, by default a minimum correlation coefficient.
+// Extents are shown truncated towards zero and then widened by a whole unit on each side.
+class ExtentInput {
+ public:
+  std::string minCorrCoeffLabel = "Min CorrCoeff:";
+
+  // `extent4` is minX, maxX, minY, maxY. Shows the given cell size; on OK fills window and cell size.
+  // 0 on OK, -1 on Cancel with nothing changed.
+  int Ask(const double extent4[4], ExtentWindow& window, float* cellSize);
+
+  // The same from four numbers, with cell size 1.0 and correlation 0.5 set by the form.
+  int AskWithCorrelation(double minX, double maxY, double maxX, double minY, ExtentWindow& window,
+                         float* cellSize, float* minCorr);
+
+  // The same for the extents of a point set, with its own spacing as cell size.
+  int AskPoints(double minX, double maxY, double maxX, double minY, double spacingX, ExtentWindow& window,
+                float* cellSize, float* minCorr);
+
+ private:
+  int Show(const double extent4[4], float cellSizeShown, float minCorrShown, ExtentWindow& window,
+           float* cellSize, float* minCorr);
+};
+
+}  // namespace corvane

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace corvane {
+
+// A file opened for reading in binary mode. Only what can be read as a file opens: a folder does not.
+class InputFile {
+ public:
+  InputFile() = default;
+  explicit InputFile(const std::string& path) { Open(path); }
+
+  bool Open(const std::string& path);
+  bool IsOpen() const { return file_ != nullptr; }
+  void Close() { file_.reset(); }
+
+  // Reads up to `size` bytes into `to`; returns how many came.
+  std::size_t Read(void* to, std::size_t size);
+
+  // Moves to `offset` bytes from the start; false if that is not possible.
+  bool Seek(std::int64_t offset);
+
+  // Bytes from the present position to the end; 0 behind the end. For a stream without a known size
+  // (a pipe) nothing.
+  std::optional<std::int64_t> BytesLeft();
+
+ private:
+  struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  std::unique_ptr<std::FILE, Closer> file_;
+};
+
+// The whole content of a file, or nothing if it does not open.
+std::optional<std::string> ReadWholeFile(const std::string& path);
+
+}  // namespace corvane

@@ -1,0 +1,128 @@
+#include "io/OutputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+namespace corvane {
+
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 18;
+
+// The file that a path leads to, behind symbolic links; the path itself where there is no file yet.
+std::string ResolvedTarget(const std::string& path) {
+  std::error_code error;
+  const auto resolved = std::filesystem::weakly_canonical(path, error);
+  return error ? path : resolved.string();
+}
+
+std::string FolderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
+mode_t NewFileMode() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return 0666 & ~mask;
+}
+
+}  // namespace
+
+OutputFile::~OutputFile() {
+  Discard();
+}
+
+bool OutputFile::Open(const std::string& path) {
+  Discard();
+  path_ = path;
+  failed_ = false;
+  if (path.empty()) return false;
+  target_ = ResolvedTarget(path);
+
+  struct stat status = {};
+  const bool exists = stat(target_.c_str(), &status) == 0;
+  if (exists && (S_ISDIR(status.st_mode) || access(target_.c_str(), W_OK) != 0)) return false;
+  if (exists && !S_ISREG(status.st_mode)) {
+    descriptor_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+    return IsOpen();
+  }
+  if (!std::filesystem::path(target_).has_filename()) return false;
+
+  std::string pattern = FolderOf(target_) + "/.corvane-XXXXXX";
+  descriptor_ = mkostemp(pattern.data(), O_CLOEXEC);
+  if (!IsOpen()) return false;
+  temporaryPath_ = pattern;
+  fchmod(descriptor_, exists ? status.st_mode & 07777 : NewFileMode());
+  return true;
+}
+
+bool OutputFile::Write(const void* from, std::size_t size) {
+  if (!IsOpen() || failed_) return false;
+  const char* bytes = static_cast<const char*>(from);
+  if (buffer_.size() + size > kBufferSize && !Flush()) return false;
+  if (size >= kBufferSize) return WriteOut(bytes, size);
+  if (buffer_.capacity() < kBufferSize) buffer_.reserve(kBufferSize);
+  buffer_.insert(buffer_.end(), bytes, bytes + size);
+  return true;
+}
+
+bool OutputFile::Seek(std::int64_t offset) {
+  if (!Flush()) return false;
+  if (lseek(descriptor_, static_cast<off_t>(offset), SEEK_SET) < 0) failed_ = true;
+  return !failed_;
+}
+
+bool OutputFile::Commit() {
+  bool good = Flush();
+  if (good && !temporaryPath_.empty()) {
+    good = fsync(descriptor_) == 0 && rename(temporaryPath_.c_str(), target_.c_str()) == 0;
+    if (good) temporaryPath_.clear();
+  }
+  Discard();
+  return good;
+}
+
+void OutputFile::Discard() {
+  if (IsOpen()) close(descriptor_);
+  descriptor_ = -1;
+  if (!temporaryPath_.empty()) unlink(temporaryPath_.c_str());
+  temporaryPath_.clear();
+  buffer_.clear();
+}
+
+bool OutputFile::Flush() {
+  if (!IsOpen() || failed_) return false;
+  const bool good = WriteOut(buffer_.data(), buffer_.size());
+  buffer_.clear();
+  return good;
+}
+
+bool OutputFile::WriteOut(const char* from, std::size_t size) {
+  while (size > 0) {
+    const ssize_t written = write(descriptor_, from, size);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) {
+      failed_ = true;
+      return false;
+    }
+    from += written;
+    size -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+bool UpdateFileStart(const std::string& path, const void* from, std::size_t size) {
+  const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool good = pwrite(descriptor, from, size, 0) == static_cast<ssize_t>(size);
+  return (close(descriptor) == 0) && good;
+}
+
+}  // namespace corvane

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+// Paths are UTF-8. Where a name is cut from a path both "/" and "\" separate folders.
+
+// "a/b/x.y.tin" gives "x.y.tin".
+std::string FileName(std::string_view path);
+
+// "a/b/x.y.tin" gives "x.y", the name without its last extension; "a/b/x" gives "x".
+std::string FileTitle(std::string_view path);
+
+// "a/b/x.y.tin" gives ".tin"; a name without "." gives "".
+std::string FileExtension(std::string_view path);
+
+// The output beside an input: the path cut at the last "." of its file name, plus the suffix.
+// "a/x.y.tin" with "_filted.pts" gives "a/x.y_filted.pts". A file name without "." gives the suffix alone,
+// which then stands in the current folder.
+std::string DerivedName(std::string_view path, std::string_view suffix);
+
+// The path with "." and the extension appended if its file name has none. An extension may bring its own
+// leading "."; an empty one leaves the path as it is.
+std::string WithDefaultExtension(std::string_view path, std::string_view extension);
+
+// The absolute form of a path, without "." and ".." where they can be resolved.
+std::string AbsolutePath(std::string_view path);
+
+bool FileExists(const std::string& path);
+
+// The first character of a UTF-8 text: one whole code point, or "" of an empty text.
+std::string FirstCharacter(std::string_view text);
+
+}  // namespace corvane
