@@ -1,0 +1,9 @@
+#include "commands/FrameMenu.h"
+
+namespace corvane {
+
+CommandResult OnBareEarth(CMainFrame&) {
+  return CommandResult::Done;
+}
+
+}  // namespace corvane

@@ -1,0 +1,49 @@
+#include "commands/TinMenu.h"
+
+#include "TIN/TINPoints.h"
+#include "io/InputFile.h"
+#include "io/OutputFile.h"
+#include "shell/CommandShapes.h"
+
+namespace corvane {
+
+namespace {
+
+const FileChooser kOpenPoints{.filter = "Points Files (*.pts)|*.pts|All Files (*.*)|*.*|"};
+const FileChooser kSaveTin{.mode = FileChooser::Mode::Save,
+                           .filter = "TIN Files (*.tin)|*.tin|All Files (*.*)|*.*|",
+                           .defaultExtension = "tin"};
+
+CommandResult FailWith(const std::string& text) {
+  ShowMessage(text);
+  return CommandResult::Failed;
+}
+
+}  // namespace
+
+CommandResult OnCreateTin(CCorvaneView&) {
+  const auto paths = ChooseInOrder({kOpenPoints, kSaveTin});
+  if (!paths) return CommandResult::Cancelled;
+  WaitCursor wait;
+  InputFile pointsFile((*paths)[0]);
+  if (!pointsFile.IsOpen()) return FailWith("Open points file error!\n");
+  TINPoints points;
+  const int read = points.Read(pointsFile);
+  pointsFile.Close();
+
+  // The library ends the process, crashes or never returns on points that have no triangles.
+  Triangulation triangles;
+  if (read < 0 || points.Triangulate(nullptr, nullptr, triangles) < 0) {
+    return FailWith(
+        "The points can not be triangulated: fewer than three distinct points, all on one line, or "
+        "coordinates that are not numbers.\n");
+  }
+  OutputFile tinFile((*paths)[1]);
+  if (!tinFile.IsOpen()) return FailWith("Open TIN file error!\n");
+  const bool written = points.WriteTriangles(tinFile, triangles) >= 0 && tinFile.Commit();
+  TINPoints::FreeTriangulation(triangles);
+  if (!written) return FailWith(WriteErrorText((*paths)[1]));
+  return CommandResult::Done;
+}
+
+}  // namespace corvane

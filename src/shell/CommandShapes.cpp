@@ -1,0 +1,92 @@
+#include "shell/CommandShapes.h"
+
+#include "io/InputFile.h"
+#include "io/TextScanner.h"
+
+namespace corvane {
+
+bool HasLoadedTin(CCorvaneView& view) {
+  if (view.GetDocument().GetTIN().GetTriangleCount() >= 1) return true;
+  ShowWarning("No TIN Read! Please load a TIN first!");
+  return false;
+}
+
+void ShowChangedTin(CCorvaneView& view) {
+  view.GetDocument().SetModifiedFlag(true);
+  Ui().UpdateWindowFrame(view);
+  view.Invalidate();
+  view.UpdateWindow();
+  Ui().ActivateWindow(view);
+}
+
+CommandResult RunOnLoadedTin(CCorvaneView& view, const std::function<bool()>& ask,
+                             const std::function<void(TIN&)>& operation) {
+  if (!HasLoadedTin(view)) return CommandResult::Failed;
+  if (ask && !ask()) return CommandResult::Cancelled;
+  {
+    WaitCursor wait;
+    operation(view.GetDocument().GetTIN());
+  }
+  ShowChangedTin(view);
+  return CommandResult::Done;
+}
+
+std::optional<std::vector<std::string>> ChooseInOrder(const std::vector<FileChooser>& choosers) {
+  std::vector<std::string> paths;
+  for (const FileChooser& chooser : choosers) {
+    const auto path = ChooseFile(chooser);
+    if (!path) return std::nullopt;
+    paths.push_back(*path);
+  }
+  return paths;
+}
+
+std::string OpenErrorText(const std::string& path) {
+  return "Open file " + path + " error!";
+}
+
+std::string WriteErrorText(const std::string& path) {
+  return "Write file " + path + " error!";
+}
+
+CommandResult LoadTinOnDemand(CCorvaneView& view) {
+  CCorvaneDoc& document = view.GetDocument();
+  std::string path = document.GetPathName();
+  if (path.empty()) {
+    const auto chosen = ChooseFile({.filter = "TIN Files (*.tin)|*.tin|All Files (*.*)|*.*|"});
+    if (!chosen) return CommandResult::Cancelled;
+    path = *chosen;
+  }
+  if (document.GetTIN().GetTriangleCount() < 1) {
+    if (document.OnOpenDocument(path) <= 0) return CommandResult::Failed;
+    if (document.GetTIN().GetTriangleCount() < 1) return CommandResult::Failed;
+  }
+  view.paintEnabled = false;
+  document.SetPathName(path, true);
+  return CommandResult::Done;
+}
+
+std::optional<std::string> ChooseBatchFile() {
+  return ChooseFile({.filter = "Batch Files (*.txt)|*.txt|All Files (*.*)|*.*|",
+                     .defaultExtension = "TXT",
+                     .mustExist = true});
+}
+
+CommandResult RunBatchLines(const std::string& batchPath,
+                            const std::function<void(const std::string&, const std::string&)>& job) {
+  const auto content = ReadWholeFile(batchPath);
+  if (!content) {
+    ShowWarning(OpenErrorText(batchPath));
+    return CommandResult::Failed;
+  }
+  TextScanner scanner(*content);
+  std::string first;
+  std::string second;
+  while (scanner.ScanWord(first) && scanner.ScanWord(second)) {
+    scanner.SkipSpace();
+    job(first, second);
+  }
+  return CommandResult::Done;
+}
+
+}  // namespace corvane

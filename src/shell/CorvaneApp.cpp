@@ -1,0 +1,182 @@
+#include "shell/CorvaneApp.h"
+
+#include <algorithm>
+#include <new>
+
+#include "io/Paths.h"
+#include "shell/ChildFrm.h"
+#include "shell/CorvaneDoc.h"
+#include "shell/CorvaneView.h"
+#include "ui/FrontEnd.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kTinResource = 129;
+constexpr int kImageResource = 130;
+
+constexpr const char* kTinStrings =
+    "\nCorvane\nCorvane\nFiles(*.tin)\n.TIN\nCorvane.Document\nCorvane Document";
+constexpr const char* kImageStrings =
+    "\nImage\nImage\nBitmap Files (*.bmp)\n.bmp\nImageType\nImage File Type\nDIB \n"
+    "Device-Independent Bitmap\n";
+
+}  // namespace
+
+CCorvaneApp::CCorvaneApp(std::span<const CommandRow> commands, std::string profilePath)
+    : commands_(commands), recentFiles_(std::move(profilePath)) {}
+
+CCorvaneApp::~CCorvaneApp() {
+  ExitInstance();
+}
+
+bool CCorvaneApp::InitInstance(const std::string& commandLineFile) {
+  tinTemplate_ = std::make_unique<CDocTemplate>(
+      kTinResource, kTinStrings, [](CMainFrame& frame) { return std::make_unique<CCorvaneDoc>(frame); },
+      [](CDocument& document) {
+        return std::make_unique<CCorvaneView>(static_cast<CCorvaneDoc&>(document));
+      });
+  // Bitmap windows have no document and view kind yet; File New and File Open never know this template.
+  imageTemplate_ = std::make_unique<CDocTemplate>(kImageResource, kImageStrings, nullptr, nullptr);
+  mainFrame_ = std::make_unique<CMainFrame>(*this);
+  if (commandLineFile.empty()) return NewDocument() != nullptr;
+  return OpenPath(commandLineFile) != CommandResult::Cancelled;
+}
+
+void CCorvaneApp::ExitInstance() {
+  while (!documents_.empty()) DestroyDocument(*documents_.back());
+  imageTemplate_.reset();
+}
+
+bool CCorvaneApp::IsEnabled(const CommandRow& row) const {
+  if (std::holds_alternative<ViewHandler>(row.handler)) return mainFrame_->GetActiveTinView() != nullptr;
+  if (std::holds_alternative<DocumentHandler>(row.handler)) return mainFrame_->GetActiveView() != nullptr;
+  return HasHandler(row);
+}
+
+CommandResult CCorvaneApp::RunCommand(const CommandRow& row) {
+  const std::string name = CommandName(row);
+  Ui().CommandStarted(name);
+  CommandResult result = CommandResult::Failed;
+  try {
+    if (const auto* handler = std::get_if<ViewHandler>(&row.handler)) {
+      result = (*handler)(*mainFrame_->GetActiveTinView());
+    } else if (const auto* documentHandler = std::get_if<DocumentHandler>(&row.handler)) {
+      result = (*documentHandler)(*mainFrame_->GetActiveDocument());
+    } else if (const auto* frameHandler = std::get_if<FrameHandler>(&row.handler)) {
+      result = (*frameHandler)(*mainFrame_);
+    }
+  } catch (const std::bad_alloc&) {
+    ShowMessage("Out of memory.");
+  }
+  Ui().CommandEnded(name, result);
+  return result;
+}
+
+CommandResult CCorvaneApp::OpenPath(const std::string& path) {
+  const std::string name = "File > Open";
+  Ui().CommandStarted(name);
+  Ui().FileGiven(tinTemplate_->MakeChooser(FileChooser::Mode::Open, ""), path);
+  const CommandResult result = OpenDocumentFile(path) ? CommandResult::Done : CommandResult::Failed;
+  Ui().CommandEnded(name, result);
+  return result;
+}
+
+CDocument* CCorvaneApp::NewDocument() {
+  documents_.push_back(tinTemplate_->MakeDocument(*mainFrame_));
+  CDocument& document = *documents_.back();
+  document.SetTitle(tinTemplate_->GetDocumentName() + std::to_string(++untitledCount_));
+  document.AddView();
+  return &document;
+}
+
+CDocument* CCorvaneApp::OpenDocumentFile(const std::string& path, bool* wasRead) {
+  if (wasRead) *wasRead = true;
+  if (CDocument* open = FindDocument(path)) {
+    CView& view = open->GetFrames().front()->GetView();
+    mainFrame_->SetActiveView(&view);
+    Ui().ActivateWindow(view);
+    return open;
+  }
+  documents_.push_back(tinTemplate_->MakeDocument(*mainFrame_));
+  CDocument& document = *documents_.back();
+  const int opened = document.OnOpenDocument(path);
+  if (wasRead) *wasRead = opened > 0;
+  if (opened == 0) {
+    documents_.pop_back();
+    return nullptr;
+  }
+  document.SetPathName(path, true);
+  document.AddView();
+  return &document;
+}
+
+CommandResult CCorvaneApp::SaveDocument(CDocument& document, bool askForPath) {
+  std::string path = document.GetPathName();
+  if (path.empty() || askForPath) {
+    const std::string shown = path.empty() ? document.GetTitle() : path;
+    const auto chosen = ChooseFile(document.GetTemplate().MakeChooser(FileChooser::Mode::Save, shown));
+    if (!chosen) return CommandResult::Cancelled;
+    path = *chosen;
+  }
+  const int saved = document.OnSaveDocument(path);
+  if (saved != 0) document.SetPathName(path, true);
+  return saved > 0 ? CommandResult::Done : CommandResult::Failed;
+}
+
+bool CCorvaneApp::CloseDocument(CDocument& document) {
+  if (!SaveModified(document)) return false;
+  DestroyDocument(document);
+  return true;
+}
+
+bool CCorvaneApp::CloseView(CView& view) {
+  CDocument& document = view.GetDocumentBase();
+  if (document.GetFrames().size() == 1) return CloseDocument(document);
+  const auto frame = std::find_if(document.frames_.begin(), document.frames_.end(),
+                                  [&](const auto& candidate) { return &candidate->GetView() == &view; });
+  Ui().CloseWindow(view);
+  document.frames_.erase(frame);
+  if (mainFrame_->GetActiveView() == &view) {
+    mainFrame_->SetActiveView(&document.GetFrames().front()->GetView());
+    Ui().ActivateWindow(*mainFrame_->GetActiveView());
+  }
+  document.SetTitle(document.GetTitle());
+  return true;
+}
+
+CDocument* CCorvaneApp::FindDocument(const std::string& path) const {
+  const std::string wanted = AbsolutePath(path);
+  const auto found = std::find_if(documents_.begin(), documents_.end(), [&](const auto& document) {
+    return !document->GetPathName().empty() && AbsolutePath(document->GetPathName()) == wanted;
+  });
+  return found == documents_.end() ? nullptr : found->get();
+}
+
+bool CCorvaneApp::SaveModified(CDocument& document) {
+  if (!document.IsModified()) return true;
+  switch (Ui().AskSaveChanges(document.GetTitle())) {
+    case SaveChoice::Save:
+      return SaveDocument(document, false) == CommandResult::Done;
+    case SaveChoice::Discard:
+      return true;
+    case SaveChoice::Cancel:
+      return false;
+  }
+  return false;
+}
+
+void CCorvaneApp::DestroyDocument(CDocument& document) {
+  const bool wasActive = mainFrame_->GetActiveDocument() == &document;
+  for (const auto& frame : document.GetFrames()) Ui().CloseWindow(frame->GetView());
+  if (wasActive) mainFrame_->SetActiveView(nullptr);
+  std::erase_if(documents_, [&](const auto& candidate) { return candidate.get() == &document; });
+  if (wasActive && !documents_.empty()) {
+    CView& next = documents_.back()->GetFrames().back()->GetView();
+    mainFrame_->SetActiveView(&next);
+    Ui().ActivateWindow(next);
+  }
+}
+
+}  // namespace corvane

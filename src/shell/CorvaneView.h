@@ -1,0 +1,54 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "TIN/TIN.h"
+#include "numerics/Point3.h"
+#include "shell/CorvaneDoc.h"
+#include "shell/MainFrm.h"
+#include "shell/View.h"
+
+namespace corvane {
+
+// The window on a TIN: paints its triangles, north up, and carries what the commands keep between runs.
+class CCorvaneView : public CView {
+ public:
+  explicit CCorvaneView(CCorvaneDoc& document);
+
+  CCorvaneDoc& GetDocument() const { return document_; }
+
+  WindowKind GetKind() const override { return WindowKind::Tin; }
+  bool HasPicture() const override;
+  void OnInitialUpdate() override;
+  void OnUpdate() override;
+  void OnDraw(Canvas& canvas) override;
+  PixelSize GetPictureSize() const override;
+  void DrawPicture(Canvas& canvas) override;
+  bool OnKeyDown(int key, int repeatCount) override;
+  bool OnMouseWheel(int notches) override;
+  void OnSize(PixelSize clientArea) override;
+
+  // Recomputes the scroll size from the TIN's extents and the scale, at most 2^31 - 1 pixels an axis.
+  void SetScrollSizes();
+
+  // Lists of numbers in the message pane: "[1, 2, ]" and "[1.000000, 2.000000, ]".
+  void ShowStatusNumbers(std::span<const int> numbers);
+  void ShowStatusNumbers(std::span<const double> numbers);
+
+  const Extent6* extent = nullptr;  // the TIN's, set at the first update
+  double displayScale = 1.0;        // screen pixels per ground unit
+  bool paintEnabled = true;
+  CStatusBar* statusBar = nullptr;  // the frame's, taken at the first update
+  Point3 examPoint;                 // ground point of "Matching Exam"
+  Point3 examStep;                  // how far a key moves it
+
+ private:
+  void Zoom(double factor);
+  void AskExamPoint();
+  void DrawTin(Canvas& canvas, double scale);
+
+  CCorvaneDoc& document_;
+};
+
+}  // namespace corvane
