@@ -147,7 +147,9 @@ bool CCorvaneView::HasPicture() const {
 }
 
 void CCorvaneView::OnDraw(Canvas& canvas) {
-  if (HasPicture()) DrawTin(canvas, displayScale);
+  if (!HasPicture()) return;
+  WaitCursor wait;
+  DrawTin(canvas, displayScale);
 }
 
 PixelSize CCorvaneView::GetPictureSize() const {
@@ -164,7 +166,6 @@ void CCorvaneView::DrawPicture(Canvas& canvas) {
 
 void CCorvaneView::DrawTin(Canvas& canvas, double scale) {
   TIN& tin = document_.GetTIN();
-  WaitCursor wait;
   canvas.SetPen(kTriangleColour, 1);
   DrawTriangles(canvas, tin, scale);
 
