@@ -1,0 +1,153 @@
+#include "TIN/TINPoints.h"
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+
+#include "numerics/Truncate.h"
+
+namespace corvane {
+
+namespace {
+
+// Gives `records` `size` elements; false without the memory, with what was there kept.
+template <typename T>
+bool Resize(std::vector<T>& records, std::size_t size) {
+  try {
+    records.resize(size);
+  } catch (const std::bad_alloc&) {
+    return false;
+  } catch (const std::length_error&) {
+    return false;
+  }
+  return true;
+}
+
+void Widen(double value, double& min, double& max) {
+  if (value > max) max = value;
+  if (value < min) min = value;
+}
+
+}  // namespace
+
+TINPoints::TINPoints(std::int32_t n) {
+  if (n <= 0 || !Resize(points, static_cast<std::size_t>(n))) return;
+  nPoints = capacity = n;
+}
+
+TINPoints::TINPoints(double cellX, double cellY, const GroundRect& rect) {
+  if (!(rect.minX <= rect.maxX && rect.minY <= rect.maxY && cellX > 0.0 && cellY > 0.0)) return;
+  const std::int32_t rows = TruncateToInt((rect.maxY - rect.minY) / cellY + 1.0).value_or(0);
+  const std::int32_t cols = TruncateToInt((rect.maxX - rect.minX) / cellX + 1.0).value_or(0);
+  const std::int64_t count = std::int64_t{rows} * cols;
+  if (count < 1 || count > INT32_MAX || !Resize(cells, static_cast<std::size_t>(count))) return;
+
+  nRows = rows;
+  nCols = cols;
+  minX = gridMinX = rect.minX;
+  minY = gridMinY = rect.minY;
+  maxX = rect.maxX;
+  maxY = rect.maxY;
+  spacingX = cellX;
+  spacingY = cellY;
+  for (std::int32_t id = 0; id < count; ++id) cells[static_cast<std::size_t>(id)].id = id;
+}
+
+const PointRecord* TINPoints::GetPoint(std::int32_t i) const {
+  return HasPoint(i) ? &points[static_cast<std::size_t>(i)] : nullptr;
+}
+
+int TINPoints::SetPoint(std::int32_t id, double x, double y, double z, double value, std::int32_t i) {
+  if (!HasPoint(i)) return -1;
+  points[static_cast<std::size_t>(i)] = {id, x, y, z, value};
+  return 1;
+}
+
+int TINPoints::SetPointXY(std::int32_t id, double x, double y, std::int32_t i) {
+  if (!HasPoint(i)) return -1;
+  PointRecord& point = points[static_cast<std::size_t>(i)];
+  point.id = id;
+  point.x = x;
+  point.y = y;
+  return 1;
+}
+
+int TINPoints::Truncate(std::int32_t n) {
+  if (n < 0 || n > nPoints) return 0;
+  nPoints = n;
+  return 1;
+}
+
+void TINPoints::GetExtent(Extent6& extent) const {
+  extent = {minX, maxX, minY, maxY, minZ, maxZ};
+}
+
+void TINPoints::SetExtent(int n, const Extent6& values) {
+  if (n != 2 && n != 4 && n != 6) return;
+  minX = values.minX;
+  maxX = values.maxX;
+  if (n < 4) return;
+  minY = values.minY;
+  maxY = values.maxY;
+  if (n < 6) return;
+  minZ = values.minZ;
+  maxZ = values.maxZ;
+}
+
+void TINPoints::GetSpacing(double& x, double& y) const {
+  x = spacingX;
+  y = spacingY;
+}
+
+void TINPoints::SetSpacing(double x, double y) {
+  spacingX = x;
+  spacingY = y;
+}
+
+void TINPoints::RecalcExtent() {
+  if (nPoints < 1) return;
+  minX = maxX = points[0].x;
+  minY = maxY = points[0].y;
+  minZ = maxZ = points[0].z;
+  for (const PointRecord& point : InUse()) {
+    Widen(point.x, minX, maxX);
+    Widen(point.y, minY, maxY);
+    Widen(point.z, minZ, maxZ);
+  }
+}
+
+int TINPoints::AddPoint(const PointRecord& record) {
+  const PointRecord added = record;  // may be one of ours, which growing moves
+  if (nPoints == capacity) {
+    const std::int64_t growth = std::max<std::int64_t>(capacity / 100, 10);
+    const std::int64_t grown = std::min<std::int64_t>(capacity + growth, INT32_MAX);
+    if (grown == capacity || !Resize(points, static_cast<std::size_t>(grown))) return -1;
+    capacity = static_cast<std::int32_t>(grown);
+  }
+  points[static_cast<std::size_t>(nPoints)] = added;
+  const std::int32_t position = nPoints++;
+  return index.HasCells() && index.Insert(added.x, added.y, position) < 0 ? -1 : 1;
+}
+
+int TINPoints::RemovePoint(std::int32_t i) {
+  if (!HasPoint(i)) return -1;
+  PointRecord& point = points[static_cast<std::size_t>(i)];
+  if (index.HasCells()) index.Remove(point.x, point.y, i);
+  point.id = -1;
+  return 1;
+}
+
+void TINPoints::Compact() {
+  const auto isDeleted = [](const PointRecord& point) { return point.id < 0; };
+  const auto end = points.begin() + nPoints;
+  nPoints = static_cast<std::int32_t>(std::remove_if(points.begin(), end, isDeleted) - points.begin());
+  if (nPoints < 1) return;
+  minX = maxX = points[0].x;
+  minY = maxY = points[0].y;
+  for (const PointRecord& point : InUse()) {
+    Widen(point.x, minX, maxX);
+    Widen(point.y, minY, maxY);
+  }
+}
+
+}  // namespace corvane

@@ -1,0 +1,208 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "TIN/GridIndex.h"
+#include "TIN/PointRecord.h"
+#include "TIN/Region.h"
+#include "TIN/Triangulation.h"
+#include "numerics/Extent6.h"
+
+namespace corvane {
+
+class InputFile;
+class OutputFile;
+
+// The elevation that means "no data".
+constexpr double kNoDataZ = -4096.0;
+
+// A ground rectangle, in ground units.
+struct GroundRect {
+  double minX = 0.0;
+  double minY = 0.0;
+  double maxX = 0.0;
+  double maxY = 0.0;
+};
+
+// One cell of the regular-grid mode.
+struct GridCell {
+  std::int32_t id = 0;  // row * nCols + col
+  double z = kNoDataZ;
+  double value = -1.0;
+};
+
+// A point set in memory, and the owner of the points file ".pts": a free list of points, or (grid mode) a
+// regular grid of cells with row 0 at the smallest y.
+//
+// A ".pts" file is little-endian without padding: int32 nPoints; doubles minX, maxY, maxX, minY, spacingX,
+// spacingY; then for each point the doubles x, y, z, value. A point's position in the file is its id.
+//
+// Operations return 1 for success and a negative status for failure where nothing else is said. They show no
+// messages.
+class TINPoints {
+ public:
+  // Empty, with spacing 1.0.
+  TINPoints() = default;
+
+  // `n` records of zeros. A negative `n`, or one too large for the memory, leaves the object empty.
+  explicit TINPoints(std::int32_t n);
+
+  // Grid mode over `rect`, all cells empty: nRows = int((maxY - minY) / spacingY + 1.0), nCols likewise. The
+  // object stays empty if the rectangle is crossed, a size is no positive number, or the cells do not fit
+  // 32-bit numbering or the memory.
+  TINPoints(double spacingX, double spacingY, const GroundRect& rect);
+
+  virtual ~TINPoints() = default;
+
+  // Reads a whole points file from the present position; what the object held before is dropped. Crossed minY
+  // and maxY of the header are exchanged. Points that a cut file lacks read as zeros, so long as it holds at
+  // least about a quarter of them; a count beyond that is not believed and nothing is allocated for it.
+  // -1: the file does not open, has no whole header, or holds 0 points; -3: a negative or unbelievable count,
+  // or no memory for the records; -4: no memory for the read buffer.
+  int Read(InputFile& file);
+  int Read(const std::string& path);
+
+  // Writes header and points as they stand, the deleted ones included. Returns the number of points written,
+  // or -1 if a write fails or the file does not open; the path form then leaves the old file as it was.
+  std::int32_t Write(OutputFile& file) const;
+  std::int32_t Write(const std::string& path) const;
+
+  // Writes the occupied cells as points, column by column from the smallest x, with coordinates by repeated
+  // addition of the spacing. Moves the object's grid origin to the smallest occupied row and column.
+  // -1: no occupied cell, or the file does not open or take the bytes.
+  int WriteGrid(OutputFile& file);
+  int WriteGrid(const std::string& path);
+
+  // Writes "id, x, y, z, value" a line, six significant digits. An empty path means "tinPoint.txt". If the
+  // file can't be written, the debug stream says so.
+  void DumpText(const std::string& path) const;
+
+  std::int32_t GetCount() const { return nPoints; }
+
+  // The point at position `i`, or null beyond the points.
+  const PointRecord* GetPoint(std::int32_t i) const;
+
+  // Overwrites the point at position `i`; -1 if there is none. SetPointXY leaves z and value alone.
+  int SetPoint(std::int32_t id, double x, double y, double z, double value, std::int32_t i);
+  int SetPointXY(std::int32_t id, double x, double y, std::int32_t i);
+
+  // Keeps the first `n` points. 0 if there are fewer, or `n` is negative.
+  int Truncate(std::int32_t n);
+
+  void GetExtent(Extent6& extent) const;
+
+  // Takes over the first 2, 4 or 6 entries of `values`; any other `n` changes nothing.
+  void SetExtent(int n, const Extent6& values);
+
+  void GetSpacing(double& x, double& y) const;
+  void SetSpacing(double x, double y);
+
+  // All six extents from all points, the deleted ones included. Without points they stay as they are.
+  void RecalcExtent();
+
+  // Appends the point, and inserts it in the index if there is one; -1 if that fails (the point then stays
+  // appended) or memory runs out.
+  int AddPoint(const PointRecord& record);
+
+  // Marks the point at position `i` deleted, with id -1, and takes it out of the index; -1 if there is none.
+  int RemovePoint(std::int32_t i);
+
+  // Moves the live points down in order and takes extents in x and y, but not in z, from them. An index built
+  // before holds positions that are no longer true.
+  void Compact();
+
+  // Reads a mask: the number of regions, then for each its type, its vertex count and the vertices. Fills
+  // `regions` with as many whole regions as the text holds, whatever their type. -1: the file does not open.
+  static int ReadRegions(const std::string& path, std::vector<Region>& regions);
+
+  // Turns a text of x, y, z and optional value into a points file of this spacing. The first line decides
+  // between commas and white space and whether there is a value; fields are scanned as scanf does, records
+  // may run over line ends, and a value that is missing is the last one read (1.0 at first). Reading ends
+  // where the text does, or before something that is no number. Prints "x, y, z" and tells the number of
+  // points in status pane 0.
+  // 0, or -1: an empty path, the text does not open, or the points file can't be written (and is as it was).
+  static int TextToBinary(const std::string& txtPath, const std::string& binPath, double spacing);
+
+  // The same for records "id, x, y, z, value", the value being optional; the id is dropped.
+  // Kept: a coordinate that raises the maximum is not tested against the minimum, so that strictly rising
+  // ones leave a minimum of 1.7e+308 in the header.
+  static int TextIdToBinary(const std::string& txtPath, const std::string& binPath, double spacing);
+
+  // The Delaunay triangulation of x and y of all points. `attributes` and `markers`, a number a point or null
+  // for none, go along to the triangulator. Of points at one (x, y) only one becomes a corner.
+  // -1: fewer than three distinct points, all on one line, or coordinates that are not numbers or too large
+  // or too close together for its arithmetic; -2: more points than it can take, or no memory.
+  int Triangulate(const double* attributes, const int* markers, Triangulation& out) const;
+
+  // Writes the triangles as a ".tin" file: int32 count, then three 36-byte vertices a triangle, copied from
+  // these points. 0, or -1: there are no triangles, a corner is no point, or a write fails.
+  int WriteTriangles(OutputFile& file, const Triangulation& out) const;
+
+  static void FreeTriangulation(Triangulation& out);
+
+  // Indexes all points over the header's extents, with about `density` points a cell.
+  // -1: there are no points, the grid would be too large, or a point lies outside.
+  int BuildIndex(double density);
+
+  // The same with square cells of the given size.
+  int BuildIndexWithCell(double cellSize);
+
+  // The index, or null if none is built.
+  const GridIndex* GetIndex() const;
+
+  // The live point nearest to (x, y) among those of its own index cell, nearer than `radius`; the first of
+  // equals. -1: none, no index, or outside of it.
+  std::int32_t NearestWithin(std::int32_t x, std::int32_t y, double radius) const;
+
+  // The same over the whole cell, at any distance.
+  std::int32_t NearestInCell(std::int32_t x, std::int32_t y) const;
+
+  // The neighbour of point `i` along an axis, towards smaller x (0), larger x (1), smaller y (2) or larger
+  // y (3). Candidates lie ahead and less than the spacing (spacingX for 0 and 1, spacingY for 2 and 3) to the
+  // side; the first index cell on the way that has any decides by the smallest distance ahead plus half the
+  // distance aside. -1: no index or no such point; -2: the point is outside the index; -3: another direction;
+  // -4: none.
+  std::int32_t NearestInDirection(std::int32_t i, int direction) const;
+
+  // Appends the positions of the points in the region to `list`, in the order of the index. A rectangle is
+  // cut to whole numbers, all edges included. A polygon must be convex and closed; its edges belong to it if
+  // it is counter-clockwise. -1: no index, an unknown type, or too few vertices (4 of a polygon, the repeated
+  // first one included).
+  int CollectInRegion(const Region& region, std::vector<std::int32_t>& list) const;
+
+  // Marks the same points deleted instead. A point's x and y are cut to whole numbers before the test against
+  // a rectangle, and its right and bottom edges do not belong to it.
+  int MarkRegion(const Region& region);
+
+  // The same selection for a shape of scan lines: y cut to a whole number is a point's row, and its x lies in
+  // one of the row's runs.
+  int CollectInRuns(const ScanShape& scanShape, std::vector<std::int32_t>& list) const;
+
+  double minX = 0.0;
+  double maxY = 0.0;
+  double maxX = 0.0;
+  double minY = 0.0;
+  double minZ = 0.0;
+  double maxZ = 0.0;
+  std::int32_t nPoints = 0;   // in use
+  std::int32_t capacity = 0;  // allocated: the size of `points`
+  double spacingX = 1.0;
+  double spacingY = 1.0;
+  std::vector<PointRecord> points;
+  std::vector<GridCell> cells;  // grid mode: row * nCols + col
+  std::int32_t nRows = 0;
+  std::int32_t nCols = 0;
+  double gridMinX = 0.0;
+  double gridMinY = 0.0;
+  GridIndex index;  // of positions in `points`; empty until built
+
+ private:
+  std::span<const PointRecord> InUse() const { return {points.data(), static_cast<std::size_t>(nPoints)}; }
+  std::span<PointRecord> InUse() { return {points.data(), static_cast<std::size_t>(nPoints)}; }
+  bool HasPoint(std::int32_t i) const { return i >= 0 && i < nPoints; }
+};
+
+}  // namespace corvane

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+namespace corvane {
+
+// Standard output and standard error of a command line.
+class Console {
+ public:
+  // On a terminal, status texts rewrite one line of standard error.
+  Console(std::ostream& out, std::ostream& err, bool errIsTerminal)
+      : out_(out), err_(err), errIsTerminal_(errIsTerminal) {}
+
+  // Standard output, at once: commands also print through the C library.
+  void Print(const std::string& text) { out_ << text << std::flush; }
+
+  // Standard error: a whole line, a text with line ends of its own, or a status text.
+  void ErrorLine(const std::string& text) { ErrorText(text + '\n'); }
+  void ErrorText(const std::string& text);
+  void Status(const std::string& text);
+
+ private:
+  std::ostream& out_;
+  std::ostream& err_;
+  bool errIsTerminal_;
+  bool statusShown_ = false;  // the terminal's last line holds a status text
+};
+
+}  // namespace corvane

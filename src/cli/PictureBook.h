@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/ForwardingFrontEnd.h"
+#include "picture/Picture.h"
+
+namespace corvane {
+
+// Keeps a PNG file of every open window that has a picture: FOLDER/NN-TITLE.png, NN from 01 in the order in
+// which windows first had one. A window keeps its number.
+class PictureBook : public ForwardingFrontEnd {
+ public:
+  PictureBook(FrontEnd& inner, const std::string& folder);
+
+  struct SavedPictures {
+    std::vector<std::string> paths;
+    std::vector<std::string> failures;  // the texts to report
+  };
+
+  // Saves the windows that are new or have been repainted since the last call. The folder is made at the
+  // first picture.
+  SavedPictures Save();
+
+  void OpenWindow(WindowView& view) override;
+  void CloseWindow(WindowView& view) override;
+  void RepaintWindow(WindowView& view, bool atOnce) override;
+
+ private:
+  struct Window {
+    WindowView* view = nullptr;
+    int number = 0;  // 0 before its first picture
+    bool changed = true;
+  };
+
+  std::string folder_;
+  std::vector<Window> windows_;
+  int nNumbered_ = 0;
+  OffscreenGui gui_;
+};
+
+// "01-survey.tin.png": what a file name can't hold becomes "_".
+std::string PictureFileName(int number, const std::string& title);
+
+}  // namespace corvane

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <string>
+
+#include "cli/ForwardingFrontEnd.h"
+
+namespace corvane {
+
+// Writes what a person does as a script: a line a command, with the answers that its prompts took and
+// "@cancel" for each cancelled one. The file is a whole script after every answer, so that a crash loses
+// nothing, not even the command it happened in. (An entry is rewritten in place and only ever grows.)
+//
+// Saving on the question about unsaved changes is written as the "File > Save" that it amounts to; a closing
+// that was cancelled there, as a comment.
+class ScriptRecorder : public ForwardingFrontEnd {
+ public:
+  // Starts a new script file. `inner` is the front end that the person sees.
+  ScriptRecorder(FrontEnd& inner, const std::string& path);
+
+  // Whether everything so far is in the file.
+  bool IsGood() const { return file_.good(); }
+
+  // A person has made another document's window the active one. A script does that by opening the document's
+  // path again; a document without a path is only noted, by its title.
+  void NoteActivation(const std::string& path, const std::string& title);
+
+  std::optional<std::vector<std::string>> ChooseFiles(const FileChooser& chooser) override;
+  std::optional<double> AskValue(const std::string& title, double shown) override;
+  bool AskForm(Form& form) override;
+  SaveChoice AskSaveChanges(const std::string& documentTitle) override;
+  void CommandStarted(const std::string& name) override;
+  void CommandEnded(const std::string& name, CommandResult result) override;
+  void FileGiven(const FileChooser& chooser, const std::string& path) override;
+
+ private:
+  void BeginEntry(const std::string& command);
+  void AddAnswer(const std::string& answer);
+  void WriteEntry();
+
+  std::ofstream file_;
+  std::int64_t entryStart_ = 0;  // where the present entry begins in the file
+  std::string entry_;            // the command that takes answers, and those so far
+  std::string behind_;           // the command that follows a saving it asked about, or ""
+  bool saveAsked_ = false;       // the command has asked about unsaved changes
+  bool inCommand_ = false;       // prompts that a key in a view opens belong to no command
+  bool saving_ = false;          // a saving that belongs to no command: the window was closed by hand
+};
+
+}  // namespace corvane

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/Console.h"
+#include "ui/FrontEnd.h"
+
+namespace corvane {
+
+// The front end of the command line: prompts take the next answer of a list, texts go to a console. It shows
+// no windows. A refused answer is reported in the form's own words and the prompt takes the next one.
+class ScriptedFrontEnd : public FrontEnd {
+ public:
+  struct Options {
+    bool quiet = false;  // no status texts
+    bool trace = false;  // the debug stream goes to standard error
+  };
+
+  // `stop` ends the work when a command goes on asking without answers; it must not return.
+  ScriptedFrontEnd(Console& console, Options options, std::function<void()> stop);
+
+  // The answers of the command that follows.
+  void SetAnswers(std::vector<std::string> answers);
+
+  // Names the answers that no prompt asked for. False if there are any, or if a prompt lacked one.
+  bool FinishAnswers();
+
+  std::optional<std::vector<std::string>> ChooseFiles(const FileChooser& chooser) override;
+  std::optional<double> AskValue(const std::string& title, double shown) override;
+  bool AskForm(Form& form) override;
+  // A box with OK and Cancel takes OK.
+  bool ShowMessage(MessageKind kind, MessageButtons buttons, const std::string& text) override;
+  // Changes are dropped, with a warning.
+  SaveChoice AskSaveChanges(const std::string& documentTitle) override;
+  void SetStatusText(int pane, const std::string& text) override;
+  void SetWaitCursor(bool) override {}
+  void Print(const std::string& text) override;
+  void Trace(const std::string& text) override;
+  void OpenWindow(WindowView&) override {}
+  void CloseWindow(WindowView&) override {}
+  void ActivateWindow(WindowView&) override {}
+  void RepaintWindow(WindowView&, bool) override {}
+  void UpdateWindowFrame(WindowView&) override {}
+  void CommandStarted(const std::string&) override {}
+  void CommandEnded(const std::string&, CommandResult) override {}
+  void FileGiven(const FileChooser&, const std::string&) override {}
+
+ private:
+  std::optional<std::string> NextAnswer(const std::string& prompt);
+  void Refuse(const std::string& answer, const std::string& words);
+
+  Console& console_;
+  Options options_;
+  std::function<void()> stop_;
+  std::vector<std::string> answers_;
+  std::size_t next_ = 0;  // the first answer not yet taken
+  int nMissing_ = 0;      // prompts of this command that found no answer
+};
+
+}  // namespace corvane

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <fstream>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "cli/ForwardingFrontEnd.h"
+
+namespace corvane {
+
+// Writes the events of a session as JSON objects, one a line, at once. Prompts are written with their answer,
+// null for Cancel; numbers that are not finite as the texts "inf", "-inf" and "nan"; bytes that are no UTF-8
+// as the replacement character.
+class Transcript : public ForwardingFrontEnd {
+ public:
+  Transcript(FrontEnd& inner, const std::string& path);
+
+  // Whether everything so far is in the file.
+  bool IsGood() const { return file_.good(); }
+
+  std::optional<std::vector<std::string>> ChooseFiles(const FileChooser& chooser) override;
+  std::optional<double> AskValue(const std::string& title, double shown) override;
+  bool AskForm(Form& form) override;
+  bool ShowMessage(MessageKind kind, MessageButtons buttons, const std::string& text) override;
+  void SetStatusText(int pane, const std::string& text) override;
+  // Written where the cursor changes, not for nested calls.
+  void SetWaitCursor(bool on) override;
+  void Print(const std::string& text) override;
+  void Trace(const std::string& text) override;
+  void OpenWindow(WindowView& view) override;
+  void CommandStarted(const std::string& name) override;
+  void CommandEnded(const std::string& name, CommandResult result) override;
+  void FileGiven(const FileChooser& chooser, const std::string& path) override;
+
+ private:
+  void Write(const nlohmann::ordered_json& event);
+  void WriteChoice(const FileChooser& chooser, const nlohmann::ordered_json& answer);
+
+  std::ofstream file_;
+  int waitDepth_ = 0;
+};
+
+}  // namespace corvane

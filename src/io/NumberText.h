@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+// Numbers as text and back, always in the "C" locale.
+
+// Appends printf's "%.<decimals>f".
+void AppendFixed(std::string& text, double value, int decimals = 6);
+
+// Appends printf's "%.<precision>g", which is also a C++ stream's default form at that precision.
+void AppendGeneral(std::string& text, double value, int precision);
+
+void AppendInt(std::string& text, std::int64_t value);
+
+std::string FixedText(double value, int decimals = 6);
+std::string GeneralText(double value, int precision);
+
+// The shortest text that reads back as the same number.
+std::string ShortestText(double value);
+std::string ShortestText(float value);
+
+// The number that the whole text is, blanks around it aside; nothing if it is not one finite number.
+std::optional<double> ParseReal(std::string_view text);
+std::optional<std::int64_t> ParseInteger(std::string_view text);
+
+// The text without white space at either end.
+std::string_view Trimmed(std::string_view text);
+
+}  // namespace corvane

@@ -1,0 +1,73 @@
+// The built program as a child process.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "support/TempFolder.h"
+
+namespace corvane {
+namespace {
+
+using testing::HasSubstr;
+
+class ProgramTest : public testing::Test {
+ protected:
+  // The exit status of a call; its outputs go to "out" and "err".
+  static int Call(const std::string& arguments) {
+    const std::string command = "'" CORVANE_CLI "' " + arguments + " > out 2> err < /dev/null";
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  TempFolder folder_;
+};
+
+TEST_F(ProgramTest, RunsTheRoadFromTextToPictureWithoutADisplay) {
+  WriteFileBytes("survey.txt", "0 0 1\n10 0 2\n10 10 3\n0 10 4\n5 5 9\n");
+  WriteFileBytes("day.txt",
+                 "\"Utilities > Points > Text Points(XYZ) to Bin\" survey.txt survey.pts 1.0\n"
+                 "\"TIN > Create TIN\" survey.pts \"my survey.tin\"\n"
+                 "\"File > Open\" \"my survey.tin\"\n");
+  ASSERT_EQ(Call("script --transcript t.jsonl --pictures pictures day.txt"), 0) << ReadFileBytes("err");
+  EXPECT_EQ(std::filesystem::file_size("survey.pts"), 52u + 5 * 32);
+  EXPECT_EQ(std::filesystem::file_size("my survey.tin"), 4u + 4 * 108)
+      << "four triangles around the middle point";
+  EXPECT_EQ(ReadFileBytes("pictures/01-my survey.tin.png").substr(1, 3), "PNG");
+  EXPECT_THAT(ReadFileBytes("t.jsonl"),
+              HasSubstr(R"({"event":"command","name":"TIN > Create TIN","phase":"start"})"));
+  EXPECT_THAT(ReadFileBytes("err"), HasSubstr("picture: pictures/01-my survey.tin.png\n"));
+}
+
+TEST_F(ProgramTest, CreateTinWithoutAnswersNamesThePrompt) {
+  EXPECT_EQ(Call("run 'Create TIN'"), 3);
+  EXPECT_THAT(ReadFileBytes("err"), HasSubstr("no answer left for the file to open, Points Files (*.pts)\n"));
+}
+
+TEST_F(ProgramTest, ExitStatuses) {
+  EXPECT_EQ(Call("run 'Create TIN' @cancel"), 2);
+  EXPECT_EQ(Call("run 'Create TIN' gone.pts gone.tin"), 1);
+  EXPECT_EQ(Call("run 'Canny Edge'"), 4);
+  EXPECT_EQ(Call("run 'Create TINN'"), 64);
+  EXPECT_EQ(Call("run --open gone.tin 'Create TIN'"), 1);
+}
+
+TEST_F(ProgramTest, SpacingThatIsCancelledForEverEndsTheProcess) {
+  WriteFileBytes("survey.txt", "0 0 1\n");
+  EXPECT_EQ(Call("run 'Text Points(XYZ) to Bin' survey.txt survey.pts -5 @cancel"), 3);
+  EXPECT_FALSE(std::filesystem::exists("survey.pts"));
+}
+
+TEST_F(ProgramTest, ListsTheWholeTable) {
+  ASSERT_EQ(Call("list"), 0);
+  EXPECT_THAT(ReadFileBytes("out"), HasSubstr("\nTIN > Create TIN "));
+  EXPECT_THAT(ReadFileBytes("out"), HasSubstr("\nFeatures > Canny Edge (disabled) "));
+  ASSERT_EQ(Call("list --json"), 0);
+  EXPECT_THAT(ReadFileBytes("out"), HasSubstr(R"("item":"&Slope Filter","prompt":"","enabled":true})"));
+}
+
+}  // namespace
+}  // namespace corvane
