@@ -235,7 +235,7 @@ std::int64_t GridIndex::MeanOccupancy() const {
   std::uint64_t total = begins_.empty() ? 0 : begins_.back();
   for (const List& list : lists_) total += list.size;
   const double nCells = static_cast<double>(nRows) * nCols;
-  return static_cast<std::int64_t>(static_cast<double>(total) / nCells + 0.5);
+  return TruncateTo64(static_cast<double>(total) / nCells + 0.5);
 }
 
 }  // namespace corvane

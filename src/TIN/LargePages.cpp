@@ -16,9 +16,8 @@ constexpr std::size_t kWorthwhile = std::size_t{4} << 20;  // two large pages, i
 void UseLargePages(void* block, std::size_t size) {
 #ifdef MADV_HUGEPAGE
   if (size < kWorthwhile) return;
-  const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kPage - 1) / kPage * kPage;
-  const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) / kPage * kPage;
-  madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  const std::size_t skipped = (kPage - reinterpret_cast<std::uintptr_t>(block) % kPage) % kPage;
+  madvise(static_cast<char*>(block) + skipped, (size - skipped) / kPage * kPage, MADV_HUGEPAGE);
 #else
   static_cast<void>(block);
   static_cast<void>(size);

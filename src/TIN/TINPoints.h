@@ -131,10 +131,11 @@ class TINPoints {
   // ones leave a minimum of 1.7e+308 in the header.
   static int TextIdToBinary(const std::string& txtPath, const std::string& binPath, double spacing);
 
-  // The Delaunay triangulation of x and y of all points. `attributes` and `markers`, a number a point or null
-  // for none, go along to the triangulator. Of points at one (x, y) only one becomes a corner.
-  // -1: fewer than three distinct points, all on one line, or coordinates that are not numbers or too large
-  // or too close together for its arithmetic; -2: more points than it can take, or no memory.
+  // The Delaunay triangulation of x and y of all points, deleted ones included. `attributes` and `markers`, a
+  // number a point or null for none, go along to the triangulator. Of points at one (x, y) only one becomes a
+  // corner; coordinates within 1e-60 of 0 count as 0. The triangulator reports on standard output.
+  // -1: fewer than three distinct points, all on one line, or coordinates that are not numbers or beyond
+  // 1e70; -2: more than 38,000,000 points, which is all that the triangulator can take, or no memory.
   int Triangulate(const double* attributes, const int* markers, Triangulation& out) const;
 
   // Writes the triangles as a ".tin" file: int32 count, then three 36-byte vertices a triangle, copied from

@@ -180,16 +180,21 @@ CellRange TIN::CellsOfTriangle(std::int32_t i) const {
 }
 
 bool TIN::FillGrids() {
-  std::int64_t entriesLeft = kCellsPerTriangle * nTriangles + kSpareCells;
-  for (std::int32_t i = 0; i < nTriangles; ++i) {
-    entriesLeft -= CellsOfTriangle(i).GetCount();
-    if (entriesLeft < 0) return false;
-  }
   const auto vertexAt = [this](std::int32_t v) -> const TINVertex& {
     return vertices[static_cast<std::size_t>(v)];
   };
   if (vertexGrid.InsertAll(nPoints, vertexAt) < 0) return false;
-  return triangleGrid.FillCells(nTriangles, [this](std::int32_t i) { return CellsOfTriangle(i); }) >= 0;
+
+  std::vector<CellRange> ranges;
+  ReserveLarge(ranges, triangles.size());
+  std::int64_t entriesLeft = kCellsPerTriangle * nTriangles + kSpareCells;
+  for (std::int32_t i = 0; i < nTriangles; ++i) {
+    ranges.push_back(CellsOfTriangle(i));
+    entriesLeft -= ranges.back().GetCount();
+    if (entriesLeft < 0) return false;
+  }
+  const auto rangeAt = [&ranges](std::int32_t i) { return ranges[static_cast<std::size_t>(i)]; };
+  return triangleGrid.FillCells(nTriangles, rangeAt) >= 0;
 }
 
 // Gives each vertex the list of its triangles, in file order; a triangle with one vertex at two corners is

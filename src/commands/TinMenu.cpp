@@ -14,6 +14,10 @@ const FileChooser kSaveTin{.mode = FileChooser::Mode::Save,
                            .filter = "TIN Files (*.tin)|*.tin|All Files (*.*)|*.*|",
                            .defaultExtension = "tin"};
 
+constexpr const char* kCannotTriangulate =
+    "The points can not be triangulated: fewer than three distinct points, all on one line, or coordinates "
+    "that are not numbers.\n";
+
 CommandResult FailWith(const std::string& text) {
   ShowMessage(text);
   return CommandResult::Failed;
@@ -33,11 +37,9 @@ CommandResult OnCreateTin(CCorvaneView&) {
 
   // The library ends the process, crashes or never returns on points that have no triangles.
   Triangulation triangles;
-  if (read < 0 || points.Triangulate(nullptr, nullptr, triangles) < 0) {
-    return FailWith(
-        "The points can not be triangulated: fewer than three distinct points, all on one line, or "
-        "coordinates that are not numbers.\n");
-  }
+  const int triangulated = read < 0 ? -1 : points.Triangulate(nullptr, nullptr, triangles);
+  if (triangulated == -2) return FailWith("There is not enough memory to triangulate the points.\n");
+  if (triangulated < 0) return FailWith(kCannotTriangulate);
   OutputFile tinFile((*paths)[1]);
   if (!tinFile.IsOpen()) return FailWith("Open TIN file error!\n");
   const bool written = points.WriteTriangles(tinFile, triangles) >= 0 && tinFile.Commit();

@@ -7,6 +7,7 @@
 #include <bit>
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <system_error>
 
 namespace corvane {
@@ -49,13 +50,38 @@ double NearestQuotient(std::uint64_t numerator, std::uint64_t denominator) {
   const Wide wide = static_cast<Wide>(numerator << numeratorShift) << 63;
   const std::uint64_t divisor = denominator << denominatorShift;
   auto quotient = static_cast<std::uint64_t>(wide / divisor);
-  if (wide % divisor != 0) quotient |= 1;
+  if (quotient * divisor != static_cast<std::uint64_t>(wide)) quotient |= 1;
   const int exponent = denominatorShift - numeratorShift - 63;
   const auto scale = std::bit_cast<double>(static_cast<std::uint64_t>(1023 + exponent) << 52);  // 2^exponent
   return static_cast<double>(quotient) * scale;
 }
 
+static_assert(std::endian::native == std::endian::little, "eight characters are taken with the first lowest");
+
+// Whether all eight bytes are digits: 0x30 to 0x39, so that 6 more leaves the high halves as they are.
+bool AreEightDigits(std::uint64_t bytes) {
+  constexpr std::uint64_t kHigh = 0xF0F0F0F0F0F0F0F0;
+  constexpr std::uint64_t kDigits = 0x3030303030303030;
+  return (bytes & kHigh) == kDigits && ((bytes + 0x0606060606060606) & kHigh) == kDigits;
+}
+
+// The number that eight digits are: pairs are joined in each second byte, then all four pairs at once, in the
+// upper half of a sum of two products.
+std::uint64_t NumberOfEightDigits(std::uint64_t bytes) {
+  bytes -= 0x3030303030303030;
+  bytes = 10 * bytes + (bytes >> 8);
+  constexpr std::uint64_t kPair = 0x000000FF000000FF;
+  constexpr std::uint64_t kFirstAndThird = 100 + (std::uint64_t{1000000} << 32);
+  constexpr std::uint64_t kSecondAndFourth = 1 + (std::uint64_t{10000} << 32);
+  return ((bytes & kPair) * kFirstAndThird + ((bytes >> 16) & kPair) * kSecondAndFourth) >> 32;
+}
+
 std::uint64_t TakeDigits(const char*& at, const char* end, std::uint64_t number) {
+  for (std::uint64_t bytes = 0; end - at >= 8; at += 8) {
+    std::memcpy(&bytes, at, sizeof bytes);
+    if (!AreEightDigits(bytes)) break;
+    number = 100000000 * number + NumberOfEightDigits(bytes);
+  }
   for (; at != end && IsDigit(*at); ++at) number = 10 * number + static_cast<std::uint64_t>(*at - '0');
   return number;
 }
@@ -73,7 +99,11 @@ const char* ShortDecimal(const char* first, const char* end, double& value) {
     nDigits += nDecimals;
   }
   if (nDigits == 0 || nDigits > kMaxShortDigits) return nullptr;
-  value = digits == 0 ? 0.0 : NearestQuotient(digits, kPowersOfTen[static_cast<std::size_t>(nDecimals)]);
+  const std::uint64_t power = kPowersOfTen[static_cast<std::size_t>(nDecimals)];
+  // A power of ten up to the 22nd is exact, so that with exact digits the division rounds once.
+  constexpr std::uint64_t kExact = std::uint64_t{1} << 53;
+  value = digits <= kExact ? static_cast<double>(digits) / static_cast<double>(power)
+                           : NearestQuotient(digits, power);
   return at;
 }
 

@@ -241,7 +241,7 @@ TEST(TextScanner, ShortDecimalsAreRoundedToTheNearest) {
   std::mt19937_64 random(11);
   for (int round = 0; round < 200000; ++round) {
     std::string text = std::to_string(random() >> random() % 64);
-    if (text.size() > 1 && random() % 2) text.insert(random() % text.size(), ".");
+    if (text.size() > 1 && random() % 2) text.insert(random() % text.size(), 1, '.');
     ExpectSame(text, "f");
     // Half way between two doubles, and one unit of the last place beside it.
     const std::uint64_t tie = (random() % (1ull << 53) << 1 | 1) + (1ull << 54);
