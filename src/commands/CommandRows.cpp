@@ -150,6 +150,8 @@ const CommandRow kRows[] = {
 
 }  // namespace
 
-std::span<const CommandRow> CommandRows() { return kRows; }
+std::span<const CommandRow> CommandRows() {
+  return kRows;
+}
 
 }  // namespace corvane

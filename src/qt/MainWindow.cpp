@@ -1,0 +1,324 @@
+#include "qt/MainWindow.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QEventLoop>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QScopedValueRollback>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <algorithm>
+#include <chrono>
+
+#include "qt/Icons.h"
+#include "qt/QtText.h"
+#include "qt/ViewWindow.h"
+#include "shell/ChildFrm.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr const char* kProgramName = "Corvane";
+constexpr const char* kClose = "File > Close";
+constexpr QSize kFirstSize(1180, 800);
+
+constexpr std::chrono::milliseconds kUncoverTime(30);
+
+// New windows stand one step further down and to the right than the one before, over and over.
+constexpr int kCascadeStep = 26;  // pixels
+constexpr int kCascadeLength = 6;
+
+// The frame of a view's window. Closing it is the application's to decide.
+class CSubWindow : public QMdiSubWindow {
+ public:
+  CSubWindow(CViewWindow* window, std::function<void()> onClose) : onClose_(std::move(onClose)) {
+    setWidget(window);
+    setWindowIcon(ProgramIcon());
+  }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override {
+    event->ignore();
+    onClose_();
+  }
+
+ private:
+  std::function<void()> onClose_;
+};
+
+CViewWindow& ViewWindowOf(const QMdiSubWindow& subWindow) {
+  return *static_cast<CViewWindow*>(subWindow.widget());
+}
+
+// The local .tin files of a drag.
+std::vector<std::string> TinFiles(const QMimeData& data) {
+  std::vector<std::string> paths;
+  for (const QUrl& url : data.urls()) {
+    const QString path = url.toLocalFile();
+    if (path.endsWith(".tin", Qt::CaseInsensitive)) paths.push_back(Plain(path));
+  }
+  return paths;
+}
+
+}  // namespace
+
+CMainWindow::CMainWindow(CCorvaneApp& app) : app_(app), area_(new QMdiArea) {
+  setWindowIcon(ProgramIcon());
+  setWindowTitle(kProgramName);
+  setContextMenuPolicy(Qt::NoContextMenu);
+  setAcceptDrops(true);
+  resize(kFirstSize);
+  area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  area_->setBackground(palette().mid());
+  setCentralWidget(area_);
+  panes_ = std::make_unique<CStatusPanes>(*statusBar());
+  menus_ = std::make_unique<CMenus>(
+      *this, app_.GetCommands(), [this](const CommandRow& row) { RunRow(row); },
+      [this](const std::string& name) { RunItem(name); },
+      [this](const std::string& path) { OpenPath(path); });
+  MakeToolBar();
+  connect(area_, &QMdiArea::subWindowActivated, this, &CMainWindow::OnSubWindowActivated);
+}
+
+// Windows that go down with this one are nobody's doing.
+CMainWindow::~CMainWindow() {
+  area_->disconnect(this);
+}
+
+void CMainWindow::MakeToolBar() {
+  for (const char* name : {"View > Toolbar", "View > Status Bar"}) {
+    menus_->Find(name)->setCheckable(true);
+    menus_->Find(name)->setChecked(true);
+  }
+  toolBar_ = addToolBar("Toolbar");
+  toolBar_->setIconSize(QSize(20, 20));
+  menus_->FillToolBar(*toolBar_);
+}
+
+CViewWindow* CMainWindow::FindWindow(const WindowView& view) const {
+  QMdiSubWindow* subWindow = FindSubWindow(view);
+  return subWindow ? &ViewWindowOf(*subWindow) : nullptr;
+}
+
+QMdiSubWindow* CMainWindow::FindSubWindow(const WindowView& view) const {
+  const auto found = windows_.find(&view);
+  return found == windows_.end() ? nullptr : found->second;
+}
+
+void CMainWindow::OpenWindow(WindowView& view) {
+  auto* window = new CViewWindow(view);
+  auto* subWindow = new CSubWindow(window, [this, &view] { OnSubWindowClose(view); });
+  windows_[&view] = subWindow;
+  {
+    const QScopedValueRollback following(following_, true);
+    area_->addSubWindow(subWindow);
+    const int step = nOpened_++ % kCascadeLength * kCascadeStep;
+    subWindow->move(step, step);
+    subWindow->show();
+  }
+  connect(subWindow, &QMdiSubWindow::windowStateChanged, this, &CMainWindow::RefreshTitles);
+  ActivateWindow(view);
+}
+
+// The sub-window may be in the middle of its own close event, so its end comes later.
+void CMainWindow::CloseWindow(WindowView& view) {
+  QMdiSubWindow* subWindow = FindSubWindow(view);
+  if (!subWindow) return;
+  const QScopedValueRollback following(following_, true);
+  ViewWindowOf(*subWindow).Detach();
+  windows_.erase(&view);
+  area_->removeSubWindow(subWindow);
+  subWindow->deleteLater();
+}
+
+void CMainWindow::ActivateWindow(WindowView& view) {
+  QMdiSubWindow* subWindow = FindSubWindow(view);
+  if (!subWindow) return;
+  {
+    const QScopedValueRollback following(following_, true);
+    if (subWindow->isMinimized()) subWindow->showNormal();
+    area_->setActiveSubWindow(subWindow);
+    ViewWindowOf(*subWindow).setFocus();
+  }
+  if (auto* active = dynamic_cast<CView*>(&view)) app_.GetMainFrame().SetActiveView(active);
+  Refresh();
+}
+
+void CMainWindow::RepaintWindow(WindowView& view, bool atOnce) {
+  CViewWindow* window = FindWindow(view);
+  if (!window) return;
+  if (atOnce) {
+    window->viewport()->repaint();
+  } else {
+    window->viewport()->update();
+  }
+}
+
+void CMainWindow::UpdateWindowFrame(WindowView& view) {
+  if (CViewWindow* window = FindWindow(view)) window->UpdateScrollBars();
+  RefreshTitles();
+}
+
+void CMainWindow::CommandStarted() {
+  ++running_;
+  ShowUncovered();
+}
+
+// The desktop takes the menu or dialog away and then asks for what was under it.
+void CMainWindow::ShowUncovered() {
+  if (!isVisible()) return;
+  QEventLoop loop;
+  QTimer::singleShot(kUncoverTime, &loop, &QEventLoop::quit);
+  loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+void CMainWindow::CommandEnded() {
+  --running_;
+  Refresh();
+}
+
+void CMainWindow::OpenPath(const std::string& path) {
+  if (running_ == 0) app_.OpenPath(path);
+}
+
+void CMainWindow::RunRow(const CommandRow& row) {
+  if (running_ == 0 && app_.IsEnabled(row)) app_.RunCommand(row);
+}
+
+void CMainWindow::RunItem(const std::string& name) {
+  static const struct {
+    const char* name;
+    void (CMainWindow::*run)();
+  } kItems[] = {
+      {"File > Print", &CMainWindow::PrintPicture},
+      {"File > Print Preview", &CMainWindow::PreviewPicture},
+      {"File > Print Setup", &CMainWindow::SetUpPrinter},
+      {"File > Exit", &CMainWindow::Exit},
+      {"View > Toolbar", &CMainWindow::ShowToolBar},
+      {"View > Status Bar", &CMainWindow::ShowStatusBar},
+      {"Window > New Window", &CMainWindow::OpenNewWindow},
+      {"Window > Cascade", &CMainWindow::Cascade},
+      {"Window > Tile", &CMainWindow::Tile},
+      {"Window > Arrange Icons", &CMainWindow::ArrangeIcons},
+      {"Window > Next Pane", &CMainWindow::ActivateNext},
+      {"Window > Previous Pane", &CMainWindow::ActivatePrevious},
+      {"Help > Help Topics", &CMainWindow::ShowHelpTopics},
+      {"Help > About", &CMainWindow::ShowAbout},
+  };
+  if (running_ != 0) return;
+  for (const auto& item : kItems) {
+    if (name == item.name) (this->*item.run)();
+  }
+}
+
+// The area also reports nothing while another program's window is in front: the active view stays.
+void CMainWindow::OnSubWindowActivated(QMdiSubWindow* subWindow) {
+  if (following_ || !subWindow) return;
+  if (auto* view = dynamic_cast<CView*>(ViewWindowOf(*subWindow).GetView())) MakeActive(*view);
+}
+
+// A person has gone over to this view's window.
+void CMainWindow::MakeActive(CView& view) {
+  const CDocument* before = app_.GetMainFrame().GetActiveDocument();
+  app_.GetMainFrame().SetActiveView(&view);
+  const CDocument& document = view.GetDocumentBase();
+  if (before != &document && running_ == 0 && onActivation) {
+    onActivation(document.GetPathName(), document.GetTitle());
+  }
+  Refresh();
+}
+
+void CMainWindow::OnSubWindowClose(WindowView& view) {
+  auto* closing = dynamic_cast<CView*>(&view);
+  if (!closing || running_ != 0) return;
+  MakeActive(*closing);
+  if (closing->GetDocumentBase().GetFrames().size() > 1) {
+    app_.CloseView(*closing);
+  } else {
+    CloseActiveDocument();
+  }
+  Refresh();
+}
+
+// As the command, so that a record of the session has it. False if the person cancelled.
+bool CMainWindow::CloseActiveDocument() {
+  for (const CommandRow& row : app_.GetCommands()) {
+    if (CommandName(row) == kClose) return app_.RunCommand(row) == CommandResult::Done;
+  }
+  return false;
+}
+
+// Asks for each changed document; what is unchanged stays open until all have answered.
+void CMainWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (running_ != 0) return;
+  while (true) {
+    const auto& documents = app_.GetDocuments();
+    const auto changed = std::find_if(documents.begin(), documents.end(),
+                                      [](const auto& document) { return document->IsModified(); });
+    if (changed == documents.end()) break;
+    CView& view = (*changed)->GetFrames().front()->GetView();
+    MakeActive(view);
+    ActivateWindow(view);
+    if (!CloseActiveDocument()) return;
+  }
+  event->accept();
+}
+
+void CMainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (running_ == 0 && !TinFiles(*event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void CMainWindow::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  for (const std::string& path : TinFiles(*event->mimeData())) OpenPath(path);
+}
+
+void CMainWindow::Refresh() {
+  RefreshMenus();
+  RefreshTitles();
+}
+
+void CMainWindow::RefreshMenus() {
+  CView* view = app_.GetMainFrame().GetActiveView();
+  const auto kind = view ? std::optional(view->GetKind()) : std::nullopt;
+  if (!menusShown_ || kind != shownKind_) {
+    menus_->Show(kind);
+    menusShown_ = true;
+    shownKind_ = kind;
+    if (QMenu* menu = menus_->GetWindowMenu()) {
+      connect(menu, &QMenu::aboutToShow, this, &CMainWindow::ListWindows, Qt::UniqueConnection);
+    }
+  }
+  menus_->UpdateEnabled([this](const CommandRow& row) { return app_.IsEnabled(row); });
+  menus_->SetRecentFiles(app_.GetRecentFiles().GetPaths());
+  // No window has anything to edit, and only a picture can be printed.
+  for (const char* name : {"Edit > Undo", "Edit > Cut", "Edit > Copy", "Edit > Paste"}) {
+    menus_->Find(name)->setEnabled(false);
+  }
+  for (const char* name : {"File > Print", "File > Print Preview"}) {
+    menus_->Find(name)->setEnabled(view && view->HasPicture());
+  }
+}
+
+void CMainWindow::RefreshTitles() {
+  for (const auto& [view, subWindow] : windows_) {
+    const auto* documentView = dynamic_cast<const CView*>(view);
+    subWindow->setWindowTitle(Shown(view->GetTitle()) + "[*]");
+    subWindow->setWindowModified(documentView && documentView->GetDocumentBase().IsModified());
+  }
+  // A maximised window's title is added to the main window's by itself.
+  const CView* active = app_.GetMainFrame().GetActiveView();
+  const QMdiSubWindow* subWindow = active ? FindSubWindow(*active) : nullptr;
+  const bool alone = !subWindow || subWindow->isMaximized();
+  setWindowTitle(alone ? QString(kProgramName) : Shown(active->GetTitle()) + " - " + kProgramName);
+}
+
+}  // namespace corvane

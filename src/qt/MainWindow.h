@@ -1,0 +1,112 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "qt/Menus.h"
+#include "qt/Printing.h"
+#include "qt/StatusPanes.h"
+#include "shell/CorvaneApp.h"
+
+class QMdiArea;
+class QMdiSubWindow;
+
+namespace corvane {
+
+class CViewWindow;
+
+// The main window: menus, toolbar, status bar, and the area in which document windows stand. Which window is
+// the active one is CMainFrame's to say; this window shows it and reports a person's changes.
+class CMainWindow : public QMainWindow {
+ public:
+  explicit CMainWindow(CCorvaneApp& app);
+  ~CMainWindow() override;
+
+  // Hears of a person, not a command, having gone over to a window of another document: its path, "" if it
+  // has none, and its title.
+  std::function<void(const std::string& path, const std::string& title)> onActivation;
+
+  void OpenWindow(WindowView& view);
+  void CloseWindow(WindowView& view);
+  void ActivateWindow(WindowView& view);
+  void RepaintWindow(WindowView& view, bool atOnce);
+  void UpdateWindowFrame(WindowView& view);
+  void SetStatusText(int pane, const std::string& text) { panes_->SetText(pane, text); }
+
+  // While a command runs no other one starts.
+  void CommandStarted();
+  void CommandEnded();
+
+  // Shows again what a menu or a dialog that has just closed left uncovered: a command that goes on from
+  // there keeps the event loop waiting.
+  void ShowUncovered();
+
+  // Opens a path that was chosen without a chooser.
+  void OpenPath(const std::string& path);
+
+  // Shows the program's state as it is now: menus for the active window, titles, what can be chosen.
+  void Refresh();
+
+  CMenus& GetMenus() { return *menus_; }
+  CStatusPanes& GetStatusPanes() { return *panes_; }
+  QMdiArea& GetArea() { return *area_; }
+  // The window on a view; null if there is none.
+  CViewWindow* FindWindow(const WindowView& view) const;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void MakeToolBar();
+  void RunRow(const CommandRow& row);
+  void RunItem(const std::string& name);
+  QMdiSubWindow* FindSubWindow(const WindowView& view) const;
+
+  void OnSubWindowActivated(QMdiSubWindow* subWindow);
+  void OnSubWindowClose(WindowView& view);
+  void MakeActive(CView& view);
+  bool CloseActiveDocument();
+
+  void RefreshMenus();
+  void RefreshTitles();
+  void ListWindows();
+
+  void PrintPicture();
+  void PreviewPicture();
+  void SetUpPrinter();
+  void ShowToolBar();
+  void ShowStatusBar();
+  void OpenNewWindow();
+  void Cascade();
+  void Tile();
+  void ArrangeIcons();
+  void ActivateNext();
+  void ActivatePrevious();
+  void ShowHelpTopics();
+  void ShowAbout();
+  void Exit();
+
+  CCorvaneApp& app_;
+  QMdiArea* area_;
+  QToolBar* toolBar_ = nullptr;
+  std::unique_ptr<CStatusPanes> panes_;
+  std::unique_ptr<CMenus> menus_;
+  CPrinting printing_;
+  std::map<const WindowView*, QMdiSubWindow*> windows_;
+  std::vector<QAction*> windowActions_;  // the list of windows on the Window menu
+  bool menusShown_ = false;
+  std::optional<WindowKind> shownKind_;  // whose menus stand on the menu bar
+  int nOpened_ = 0;                      // windows since the start
+  int running_ = 0;                      // commands under way
+  bool following_ = false;               // windows change at the program's own wish
+};
+
+}  // namespace corvane

@@ -1,0 +1,154 @@
+#include "qt/QtFrontEnd.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QMessageBox>
+#include <QPushButton>
+#include <cstdio>
+
+#include "qt/ChooserDialog.h"
+#include "qt/FormDialog.h"
+#include "qt/MainWindow.h"
+#include "qt/QtText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr const char* kProgramName = "Corvane";
+
+Q_LOGGING_CATEGORY(traceLog, "corvane", QtWarningMsg)
+
+QMessageBox::Icon IconOf(MessageKind kind) {
+  static constexpr QMessageBox::Icon kIcons[] = {QMessageBox::NoIcon, QMessageBox::Critical,
+                                                 QMessageBox::Warning, QMessageBox::Information};
+  return kIcons[static_cast<int>(kind)];
+}
+
+}  // namespace
+
+QtFrontEnd::QtFrontEnd() : folder_(QDir::currentPath()) {}
+
+// Boxes belong to the dialog that stands in front, if one does.
+QWidget* QtFrontEnd::DialogParent() const {
+  QWidget* modal = QApplication::activeModalWidget();
+  return modal ? modal : mainWindow_;
+}
+
+// The dialog has the ordinary cursor, also in the middle of a long command.
+int QtFrontEnd::Show(QDialog& dialog) {
+  QApplication::setOverrideCursor(Qt::ArrowCursor);
+  const int result = dialog.exec();
+  QApplication::restoreOverrideCursor();
+  if (mainWindow_) mainWindow_->ShowUncovered();
+  return result;
+}
+
+std::optional<std::vector<std::string>> QtFrontEnd::ChooseFiles(const FileChooser& chooser) {
+  CChooserDialog dialog(chooser, folder_, DialogParent());
+  if (Show(dialog) != QDialog::Accepted) return std::nullopt;
+  auto paths = dialog.GetPaths();
+  folder_ = QFileInfo(Shown(paths.front())).absolutePath();
+  return paths;
+}
+
+std::optional<std::string> QtFrontEnd::Browse(const FileChooser& chooser) {
+  const auto paths = ChooseFiles(chooser);
+  return paths ? std::optional(paths->front()) : std::nullopt;
+}
+
+std::optional<double> QtFrontEnd::AskValue(const std::string& title, double shown) {
+  FormField field;
+  field.name = "value";
+  field.hint = "(Enter confirms, Esc cancels)";
+  field.value = shown;
+  CFormDialog dialog({"ValueInput", title, {field}}, CFormDialog::Buttons::None, nullptr, DialogParent());
+  if (Show(dialog) != QDialog::Accepted) return std::nullopt;
+  return dialog.GetForm().GetReal("value");
+}
+
+bool QtFrontEnd::AskForm(Form& form) {
+  CFormDialog dialog(
+      form, CFormDialog::Buttons::OkCancel, [this](const FileChooser& chooser) { return Browse(chooser); },
+      DialogParent());
+  if (Show(dialog) != QDialog::Accepted) return false;
+  form = dialog.GetForm();
+  return true;
+}
+
+bool QtFrontEnd::ShowMessage(MessageKind kind, MessageButtons buttons, const std::string& text) {
+  QMessageBox box(IconOf(kind), kProgramName, Shown(text), QMessageBox::Ok, DialogParent());
+  box.setTextFormat(Qt::PlainText);
+  if (buttons == MessageButtons::OkCancel) box.addButton(QMessageBox::Cancel);
+  box.setDefaultButton(QMessageBox::Ok);
+  return Show(box) == QMessageBox::Ok || buttons == MessageButtons::Ok;
+}
+
+SaveChoice QtFrontEnd::AskSaveChanges(const std::string& documentTitle) {
+  QMessageBox box(QMessageBox::Warning, kProgramName, "Save changes to " + Shown(documentTitle) + "?",
+                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, DialogParent());
+  box.setTextFormat(Qt::PlainText);
+  box.button(QMessageBox::Discard)->setText("Do&n't Save");
+  box.setDefaultButton(QMessageBox::Save);
+  switch (Show(box)) {
+    case QMessageBox::Save:
+      return SaveChoice::Save;
+    case QMessageBox::Discard:
+      return SaveChoice::Discard;
+    default:
+      return SaveChoice::Cancel;
+  }
+}
+
+void QtFrontEnd::SetStatusText(int pane, const std::string& text) {
+  if (mainWindow_) mainWindow_->SetStatusText(pane, text);
+}
+
+void QtFrontEnd::SetWaitCursor(bool on) {
+  waiting_ += on ? 1 : -1;
+  if (on && waiting_ == 1) QApplication::setOverrideCursor(Qt::WaitCursor);
+  if (!on && waiting_ == 0) QApplication::restoreOverrideCursor();
+}
+
+void QtFrontEnd::Print(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fflush(stdout);
+}
+
+void QtFrontEnd::Trace(const std::string& text) {
+  QString line = Shown(text);
+  if (line.endsWith('\n')) line.chop(1);  // the log ends its lines itself
+  qCDebug(traceLog).noquote() << line;
+}
+
+void QtFrontEnd::OpenWindow(WindowView& view) {
+  if (mainWindow_) mainWindow_->OpenWindow(view);
+}
+
+void QtFrontEnd::CloseWindow(WindowView& view) {
+  if (mainWindow_) mainWindow_->CloseWindow(view);
+}
+
+void QtFrontEnd::ActivateWindow(WindowView& view) {
+  if (mainWindow_) mainWindow_->ActivateWindow(view);
+}
+
+void QtFrontEnd::RepaintWindow(WindowView& view, bool atOnce) {
+  if (mainWindow_) mainWindow_->RepaintWindow(view, atOnce);
+}
+
+void QtFrontEnd::UpdateWindowFrame(WindowView& view) {
+  if (mainWindow_) mainWindow_->UpdateWindowFrame(view);
+}
+
+void QtFrontEnd::CommandStarted(const std::string&) {
+  if (mainWindow_) mainWindow_->CommandStarted();
+}
+
+void QtFrontEnd::CommandEnded(const std::string&, CommandResult) {
+  if (mainWindow_) mainWindow_->CommandEnded();
+}
+
+}  // namespace corvane

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QString>
+#include <string>
+
+#include "ui/FrontEnd.h"
+
+class QDialog;
+class QWidget;
+
+namespace corvane {
+
+class CMainWindow;
+
+// The front end in windows: dialogs, boxes, the main window.
+class QtFrontEnd : public FrontEnd {
+ public:
+  QtFrontEnd();
+
+  // The window that shows documents and status; without one dialogs stand alone and nothing else shows.
+  void SetMainWindow(CMainWindow* mainWindow) { mainWindow_ = mainWindow; }
+
+  std::optional<std::vector<std::string>> ChooseFiles(const FileChooser& chooser) override;
+  std::optional<double> AskValue(const std::string& title, double shown) override;
+  bool AskForm(Form& form) override;
+  bool ShowMessage(MessageKind kind, MessageButtons buttons, const std::string& text) override;
+  SaveChoice AskSaveChanges(const std::string& documentTitle) override;
+
+  void SetStatusText(int pane, const std::string& text) override;
+  void SetWaitCursor(bool on) override;
+  void Print(const std::string& text) override;
+  // Goes to Qt's logging, category "corvane", which shows it if asked to.
+  void Trace(const std::string& text) override;
+
+  void OpenWindow(WindowView& view) override;
+  void CloseWindow(WindowView& view) override;
+  void ActivateWindow(WindowView& view) override;
+  void RepaintWindow(WindowView& view, bool atOnce) override;
+  void UpdateWindowFrame(WindowView& view) override;
+
+  void CommandStarted(const std::string& name) override;
+  void CommandEnded(const std::string& name, CommandResult result) override;
+  void FileGiven(const FileChooser&, const std::string&) override {}
+
+ private:
+  QWidget* DialogParent() const;
+  int Show(QDialog& dialog);
+  std::optional<std::string> Browse(const FileChooser& chooser);
+
+  CMainWindow* mainWindow_ = nullptr;
+  QString folder_;  // where the next chooser opens
+  int waiting_ = 0;
+};
+
+}  // namespace corvane

@@ -1,0 +1,172 @@
+#include "qt/ViewWindow.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cstdlib>
+
+#include "picture/QtCanvas.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kAnglePerNotch = 120;  // eighths of a degree
+constexpr QSize kFirstSize(760, 560);
+
+void SetScrollBar(QScrollBar& bar, std::int32_t size, int shown, std::int64_t position) {
+  bar.setRange(0, std::max(0, size - shown));
+  bar.setPageStep(shown);
+  bar.setSingleStep(std::max(1, shown / 10));
+  bar.setValue(static_cast<int>(std::min<std::int64_t>(position, bar.maximum())));
+}
+
+// A scroll bar's value moved by a distance, without overflow near its far end.
+void MoveScrollBar(QScrollBar& bar, int distance) {
+  const std::int64_t value = std::int64_t{bar.value()} + distance;
+  bar.setValue(static_cast<int>(std::clamp<std::int64_t>(value, bar.minimum(), bar.maximum())));
+}
+
+}  // namespace
+
+int ViewKey(const QKeyEvent& event) {
+  if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return 0;
+  const int key = event.key();
+  if ((key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9)) return key;
+  switch (key) {
+    case Qt::Key_Up:
+      return Key::kUp;
+    case Qt::Key_Down:
+      return Key::kDown;
+    case Qt::Key_Left:
+      return Key::kLeft;
+    case Qt::Key_Right:
+      return Key::kRight;
+    default:
+      return 0;
+  }
+}
+
+CViewWindow::CViewWindow(WindowView& view) : view_(&view) {
+  setFocusPolicy(Qt::StrongFocus);
+  setFrameShape(QFrame::NoFrame);
+  viewport()->setAttribute(Qt::WA_OpaquePaintEvent);  // every paint fills the background itself
+}
+
+QSize CViewWindow::sizeHint() const {
+  return kFirstSize;
+}
+
+void CViewWindow::UpdateScrollBars() {
+  if (!view_ || updating_) return;
+  updating_ = true;
+  // A scroll bar that comes or goes changes the size that is shown; the second pass settles it.
+  QSize shown = ShownSize();
+  SetScrollBars(shown);
+  if (ShownSize() != shown) SetScrollBars(ShownSize());
+  updating_ = false;
+  view_->SetScrollPosition({horizontalScrollBar()->value(), verticalScrollBar()->value()});
+  viewport()->update();
+}
+
+// The viewport's size; where everything fits without scroll bars, the size without them.
+QSize CViewWindow::ShownSize() const {
+  const PixelSize content = view_->GetScrollSize();
+  const QSize whole = maximumViewportSize();
+  const bool fits = content.width <= whole.width() && content.height <= whole.height();
+  return fits ? whole : viewport()->size();
+}
+
+void CViewWindow::SetScrollBars(QSize shown) {
+  const PixelSize content = view_->GetScrollSize();
+  const PixelPoint position = view_->GetScrollPosition();
+  SetScrollBar(*horizontalScrollBar(), content.width, shown.width(), position.x);
+  SetScrollBar(*verticalScrollBar(), content.height, shown.height(), position.y);
+}
+
+void CViewWindow::paintEvent(QPaintEvent* event) {
+  QPainter painter(viewport());
+  const QRect exposed = event->rect();
+  painter.fillRect(exposed, Qt::white);
+  if (!view_) return;
+  const PixelPoint origin = {horizontalScrollBar()->value(), verticalScrollBar()->value()};
+  const PixelRect visible = {origin.x + exposed.left(), origin.y + exposed.top(),
+                             origin.x + exposed.left() + exposed.width(),
+                             origin.y + exposed.top() + exposed.height()};
+  QtCanvas canvas(painter, visible, origin);
+  view_->OnDraw(canvas);
+}
+
+void CViewWindow::resizeEvent(QResizeEvent* event) {
+  QAbstractScrollArea::resizeEvent(event);
+  if (!view_ || updating_) return;
+  view_->OnSize({viewport()->width(), viewport()->height()});
+  UpdateScrollBars();
+}
+
+void CViewWindow::scrollContentsBy(int dx, int dy) {
+  if (!view_ || updating_) return;
+  view_->SetScrollPosition({horizontalScrollBar()->value(), verticalScrollBar()->value()});
+  const bool near = std::abs(dx) < viewport()->width() && std::abs(dy) < viewport()->height();
+  if (near) {
+    viewport()->scroll(dx, dy);  // only the strip that comes into sight is painted
+  } else {
+    viewport()->update();
+  }
+}
+
+void CViewWindow::keyPressEvent(QKeyEvent* event) {
+  const int key = ViewKey(*event);
+  if (view_ && key != 0 && view_->OnKeyDown(key, event->count())) return;
+  if (ScrollByKey(event->key())) return;
+  QAbstractScrollArea::keyPressEvent(event);
+}
+
+bool CViewWindow::ScrollByKey(int key) {
+  if (key != Qt::Key_Home && key != Qt::Key_End) return false;
+  const auto action =
+      key == Qt::Key_Home ? QAbstractSlider::SliderToMinimum : QAbstractSlider::SliderToMaximum;
+  horizontalScrollBar()->triggerAction(action);
+  verticalScrollBar()->triggerAction(action);
+  return true;
+}
+
+// The wheel goes to the view, zooms with Ctrl, and scrolls where the view leaves it free.
+void CViewWindow::wheelEvent(QWheelEvent* event) {
+  wheelAngle_ += event->angleDelta().y();
+  const int notches = wheelAngle_ / kAnglePerNotch;
+  wheelAngle_ %= kAnglePerNotch;
+  if (!view_) return;
+  if (event->modifiers() & Qt::ControlModifier) {
+    for (int i = 0; i < std::abs(notches); ++i) view_->OnKeyDown(notches > 0 ? Key::kUp : Key::kDown, 1);
+    event->accept();
+  } else if (notches == 0 || !view_->OnMouseWheel(notches)) {
+    QAbstractScrollArea::wheelEvent(event);
+  }
+}
+
+void CViewWindow::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton && event->button() != Qt::MiddleButton) return;
+  dragging_ = true;
+  grabbed_ = event->position().toPoint();
+  viewport()->setCursor(Qt::ClosedHandCursor);
+}
+
+void CViewWindow::mouseMoveEvent(QMouseEvent* event) {
+  if (!dragging_) return;
+  const QPoint position = event->position().toPoint();
+  MoveScrollBar(*horizontalScrollBar(), grabbed_.x() - position.x());
+  MoveScrollBar(*verticalScrollBar(), grabbed_.y() - position.y());
+  grabbed_ = position;
+}
+
+void CViewWindow::mouseReleaseEvent(QMouseEvent*) {
+  dragging_ = false;
+  viewport()->unsetCursor();
+}
+
+}  // namespace corvane

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QAbstractScrollArea>
+
+#include "ui/WindowView.h"
+
+class QKeyEvent;
+
+namespace corvane {
+
+// The window on a view: shows its drawing, scrolls it, and passes keys and wheel on to it.
+class CViewWindow : public QAbstractScrollArea {
+ public:
+  explicit CViewWindow(WindowView& view);
+
+  // Null after Detach.
+  WindowView* GetView() const { return view_; }
+  // The view is about to end, perhaps before this window does: it is not touched any more.
+  void Detach() { view_ = nullptr; }
+
+  // Takes scroll size and scroll position over from the view.
+  void UpdateScrollBars();
+
+  QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void scrollContentsBy(int dx, int dy) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  QSize ShownSize() const;
+  void SetScrollBars(QSize shown);
+  bool ScrollByKey(int key);
+
+  WindowView* view_;
+  bool updating_ = false;  // the scroll bars follow the view, not a person
+  int wheelAngle_ = 0;     // turned so far towards a whole notch, in eighths of a degree
+  QPoint grabbed_;         // where a drag was last, in the viewport
+  bool dragging_ = false;
+};
+
+// The view's key for a key event: letters and digits as upper-case characters, the arrows as Key's; 0 for
+// keys that views do not get.
+int ViewKey(const QKeyEvent& event);
+
+}  // namespace corvane

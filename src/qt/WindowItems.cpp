@@ -1,0 +1,127 @@
+// The main window's standard items.
+
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QToolBar>
+
+#include "qt/Icons.h"
+#include "qt/MainWindow.h"
+#include "qt/QtText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr const char* kAboutText = "Corvane Version 1.0";
+
+constexpr const char* kHelpText =
+    "<p>The user's guide stands in the folder <b>docs</b> of Corvane's sources. The status bar tells what "
+    "each "
+    "menu item does.</p>"
+    "<p><b>In the window of a TIN</b></p>"
+    "<table cellspacing='0' cellpadding='3'>"
+    "<tr><td>Up, Down</td><td>zoom in, zoom out (also Ctrl + wheel)</td></tr>"
+    "<tr><td>Left, Right, Page Up, Page Down, wheel</td><td>scroll</td></tr>"
+    "<tr><td>Home, End</td><td>to the top left, to the bottom right</td></tr>"
+    "<tr><td>drag with the left or middle button</td><td>pan</td></tr>"
+    "<tr><td>A, D</td><td>exam point west, east</td></tr>"
+    "<tr><td>S, E</td><td>exam point south, north</td></tr>"
+    "<tr><td>G</td><td>enter the exam point</td></tr>"
+    "<tr><td>wheel, with an exam open</td><td>exam point up, down</td></tr>"
+    "<tr><td>F6, Shift + F6</td><td>next window, previous window</td></tr>"
+    "</table>";
+
+}  // namespace
+
+void CMainWindow::PrintPicture() {
+  printing_.Print(*app_.GetMainFrame().GetActiveView(), this);
+}
+
+void CMainWindow::PreviewPicture() {
+  printing_.Preview(*app_.GetMainFrame().GetActiveView(), this);
+}
+
+void CMainWindow::SetUpPrinter() {
+  printing_.SetUp(this);
+}
+
+void CMainWindow::Exit() {
+  close();
+}
+
+void CMainWindow::ShowToolBar() {
+  toolBar_->setVisible(menus_->Find("View > Toolbar")->isChecked());
+}
+
+void CMainWindow::ShowStatusBar() {
+  statusBar()->setVisible(menus_->Find("View > Status Bar")->isChecked());
+}
+
+void CMainWindow::OpenNewWindow() {
+  if (CDocument* document = app_.GetMainFrame().GetActiveDocument()) document->AddView();
+}
+
+void CMainWindow::Cascade() {
+  area_->cascadeSubWindows();
+}
+
+void CMainWindow::Tile() {
+  area_->tileSubWindows();
+}
+
+// Rows of icons from the bottom left corner upwards.
+void CMainWindow::ArrangeIcons() {
+  const QSize area = area_->viewport()->size();
+  QPoint next(0, area.height());
+  for (QMdiSubWindow* icon : area_->subWindowList(QMdiArea::CreationOrder)) {
+    if (!icon->isMinimized()) continue;
+    if (next.x() > 0 && next.x() + icon->width() > area.width()) next = {0, next.y() - icon->height()};
+    icon->move(next.x(), next.y() - icon->height());
+    next.rx() += icon->width();
+  }
+}
+
+void CMainWindow::ActivateNext() {
+  area_->activateNextSubWindow();
+}
+
+void CMainWindow::ActivatePrevious() {
+  area_->activatePreviousSubWindow();
+}
+
+void CMainWindow::ListWindows() {
+  qDeleteAll(windowActions_);
+  windowActions_.clear();
+  QMenu& menu = *menus_->GetWindowMenu();
+  windowActions_.push_back(menu.addSeparator());
+  int number = 0;
+  for (QMdiSubWindow* subWindow : area_->subWindowList(QMdiArea::CreationOrder)) {
+    const QString title = subWindow->windowTitle().remove("[*]").replace('&', "&&");
+    const QString key = ++number <= 9 ? "&" : "";
+    QAction* action = menu.addAction(key + QString::number(number) + " " + title);
+    action->setStatusTip("Activate this window");
+    action->setCheckable(true);
+    action->setChecked(subWindow == area_->currentSubWindow());
+    connect(action, &QAction::triggered, subWindow, [this, subWindow] {
+      if (subWindow->isMinimized()) subWindow->showNormal();
+      area_->setActiveSubWindow(subWindow);
+    });
+    windowActions_.push_back(action);
+  }
+}
+
+void CMainWindow::ShowHelpTopics() {
+  QMessageBox box(QMessageBox::Information, "Help Topics", kHelpText, QMessageBox::Ok, this);
+  box.setTextFormat(Qt::RichText);
+  box.exec();
+}
+
+void CMainWindow::ShowAbout() {
+  QMessageBox box(QMessageBox::NoIcon, "About Corvane", kAboutText, QMessageBox::Ok, this);
+  box.setIconPixmap(ProgramIcon().pixmap(64, 64));
+  box.exec();
+}
+
+}  // namespace corvane

@@ -1,0 +1,304 @@
+#include "qt/MainWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QImage>
+#include <QKeyEvent>
+#include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPrinter>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QWindow>
+
+#include "qt/ModalScript.h"
+#include "qt/Printing.h"
+#include "qt/Workbench.h"
+
+namespace corvane {
+
+namespace {
+
+QMdiSubWindow* SubWindow(Workbench& bench, int position) {
+  return bench.window.GetArea().subWindowList(QMdiArea::CreationOrder).at(position);
+}
+
+TEST(MainWindow, StartsWithOneEmptyTinDocument) {
+  Workbench bench;
+  EXPECT_EQ(bench.WindowCount(), 1);
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane1 - Corvane");
+  EXPECT_EQ(bench.app.GetDocuments().size(), 1u);
+}
+
+TEST(MainWindow, TitleFollowsTheActiveWindow) {
+  Workbench bench;
+  WriteSquareTin("square.tin", 100.0);
+  bench.Open("square.tin");
+  EXPECT_EQ(bench.window.windowTitle(), "square.tin - Corvane");
+  bench.window.GetArea().setActiveSubWindow(SubWindow(bench, 0));
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane1 - Corvane");
+  EXPECT_EQ(bench.ActiveView().GetTitle(), "Corvane1");
+  bench.Run("File > Close");
+  bench.Run("File > Close");
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane");
+  EXPECT_EQ(bench.app.GetMainFrame().GetActiveView(), nullptr);
+}
+
+TEST(MainWindow, MaximisedWindowIsNamedOnce) {
+  Workbench bench;
+  SubWindow(bench, 0)->showMaximized();
+  QApplication::processEvents();
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane - [Corvane1[*]]");
+  SubWindow(bench, 0)->showNormal();
+  QApplication::processEvents();
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane1 - Corvane");
+}
+
+TEST(MainWindow, ChangedDocumentIsMarked) {
+  Workbench bench;
+  EXPECT_EQ(SubWindow(bench, 0)->windowTitle(), "Corvane1[*]");
+  EXPECT_FALSE(SubWindow(bench, 0)->isWindowModified());
+  bench.ActiveView().GetDocument().SetModifiedFlag(true);
+  bench.window.Refresh();
+  EXPECT_TRUE(SubWindow(bench, 0)->isWindowModified());
+}
+
+TEST(MainWindow, NewWindowNumbersTheWindowsOfADocument) {
+  Workbench bench;
+  bench.Choose("Window > New Window");
+  EXPECT_EQ(SubWindow(bench, 0)->windowTitle(), "Corvane1:1[*]");
+  EXPECT_EQ(SubWindow(bench, 1)->windowTitle(), "Corvane1:2[*]");
+  SubWindow(bench, 1)->close();
+  QApplication::processEvents();
+  EXPECT_EQ(bench.WindowCount(), 1);
+  EXPECT_EQ(SubWindow(bench, 0)->windowTitle(), "Corvane1[*]");
+  EXPECT_EQ(bench.app.GetDocuments().size(), 1u);
+}
+
+TEST(MainWindow, ClosingTheLastWindowClosesTheDocument) {
+  Workbench bench;
+  SubWindow(bench, 0)->close();
+  QApplication::processEvents();
+  EXPECT_EQ(bench.WindowCount(), 0);
+  EXPECT_TRUE(bench.app.GetDocuments().empty());
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane");
+}
+
+TEST(MainWindow, ClosingAChangedDocumentAsks) {
+  Workbench bench;
+  bench.ActiveView().GetDocument().SetModifiedFlag(true);
+  {
+    ModalScript script({Press("Cancel")});
+    SubWindow(bench, 0)->close();
+    EXPECT_EQ(bench.WindowCount(), 1);
+  }
+  ModalScript script({Press("Don't Save")});
+  SubWindow(bench, 0)->close();
+  EXPECT_EQ(bench.WindowCount(), 0);
+}
+
+TEST(MainWindow, LeavingTheProgramAsksForEveryChangedDocument) {
+  Workbench bench;
+  bench.ActiveView().GetDocument().SetModifiedFlag(true);
+  bench.Run("File > New");
+  bench.Run("File > New");
+  bench.ActiveView().GetDocument().SetModifiedFlag(true);
+  {
+    ModalScript script({[](QWidget& box) {
+                          EXPECT_EQ(BoxText(box), "Save changes to Corvane1?");
+                          PressButton(box, "Don't Save");
+                        },
+                        [](QWidget& box) {
+                          EXPECT_EQ(BoxText(box), "Save changes to Corvane3?");
+                          PressButton(box, "Cancel");
+                        }});
+    EXPECT_FALSE(bench.window.close());
+    EXPECT_EQ(bench.WindowCount(), 2);
+  }
+  ModalScript script({Press("Don't Save")});
+  bench.Choose("File > Exit");
+  EXPECT_FALSE(bench.window.isVisible());
+}
+
+TEST(MainWindow, APersonsChangeOfWindowIsReported) {
+  Workbench bench;
+  std::vector<std::string> reported;
+  bench.window.onActivation = [&](const std::string& path, const std::string& title) {
+    reported.push_back(path + "|" + title);
+  };
+  WriteSquareTin("square.tin", 100.0);
+  bench.Open("square.tin");
+  bench.Run("File > New");
+  EXPECT_EQ(reported, std::vector<std::string>{});
+  bench.window.GetArea().setActiveSubWindow(SubWindow(bench, 1));
+  bench.window.GetArea().setActiveSubWindow(SubWindow(bench, 0));
+  EXPECT_EQ(reported, (std::vector<std::string>{"square.tin|square.tin", "|Corvane1"}));
+}
+
+TEST(MainWindow, OpeningAnOpenFileGoesToItsWindow) {
+  Workbench bench;
+  WriteSquareTin("square.tin", 100.0);
+  bench.Open("square.tin");
+  bench.Run("File > New");
+  bench.window.OpenPath("square.tin");
+  EXPECT_EQ(bench.WindowCount(), 3);
+  EXPECT_EQ(bench.ActiveView().GetTitle(), "square.tin");
+  EXPECT_EQ(bench.window.GetArea().currentSubWindow(), SubWindow(bench, 1));
+}
+
+TEST(MainWindow, F6GoesToTheNextWindow) {
+  Workbench bench;
+  bench.Run("File > New");
+  bench.Choose("Window > Next Pane");
+  EXPECT_EQ(bench.ActiveView().GetTitle(), "Corvane1");
+  bench.Choose("Window > Previous Pane");
+  EXPECT_EQ(bench.ActiveView().GetTitle(), "Corvane2");
+}
+
+TEST(MainWindow, WindowMenuListsTheWindows) {
+  Workbench bench;
+  bench.Run("File > New");
+  emit bench.window.GetMenus().GetWindowMenu()->aboutToShow();
+  const QList<QAction*> actions = bench.window.GetMenus().GetWindowMenu()->actions();
+  ASSERT_EQ(actions.size(), 7);
+  EXPECT_TRUE(actions[4]->isSeparator());
+  EXPECT_EQ(actions[5]->text(), "&1 Corvane1");
+  EXPECT_EQ(actions[6]->text(), "&2 Corvane2");
+  EXPECT_FALSE(actions[5]->isChecked());
+  EXPECT_TRUE(actions[6]->isChecked());
+  actions[5]->trigger();
+  EXPECT_EQ(bench.ActiveView().GetTitle(), "Corvane1");
+}
+
+TEST(MainWindow, CascadeTileAndArrangeIcons) {
+  Workbench bench;
+  bench.Run("File > New");
+  bench.Choose("Window > Tile");
+  EXPECT_FALSE(SubWindow(bench, 0)->geometry().intersects(SubWindow(bench, 1)->geometry()));
+  bench.Choose("Window > Cascade");
+  EXPECT_TRUE(SubWindow(bench, 0)->geometry().intersects(SubWindow(bench, 1)->geometry()));
+  SubWindow(bench, 0)->showMinimized();
+  SubWindow(bench, 0)->move(50, 50);
+  bench.Choose("Window > Arrange Icons");
+  EXPECT_EQ(SubWindow(bench, 0)->geometry().left(), 0);
+  EXPECT_EQ(SubWindow(bench, 0)->geometry().bottom() + 1, bench.window.GetArea().viewport()->height());
+}
+
+TEST(MainWindow, ViewItemsShowAndHideTheBars) {
+  Workbench bench;
+  auto* toolBar = bench.window.findChild<QToolBar*>();
+  bench.Choose("View > Toolbar");
+  EXPECT_FALSE(toolBar->isVisible());
+  bench.Choose("View > Toolbar");
+  EXPECT_TRUE(toolBar->isVisible());
+  bench.Choose("View > Status Bar");
+  EXPECT_FALSE(bench.window.statusBar()->isVisible());
+  bench.Choose("View > Status Bar");
+  EXPECT_TRUE(bench.window.statusBar()->isVisible());
+}
+
+TEST(MainWindow, ToolBarHoldsTheStandardButtonsAndDocksOnAllSides) {
+  Workbench bench;
+  const auto* toolBar = bench.window.findChild<QToolBar*>();
+  QStringList texts;
+  for (const QAction* action : toolBar->actions()) {
+    texts.append(action->isSeparator() ? "|" : action->text().remove('&'));
+    EXPECT_TRUE(action->isSeparator() || !action->icon().isNull()) << action->text().toStdString();
+  }
+  EXPECT_EQ(texts,
+            QStringList({"New", "Open", "Save", "|", "Cut", "Copy", "Paste", "|", "Print", "|", "About"}));
+  EXPECT_TRUE(toolBar->isMovable());
+  EXPECT_EQ(toolBar->allowedAreas(), Qt::AllToolBarAreas);
+}
+
+TEST(MainWindow, StatusTextsGoToTheirPanes) {
+  Workbench bench;
+  EXPECT_EQ(bench.window.GetStatusPanes().GetText(0), "Ready");
+  bench.app.GetMainFrame().GetStatusBar().SetPaneText(0, "Row 5 of 10");
+  EXPECT_EQ(bench.window.GetStatusPanes().GetText(0), "Row 5 of 10");
+  bench.window.SetStatusText(9, "nowhere");
+}
+
+TEST(MainWindow, OtherFilesCanNotBeDropped) {
+  Workbench bench;
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile("/data/a.pts"), QUrl("http://host/a.tin")});
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&bench.window, &enter);
+  EXPECT_FALSE(enter.isAccepted());
+}
+
+TEST(MainWindow, LockIndicatorsFollowTheKeys) {
+  Workbench bench;
+  const auto press = [&](int key, quint32 modifiers) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, 0, 0, modifiers);
+    QApplication::sendEvent(bench.window.windowHandle(), &event);
+    CStatusPanes& panes = bench.window.GetStatusPanes();
+    return (panes.GetText(1) + "," + panes.GetText(2) + "," + panes.GetText(3)).toStdString();
+  };
+  EXPECT_EQ(press(Qt::Key_F12, 0x00), ",,");
+  EXPECT_EQ(press(Qt::Key_CapsLock, 0x00), "CAP,,");
+  EXPECT_EQ(press(Qt::Key_F12, 0x12), "CAP,NUM,");
+  EXPECT_EQ(press(Qt::Key_CapsLock, 0x12), ",NUM,");
+  EXPECT_EQ(press(Qt::Key_ScrollLock, 0x10), ",NUM,SCRL");
+  EXPECT_EQ(press(Qt::Key_F12, 0x00), ",,SCRL");
+  EXPECT_EQ(press(Qt::Key_ScrollLock, 0x00), ",,");
+}
+
+TEST(MainWindow, DroppedTinFilesAreOpened) {
+  Workbench bench;
+  WriteSquareTin("square.tin", 100.0);
+  WriteFileBytes("notes.txt", "x");
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile("notes.txt"),
+                QUrl::fromLocalFile(QString::fromStdString(bench.folder.GetPath()) + "/square.tin")});
+  ModalScript script({Press("OK")});
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&bench.window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&bench.window, &drop);
+  EXPECT_EQ(bench.ActiveView().GetTitle(), "square.tin");
+  EXPECT_EQ(bench.app.GetDocuments().size(), 2u);
+}
+
+TEST(MainWindow, AboutBox) {
+  Workbench bench;
+  ModalScript script({[](QWidget& box) {
+    EXPECT_EQ(box.windowTitle(), "About Corvane");
+    EXPECT_EQ(BoxText(box), "Corvane Version 1.0");
+    EXPECT_FALSE(dynamic_cast<QMessageBox&>(box).iconPixmap().isNull());
+    PressButton(box, "OK");
+  }});
+  bench.Choose("Help > About");
+}
+
+TEST(MainWindow, HelpTopicsListsTheKeys) {
+  Workbench bench;
+  ModalScript script({[](QWidget& box) {
+    EXPECT_TRUE(BoxText(box).contains("zoom in"));
+    PressButton(box, "OK");
+  }});
+  bench.Choose("Help > Help Topics");
+}
+
+TEST(MainWindow, OnlyAPictureCanBePrinted) {
+  Workbench bench;
+  EXPECT_FALSE(bench.window.GetMenus().Find("File > Print")->isEnabled());
+  WriteSquareTin("square.tin", 100.0);
+  bench.Open("square.tin");
+  EXPECT_TRUE(bench.window.GetMenus().Find("File > Print")->isEnabled());
+  QPrinter printer;
+  printer.setOutputFormat(QPrinter::PdfFormat);
+  printer.setOutputFileName("page.pdf");
+  DrawPage(bench.ActiveView(), printer);
+  EXPECT_EQ(ReadFileBytes("page.pdf").substr(0, 5), "%PDF-");
+}
+
+}  // namespace
+
+}  // namespace corvane

@@ -1,0 +1,114 @@
+# What run-window-test does and checks, step by step. Uses its $work, $pictures and $corvane.
+
+patience=20 # seconds before a step counts as failed
+
+fail() {
+  echo "FAILED: $*" >&2
+  import -window root "$pictures/failed.png" 2>/dev/null || true
+  exit 1
+}
+
+# until_true MESSAGE COMMAND...: runs the command until it succeeds.
+until_true() {
+  local message=$1 end=$((SECONDS + patience))
+  shift
+  until "$@" >/dev/null 2>&1; do
+    ((SECONDS < end)) || fail "$message"
+    sleep 0.05
+  done
+}
+
+# The server finds a free display number itself.
+start_display() {
+  Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" 2>"$work/display.log" &
+  started+=($!)
+  until_true "the display server starts" test -s "$work/display"
+  export DISPLAY=":$(cat "$work/display")"
+  openbox >"$work/openbox.log" 2>&1 &
+  started+=($!)
+  until_true "the window manager starts" xdotool getwindowfocus
+}
+
+start_corvane() {
+  "$corvane" "$@" >"$work/corvane.out" 2>&1 &
+  program=$!
+  started+=("$program")
+}
+
+# The program has ended by itself, and well.
+wait_corvane() {
+  until_true "the program ends" program_has_ended
+  wait "$program" || fail "the program ended with status $?"
+}
+program_has_ended() { ! kill -0 "$program"; }
+
+has_window() { xdotool search --onlyvisible --name "$1"; }
+has_no_window() { ! has_window "$1"; }
+is_in_front() { xdotool getactivewindow getwindowname | grep -q -- "$1"; }
+
+# wait_window PATTERN: a window with such a title is in front.
+wait_window() {
+  until_true "a window \"$1\" opens" is_in_front "$1"
+  sleep 0.2
+}
+wait_no_window() { until_true "the window \"$1\" closes" has_no_window "$1"; }
+expect_window() { has_window "$1" >/dev/null || fail "the window \"$1\" is still open"; }
+wait_file() { until_true "the file $1 is written" test -s "$1"; }
+
+key() {
+  xdotool key --delay 40 "$@"
+  sleep 0.1
+}
+
+# enter TEXT: types it and presses Enter.
+enter() {
+  xdotool type --delay 12 -- "$1"
+  key Return
+}
+
+# choose_menu PLACE KEY...: opens the menu at that place of the menu bar, File being 0, goes to an item with
+# the keys and chooses it.
+choose_menu() {
+  local place=$1
+  shift
+  sleep 0.2
+  key alt+f
+  for ((i = 0; i < place; ++i)); do key Right; done
+  (($# == 0)) || key "$@"
+  key Return
+}
+
+picture() {
+  sleep 0.4
+  import -window root "$pictures/$1.png"
+}
+
+red_pixels() {
+  convert "$pictures/$1.png" -fill black +opaque red -fill white -opaque red -format '%[fx:int(mean*w*h+0.5)]' info:
+}
+signature() { identify -format '%#' "$pictures/$1.png"; }
+
+# expect_red PICTURE COUNT: at least that many pixels are the red of triangles.
+expect_red() {
+  local count
+  count=$(red_pixels "$1")
+  ((count >= $2)) || fail "$1 shows $count red pixels, fewer than $2"
+}
+expect_same_red() {
+  [[ $(red_pixels "$1") == "$(red_pixels "$2")" ]] || fail "$1 and $2 show a different number of red pixels"
+}
+expect_other() {
+  [[ $(signature "$1") != "$(signature "$2")" ]] || fail "$1 and $2 show the same"
+}
+
+# A hill on a grid of 20 x 20 points that are slightly out of place, ground units apart 20.
+write_survey() {
+  awk 'BEGIN {
+    for (row = 0; row < 20; ++row)
+      for (col = 0; col < 20; ++col) {
+        x = 1000 + 20 * col + (row * 7 + col * 3) % 5
+        y = 2000 + 20 * row + (row * 3 + col * 5) % 7
+        printf "%.2f %.2f %.3f\n", x, y, 100 + 30 * exp(-((col - 10) ^ 2 + (row - 9) ^ 2) / 40)
+      }
+  }' >"$1"
+}
