@@ -1,12 +1,25 @@
 #include "cli/CommandList.h"
 
 #include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <vector>
 
 namespace corvane {
 
-std::string CommandListText(std::span<const CommandRow> rows) {
+namespace {
+
+std::vector<CommandRow> RowsOnMenus(std::span<const CommandRow> rows) {
+  std::vector<CommandRow> onMenus;
+  std::copy_if(rows.begin(), rows.end(), std::back_inserter(onMenus),
+               [](const CommandRow& row) { return row.place != MenuPlace::None; });
+  return onMenus;
+}
+
+}  // namespace
+
+std::string CommandListText(std::span<const CommandRow> table) {
+  const std::vector<CommandRow> rows = RowsOnMenus(table);
   std::vector<std::string> names;
   std::size_t width = 0;
   for (const CommandRow& row : rows) {
@@ -24,9 +37,9 @@ std::string CommandListText(std::span<const CommandRow> rows) {
   return text;
 }
 
-std::string CommandListJson(std::span<const CommandRow> rows) {
+std::string CommandListJson(std::span<const CommandRow> table) {
   std::string text = "[";
-  for (const CommandRow& row : rows) {
+  for (const CommandRow& row : RowsOnMenus(table)) {
     const nlohmann::ordered_json object = {
         {"path", row.path}, {"item", row.item}, {"prompt", row.prompt}, {"enabled", HasHandler(row)}};
     text += text.size() == 1 ? "\n" : ",\n";

@@ -145,6 +145,8 @@ const CommandRow kRows[] = {
 
     {Frame, "View", "StereoGram", "Create a random dots stereogram from a depth image.", OnFrameNotBuilt},
     {Frame, "LiDAR", "Bare Earth", "Extract Bare Earth from Raw LiDAR Data.", OnBareEarth},
+
+    {None, "", "", "Matching based on a grid on ground.", OnNotBuilt},  // shares the handler of "Ground-Based Matching"
 };
 // clang-format on
 

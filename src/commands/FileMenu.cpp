@@ -12,7 +12,7 @@ CommandResult OnFileOpen(CMainFrame& frame) {
   CCorvaneApp& app = frame.GetApp();
   const auto path = ChooseFile(app.GetTinTemplate().MakeChooser(FileChooser::Mode::Open, ""));
   if (!path) return CommandResult::Cancelled;
-  return app.OpenDocumentFile(*path) ? CommandResult::Done : CommandResult::Failed;
+  return app.OpenDocumentFile(*path);
 }
 
 CommandResult OnFileClose(CDocument& document) {

@@ -75,7 +75,7 @@ CommandResult OnPointsHead(CCorvaneView&) {
   return CommandResult::Failed;
 }
 
-// Nothing is being tried out at present.
+// The routine on trial reads match pairs, which there are none of as long as no photos can be matched.
 CommandResult OnTest(CCorvaneView&) {
   return CommandResult::Done;
 }

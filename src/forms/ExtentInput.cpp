@@ -6,9 +6,17 @@
 
 namespace corvane {
 
+namespace {
+
+// A start value; 0 for what is no number, which no form could accept as shown.
+double Shown(double value) {
+  return std::isfinite(value) ? value : 0.0;
+}
+
+}  // namespace
+
 int ExtentInput::Ask(const double extent4[4], ExtentWindow& window, float* cellSize) {
-  float minCorr = 0.0f;
-  return Show(extent4, *cellSize, minCorr, window, cellSize, &minCorr);
+  return Show(extent4, *cellSize, minCorrCoeff, window, cellSize, &minCorrCoeff);
 }
 
 int ExtentInput::AskWithCorrelation(double minX, double maxY, double maxX, double minY, ExtentWindow& window,
@@ -29,11 +37,11 @@ int ExtentInput::Show(const double extent4[4], float cellSizeShown, float minCor
   form.name = "ExtentInput";
   form.title = "Input the extent for the image";
   form.fields = {
-      RealField("xStart", "XStart:", std::trunc(extent4[0]) - 1.0),
-      RealField("yStart", "YStart:", std::trunc(extent4[2]) - 1.0),
-      RealField("xEnd", "XEnd", std::trunc(extent4[1]) + 1.0),
-      RealField("yEnd", "YEnd:", std::trunc(extent4[3]) + 1.0),
-      FloatField("cellSize", "Cell Size", cellSizeShown),
+      RealField("xStart", "XStart:", Shown(std::trunc(extent4[0]) - 1.0)),
+      RealField("yStart", "YStart:", Shown(std::trunc(extent4[2]) - 1.0)),
+      RealField("xEnd", "XEnd", Shown(std::trunc(extent4[1]) + 1.0)),
+      RealField("yEnd", "YEnd:", Shown(std::trunc(extent4[3]) + 1.0)),
+      FloatField("cellSize", "Cell Size", static_cast<float>(Shown(cellSizeShown))),
       FloatField("minCorrCoeff", minCorrCoeffLabel, minCorrShown),
   };
   if (!Ui().AskForm(form)) return -1;

@@ -15,10 +15,12 @@ struct ExtentWindow {
 };
 
 // The form for a rectangle, a cell size and a third value, by default a minimum correlation coefficient.
-// Extents are shown truncated towards zero and then widened by a whole unit on each side.
+// Extents are shown truncated towards zero and then widened by a whole unit on each side; 0 is shown for what
+// is no finite number.
 class ExtentInput {
  public:
   std::string minCorrCoeffLabel = "Min CorrCoeff:";
+  float minCorrCoeff = 0.0f;  // shown by Ask, and what was entered after it
 
   // `extent4` is minX, maxX, minY, maxY. Shows the given cell size; on OK fills window and cell size.
   // 0 on OK, -1 on Cancel with nothing changed.

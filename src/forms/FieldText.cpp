@@ -8,17 +8,9 @@ namespace corvane {
 
 namespace {
 
-// The words for a value that is no number, or outside the limits.
-std::string RefusedReal(const FormField& field) {
-  if (!field.limits) return "Please enter a number.";
-  return "Please enter a number between " + ShortestText(field.limits->min) + " and " +
-         ShortestText(field.limits->max) + ".";
-}
-
-std::string RefusedInteger(const FormField& field) {
-  if (!field.limits) return "Please enter an integer.";
-  return "Please enter an integer between " + ShortestText(field.limits->min) + " and " +
-         ShortestText(field.limits->max) + ".";
+std::string BetweenLimits(const std::string& what, const FieldLimits& limits) {
+  return "Please enter " + what + " between " + ShortestText(limits.min) + " and " +
+         ShortestText(limits.max) + ".";
 }
 
 bool WithinLimits(const FormField& field, double value) {
@@ -28,7 +20,7 @@ bool WithinLimits(const FormField& field, double value) {
 std::optional<std::string> SetReal(FormField& field, std::string_view text) {
   const auto value = ParseReal(text);
   if (!value) return "Please enter a number.";
-  if (!WithinLimits(field, *value)) return RefusedReal(field);
+  if (!WithinLimits(field, *value)) return BetweenLimits("a number", *field.limits);
   if (field.type == FieldType::Float) {
     const auto narrowed = static_cast<float>(*value);
     if (narrowed - narrowed != 0.0f) return "Please enter a number.";  // beyond single precision
@@ -42,7 +34,7 @@ std::optional<std::string> SetReal(FormField& field, std::string_view text) {
 std::optional<std::string> SetInteger(FormField& field, std::string_view text) {
   const auto value = ParseInteger(text);
   if (!value || *value < INT32_MIN || *value > INT32_MAX) return "Please enter an integer.";
-  if (!WithinLimits(field, static_cast<double>(*value))) return RefusedInteger(field);
+  if (!WithinLimits(field, static_cast<double>(*value))) return BetweenLimits("an integer", *field.limits);
   field.value = *value;
   return std::nullopt;
 }

@@ -31,16 +31,18 @@ std::optional<std::int64_t> InputFile::BytesLeft() {
 std::optional<std::string> ReadWholeFile(const std::string& path) {
   InputFile file(path);
   if (!file.IsOpen()) return std::nullopt;
+  // One byte more than the file has: the last read then comes short and ends the loop.
+  const std::size_t block = static_cast<std::size_t>(file.BytesLeft().value_or(std::int64_t{1} << 20)) + 1;
   std::string content;
-  if (const auto size = file.BytesLeft()) content.reserve(static_cast<std::size_t>(*size) + 1);
-  constexpr std::size_t kBlock = std::size_t{1} << 20;
+  std::size_t length = 0;
   std::size_t got = 0;
   do {
-    const std::size_t length = content.size();
-    content.resize(length + kBlock);
-    got = file.Read(content.data() + length, kBlock);
-    content.resize(length + got);
-  } while (got == kBlock);
+    content.resize(length + block);
+    got = file.Read(content.data() + length, block);
+    length += got;
+  } while (got == block);
+  content.resize(length);
+  if (file.HasFailed()) return std::nullopt;
   return content;
 }
 

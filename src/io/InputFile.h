@@ -19,8 +19,11 @@ class InputFile {
   bool IsOpen() const { return file_ != nullptr; }
   void Close() { file_.reset(); }
 
-  // Reads up to `size` bytes into `to`; returns how many came.
+  // Reads up to `size` bytes into `to`; returns how many came: fewer at the end, or after a read error.
   std::size_t Read(void* to, std::size_t size);
+
+  // Whether a read has failed; the end of the file is no failure.
+  bool HasFailed() const { return file_ && std::ferror(file_.get()) != 0; }
 
   // Moves to `offset` bytes from the start; false if that is not possible.
   bool Seek(std::int64_t offset);
@@ -36,7 +39,7 @@ class InputFile {
   std::unique_ptr<std::FILE, Closer> file_;
 };
 
-// The whole content of a file, or nothing if it does not open.
+// The whole content of a file, or nothing if it does not open or read.
 std::optional<std::string> ReadWholeFile(const std::string& path);
 
 }  // namespace corvane

@@ -14,6 +14,7 @@ namespace corvane {
 namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 18;
+constexpr const char* kOpenFiles = "/proc/self/fd/";  // the way from a descriptor to a name
 
 // The file that a path leads to, behind symbolic links; the path itself where there is no file yet.
 std::string ResolvedTarget(const std::string& path) {
@@ -49,18 +50,26 @@ bool OutputFile::Open(const std::string& path) {
   struct stat status = {};
   const bool exists = stat(target_.c_str(), &status) == 0;
   if (exists && (S_ISDIR(status.st_mode) || access(target_.c_str(), W_OK) != 0)) return false;
-  if (exists && !S_ISREG(status.st_mode)) {
+  isDirect_ = exists && !S_ISREG(status.st_mode);
+  if (isDirect_) {
     descriptor_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
     return IsOpen();
   }
   if (!std::filesystem::path(target_).has_filename()) return false;
+  return OpenBeside(exists ? status.st_mode & 07777 : NewFileMode());
+}
 
-  std::string pattern = FolderOf(target_) + "/.corvane-XXXXXX";
-  descriptor_ = mkostemp(pattern.data(), O_CLOEXEC);
-  if (!IsOpen()) return false;
-  temporaryPath_ = pattern;
-  fchmod(descriptor_, exists ? status.st_mode & 07777 : NewFileMode());
-  return true;
+bool OutputFile::OpenBeside(unsigned mode) {
+  if (access(kOpenFiles, X_OK) == 0) {
+    descriptor_ = open(FolderOf(target_).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+  }
+  if (!IsOpen()) {
+    temporaryPath_ = FolderOf(target_) + "/.corvane-XXXXXX";
+    descriptor_ = mkostemp(temporaryPath_.data(), O_CLOEXEC);
+    if (!IsOpen()) temporaryPath_.clear();
+  }
+  if (IsOpen()) fchmod(descriptor_, mode);
+  return IsOpen();
 }
 
 bool OutputFile::Write(const void* from, std::size_t size) {
@@ -80,13 +89,26 @@ bool OutputFile::Seek(std::int64_t offset) {
 }
 
 bool OutputFile::Commit() {
-  bool good = Flush();
-  if (good && !temporaryPath_.empty()) {
-    good = fsync(descriptor_) == 0 && rename(temporaryPath_.c_str(), target_.c_str()) == 0;
-    if (good) temporaryPath_.clear();
-  }
+  const bool good = Flush() && (isDirect_ || MoveOntoTarget());
   Discard();
   return good;
+}
+
+// A nameless file first gets a hidden name, because only a name can be moved onto another.
+bool OutputFile::MoveOntoTarget() {
+  if (fsync(descriptor_) != 0) return false;
+  if (temporaryPath_.empty()) {
+    const std::string opened = std::string(kOpenFiles) + std::to_string(descriptor_);
+    std::string name = FolderOf(target_) + "/.corvane-" + std::to_string(getpid());
+    while (linkat(AT_FDCWD, opened.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+      if (errno != EEXIST) return false;
+      name += '-';
+    }
+    temporaryPath_ = name;
+  }
+  if (rename(temporaryPath_.c_str(), target_.c_str()) != 0) return false;
+  temporaryPath_.clear();
+  return true;
 }
 
 void OutputFile::Discard() {

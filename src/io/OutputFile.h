@@ -8,9 +8,10 @@
 
 namespace corvane {
 
-// An output file that appears whole or not at all. Bytes go to a file beside the target; Commit() moves it
-// onto the target in one step. Without a successful Commit() the target keeps its old content, and the file
-// beside it is removed. A target that is no regular file (a device, a pipe) is written directly.
+// An output file that appears whole or not at all. Bytes go to a file beside the target, which has no name
+// until Commit() moves it onto the target in one step, so that nothing stays behind even if the program is
+// ended. (Where the system knows no nameless files it has a hidden name.) Without a successful Commit() the
+// target keeps its old content. A target that is no regular file (a device, a pipe) is written directly.
 class OutputFile {
  public:
   OutputFile() = default;
@@ -40,12 +41,15 @@ class OutputFile {
   const std::string& GetPath() const { return path_; }
 
  private:
+  bool OpenBeside(unsigned mode);
+  bool MoveOntoTarget();
   bool Flush();
   bool WriteOut(const char* from, std::size_t size);
 
   std::string path_;           // as given
   std::string target_;         // behind symbolic links
-  std::string temporaryPath_;  // empty when the target is written directly
+  std::string temporaryPath_;  // of the file beside the target, while it has a name
+  bool isDirect_ = false;      // written straight to the target
   int descriptor_ = -1;
   bool failed_ = false;
   std::vector<char> buffer_;

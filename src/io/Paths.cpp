@@ -56,7 +56,13 @@ std::string AbsolutePath(std::string_view path) {
 
 bool FileExists(const std::string& path) {
   std::error_code error;
-  return std::filesystem::exists(path, error);
+  const auto status = std::filesystem::status(path, error);
+  return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
+
+bool IsDevice(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_other(path, error);
 }
 
 std::string FirstCharacter(std::string_view text) {

@@ -28,7 +28,11 @@ std::string WithDefaultExtension(std::string_view path, std::string_view extensi
 // The absolute form of a path, without "." and ".." where they can be resolved.
 std::string AbsolutePath(std::string_view path);
 
+// Whether there is something on this path that is not a folder.
 bool FileExists(const std::string& path);
+
+// Whether there is a device or a pipe on this path.
+bool IsDevice(const std::string& path);
 
 // The first character of a UTF-8 text: one whole code point, or "" of an empty text.
 std::string FirstCharacter(std::string_view text);

@@ -58,7 +58,9 @@ std::size_t Distance(const CommandRow& row, const std::string& typed) {
 
 std::vector<std::string> NearestNames(std::span<const CommandRow> rows, const std::string& typed) {
   std::vector<std::pair<std::size_t, std::string>> ranked;
-  for (const CommandRow& row : rows) ranked.emplace_back(Distance(row, typed), CommandName(row));
+  for (const CommandRow& row : rows) {
+    if (row.place != MenuPlace::None) ranked.emplace_back(Distance(row, typed), CommandName(row));
+  }
   std::stable_sort(ranked.begin(), ranked.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<std::string> names;
@@ -82,6 +84,7 @@ CommandLookup FindCommand(std::span<const CommandRow> rows, std::string_view typ
   const std::string wanted = Normalised(typed);
   std::vector<const CommandRow*> matches;
   for (const CommandRow& row : rows) {
+    if (row.place == MenuPlace::None) continue;
     if (wanted == Normalised(row.item) || wanted == Normalised(CommandName(row))) matches.push_back(&row);
   }
 

@@ -26,6 +26,7 @@ enum class MenuPlace {
   Standard,  // on every menu, under File
   Working,   // on the menu of a TIN document
   Frame,     // on the menu that shows with no document open
+  None,      // on no menu: a command without an item
 };
 
 // One menu row. `path` is its menu with " > " between the levels; `item` is the text as it stands on the

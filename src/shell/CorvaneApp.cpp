@@ -22,6 +22,24 @@ constexpr const char* kImageStrings =
     "\nImage\nImage\nBitmap Files (*.bmp)\n.bmp\nImageType\nImage File Type\nDIB \n"
     "Device-Independent Bitmap\n";
 
+// Tells the front end where a command begins and ends. A handler that runs out of memory has failed; the end
+// is told also when the front end itself stops the command.
+template <typename Run>
+CommandResult RunBetweenEvents(const std::string& name, const Run& run) {
+  Ui().CommandStarted(name);
+  CommandResult result = CommandResult::Failed;
+  try {
+    result = run();
+  } catch (const std::bad_alloc&) {
+    ShowMessage("Out of memory.");
+  } catch (...) {
+    Ui().CommandEnded(name, CommandResult::Cancelled);
+    throw;
+  }
+  Ui().CommandEnded(name, result);
+  return result;
+}
+
 }  // namespace
 
 CCorvaneApp::CCorvaneApp(std::span<const CommandRow> commands, std::string profilePath)
@@ -40,8 +58,12 @@ bool CCorvaneApp::InitInstance(const std::string& commandLineFile) {
   // Bitmap windows have no document and view kind yet; File New and File Open never know this template.
   imageTemplate_ = std::make_unique<CDocTemplate>(kImageResource, kImageStrings, nullptr, nullptr);
   mainFrame_ = std::make_unique<CMainFrame>(*this);
-  if (commandLineFile.empty()) return NewDocument() != nullptr;
-  return OpenPath(commandLineFile) != CommandResult::Cancelled;
+  if (commandLineFile.empty()) {
+    NewDocument();
+  } else {
+    OpenPath(commandLineFile);
+  }
+  return !documents_.empty();
 }
 
 void CCorvaneApp::ExitInstance() {
@@ -56,31 +78,25 @@ bool CCorvaneApp::IsEnabled(const CommandRow& row) const {
 }
 
 CommandResult CCorvaneApp::RunCommand(const CommandRow& row) {
-  const std::string name = CommandName(row);
-  Ui().CommandStarted(name);
-  CommandResult result = CommandResult::Failed;
-  try {
-    if (const auto* handler = std::get_if<ViewHandler>(&row.handler)) {
-      result = (*handler)(*mainFrame_->GetActiveTinView());
-    } else if (const auto* documentHandler = std::get_if<DocumentHandler>(&row.handler)) {
-      result = (*documentHandler)(*mainFrame_->GetActiveDocument());
-    } else if (const auto* frameHandler = std::get_if<FrameHandler>(&row.handler)) {
-      result = (*frameHandler)(*mainFrame_);
-    }
-  } catch (const std::bad_alloc&) {
-    ShowMessage("Out of memory.");
+  return RunBetweenEvents(CommandName(row), [&] { return RunHandler(row); });
+}
+
+CommandResult CCorvaneApp::RunHandler(const CommandRow& row) {
+  if (const auto* view = std::get_if<ViewHandler>(&row.handler)) {
+    return (*view)(*mainFrame_->GetActiveTinView());
   }
-  Ui().CommandEnded(name, result);
-  return result;
+  if (const auto* document = std::get_if<DocumentHandler>(&row.handler)) {
+    return (*document)(*mainFrame_->GetActiveDocument());
+  }
+  if (const auto* frame = std::get_if<FrameHandler>(&row.handler)) return (*frame)(*mainFrame_);
+  return CommandResult::Failed;
 }
 
 CommandResult CCorvaneApp::OpenPath(const std::string& path) {
-  const std::string name = "File > Open";
-  Ui().CommandStarted(name);
-  Ui().FileGiven(tinTemplate_->MakeChooser(FileChooser::Mode::Open, ""), path);
-  const CommandResult result = OpenDocumentFile(path) ? CommandResult::Done : CommandResult::Failed;
-  Ui().CommandEnded(name, result);
-  return result;
+  return RunBetweenEvents("File > Open", [&] {
+    Ui().FileGiven(tinTemplate_->MakeChooser(FileChooser::Mode::Open, ""), path);
+    return OpenDocumentFile(path);
+  });
 }
 
 CDocument* CCorvaneApp::NewDocument() {
@@ -91,25 +107,26 @@ CDocument* CCorvaneApp::NewDocument() {
   return &document;
 }
 
-CDocument* CCorvaneApp::OpenDocumentFile(const std::string& path, bool* wasRead) {
-  if (wasRead) *wasRead = true;
-  if (CDocument* open = FindDocument(path)) {
+CommandResult CCorvaneApp::OpenDocumentFile(const std::string& path) {
+  CDocument* open = FindDocument(path);
+  if (open && (open->HasContent() || open->IsModified())) {
     CView& view = open->GetFrames().front()->GetView();
     mainFrame_->SetActiveView(&view);
     Ui().ActivateWindow(view);
-    return open;
+    return CommandResult::Done;
   }
+  if (open) DestroyDocument(*open);
+
   documents_.push_back(tinTemplate_->MakeDocument(*mainFrame_));
   CDocument& document = *documents_.back();
   const int opened = document.OnOpenDocument(path);
-  if (wasRead) *wasRead = opened > 0;
   if (opened == 0) {
     documents_.pop_back();
-    return nullptr;
+    return CommandResult::Failed;
   }
-  document.SetPathName(path, true);
+  document.SetPathName(path, document.HasContent());
   document.AddView();
-  return &document;
+  return opened < 0 || document.HasContent() ? CommandResult::Done : CommandResult::Failed;
 }
 
 CommandResult CCorvaneApp::SaveDocument(CDocument& document, bool askForPath) {

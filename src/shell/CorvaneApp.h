@@ -42,9 +42,10 @@ class CCorvaneApp {
 
   // File New.
   CDocument* NewDocument();
-  // Opens a document, or activates the one that is open on this path. Null if the opening failed.
-  // `wasRead` (may be null) tells whether the document's own open step read its content.
-  CDocument* OpenDocumentFile(const std::string& path, bool* wasRead = nullptr);
+  // Opens a document, or activates the one that is open on this path. Done also if the file does not open:
+  // that is reported and leaves an empty window. Failed if the file's content does not read, which leaves
+  // one too, or if no document came of it.
+  CommandResult OpenDocumentFile(const std::string& path);
   // Saves, asking for a path where the document has none or `askForPath` is set.
   CommandResult SaveDocument(CDocument& document, bool askForPath);
   // Asks whether to save a changed document; false if the closing was cancelled.
@@ -61,6 +62,7 @@ class CCorvaneApp {
   const CDocTemplate& GetImageTemplate() const { return *imageTemplate_; }
 
  private:
+  CommandResult RunHandler(const CommandRow& row);
   CDocument* FindDocument(const std::string& path) const;
   bool SaveModified(CDocument& document);
   void DestroyDocument(CDocument& document);

@@ -28,6 +28,7 @@ int CCorvaneDoc::OnOpenDocument(const std::string& path) {
   WaitCursor wait;
   const int read = tin.ReadTIN(file);
   statusBar.SetPaneText(0, "Done reading TIN.");
+  unreadPath_ = read < 0 ? path : "";
   if (read >= 0 && file.Seek(kFirstTriangle)) tin.StoreTriangle(file);
   return 1;
 }
@@ -38,6 +39,10 @@ int CCorvaneDoc::OnSaveDocument(const std::string& path) {
 
 bool CCorvaneDoc::SaveTin(const std::string& path) {
   CStatusBar& statusBar = GetMainFrame().GetStatusBar();
+  if (!unreadPath_.empty() && path == unreadPath_) {
+    ShowWarning(WriteErrorText(path));
+    return false;
+  }
   OutputFile file(path);
   if (!file.IsOpen()) {
     ShowWarning(WriteErrorText(FirstCharacter(path)));  // Kept: the first character only

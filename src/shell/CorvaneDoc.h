@@ -18,13 +18,18 @@ class CCorvaneDoc : public CDocument {
   // reported and leaves the document empty.
   int OnOpenDocument(const std::string& path) override;
 
+  bool HasContent() const override { return tin.GetTriangleCount() >= 1; }
+
   // Writes the .tin and, beside it, all vertices as "_filted.pts". 1 on success; 0 if the .tin, -1 or -2 if
-  // the points could not be written, each reported.
+  // the points could not be written, each reported. A file that was opened and did not read is not
+  // overwritten: what it holds may still be saved by other means.
   int OnSaveDocument(const std::string& path) override;
 
   TIN tin;
 
  private:
+  std::string unreadPath_;  // the file that was opened and did not read, "" for none
+
   bool SaveTin(const std::string& path);
   int SavePoints(const std::string& path);
 };

@@ -23,6 +23,10 @@ class CDocument {
   // below 0 the content could not be read, which has been reported, and the document opens empty.
   virtual int OnOpenDocument(const std::string& path);
 
+  // Whether the document holds what its file should have given. One that does not is opened anew when its
+  // file is chosen again.
+  virtual bool HasContent() const { return true; }
+
   // The save step: above 0 on success. Failures have been reported.
   virtual int OnSaveDocument(const std::string& path);
 

@@ -14,18 +14,17 @@ RecentFileList::RecentFileList(std::string profilePath) : profilePath_(std::move
 }
 
 void RecentFileList::Add(const std::string& path) {
+  if (path.find('\n') != std::string::npos) return;  // a line of the file can't hold it
+  Load();                                            // what another window has added meanwhile
   std::erase(paths_, path);
   paths_.insert(paths_.begin(), path);
   if (paths_.size() > kMaxFiles) paths_.resize(kMaxFiles);
   Save();
 }
 
-void RecentFileList::Remove(const std::string& path) {
-  if (std::erase(paths_, path) > 0) Save();
-}
-
 void RecentFileList::Load() {
   if (profilePath_.empty()) return;
+  paths_.clear();
   const std::string content = ReadWholeFile(profilePath_).value_or("");
   std::size_t start = 0;
   while (start < content.size() && paths_.size() < kMaxFiles) {

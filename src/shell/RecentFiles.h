@@ -16,7 +16,6 @@ class RecentFileList {
 
   // Puts the path at the top, whether it stood in the list before or not, and writes the list.
   void Add(const std::string& path);
-  void Remove(const std::string& path);
   const std::vector<std::string>& GetPaths() const { return paths_; }
 
  private:

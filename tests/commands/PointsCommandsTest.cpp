@@ -72,6 +72,15 @@ TEST_F(CommandsTest, TextPointsCancelledWritesNothing) {
   EXPECT_THAT(Files(), ElementsAre("a.txt"));
 }
 
+TEST_F(CommandsTest, TextPointsWithIdsCancelledWritesNothing) {
+  WriteFileBytes("a.txt", "1, 1, 2, 3\n");
+  EXPECT_EQ(Run("Text Points(IDXYZ) to Bin"), CommandResult::Cancelled);
+  ui.files = {{"a.txt"}};
+  EXPECT_EQ(Run("Text Points(IDXYZ) to Bin"), CommandResult::Cancelled);
+  EXPECT_TRUE(ui.EventsWith("message").empty());
+  EXPECT_THAT(Files(), ElementsAre("a.txt"));
+}
+
 TEST_F(CommandsTest, TextPointsThatDoNotOpenFail) {
   ui.files = {{"missing.txt"}, {"p.pts"}, {"missing.txt"}, {"p.pts"}};
   EXPECT_EQ(Run("Text Points(XYZ) to Bin"), CommandResult::Failed);
@@ -120,6 +129,21 @@ TEST_F(PointsHeadTest, DoesNotRepairCrossedExtents) {
   EXPECT_EQ(ReadFileBytes("p.pts"), PointsBytes(1, {9, 1, 2, 8, 1, 1, 0, 0, 0, 0}));
 }
 
+TEST_F(PointsHeadTest, ShowsZeroForWhatIsNoNumber) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const std::string damaged = PointsBytes(1, {nan, HUGE_VAL, 2, 8, nan, 1, 0, 0, 0, 0});
+  WriteFileBytes("p.pts", damaged);
+  ui.files = {{"p.pts"}};
+  ui.forms = {[](Form& form) {
+    for (const char* name : {"xStart", "yEnd", "cellSize"}) EXPECT_EQ(form.GetReal(name), 0.0);
+    return !SetFieldFromText(*form.Find("cellSize"), "2");
+  }};
+  EXPECT_EQ(Run("View/Change Points Head"), CommandResult::Done);
+  const std::string mended = ReadFileBytes("p.pts");
+  EXPECT_EQ(mended.substr(0, 36), damaged.substr(0, 36));
+  EXPECT_EQ(mended.substr(36), PointsBytes(1, {0, 0, 0, 0, 2, 2, 0, 0, 0, 0}).substr(36));
+}
+
 TEST_F(PointsHeadTest, CancelledChangesNothing) {
   WriteFileBytes("p.pts", bytes);
   EXPECT_EQ(Run("View/Change Points Head"), CommandResult::Cancelled);
@@ -134,8 +158,8 @@ TEST_F(PointsHeadTest, MissingAndShortFilesFail) {
   WriteFileBytes("short.pts", bytes.substr(0, 51));
   ui.files = {{"short.pts"}};
   EXPECT_EQ(Run("View/Change Points Head"), CommandResult::Failed);
-  EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message message: Open file none.pts error!",
-                                                    "message message: Open file short.pts error!"));
+  EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message message ok-cancel: Open file none.pts error!",
+                                                    "message message ok-cancel: Open file short.pts error!"));
   EXPECT_TRUE(ui.EventsWith("form").empty());
   EXPECT_EQ(ReadFileBytes("short.pts"), bytes.substr(0, 51));
   EXPECT_THAT(Files(), ElementsAre("short.pts"));

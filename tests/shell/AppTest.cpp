@@ -57,9 +57,7 @@ TEST_F(AppTest, OpeningReportsItsStepsInOrder) {
 
 TEST_F(AppTest, AMissingFileOpensAnEmptyWindowAfterItsOneLetterMessage) {
   Start();
-  bool wasRead = true;
-  EXPECT_NE(app.OpenDocumentFile("missing.tin", &wasRead), nullptr);
-  EXPECT_FALSE(wasRead);
+  EXPECT_EQ(app.OpenDocumentFile("missing.tin"), CommandResult::Done);
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message warning: Open file m error!"));
   EXPECT_EQ(Document().GetTitle(), "missing.tin");
   EXPECT_EQ(Document().GetTIN().GetTriangleCount(), 0);
@@ -86,13 +84,32 @@ TEST_F(AppTest, AllVerticesAtOnePlaceOpensEmpty) {
   EXPECT_EQ(ReadFileBytes("point.tin"), std::string(4, '\0'));
 }
 
+TEST_F(AppTest, AFileThatDidNotReadIsNotOverwritten) {
+  WriteFileBytes("damaged.tin", SquareTinBytes().substr(0, 100));
+  Start();
+  EXPECT_EQ(app.OpenDocumentFile("damaged.tin"), CommandResult::Failed);
+  EXPECT_EQ(app.SaveDocument(Document(), false), CommandResult::Failed);
+  EXPECT_THAT(ui.events, Contains("message warning: Write file damaged.tin error!"));
+  EXPECT_EQ(ReadFileBytes("damaged.tin"), SquareTinBytes().substr(0, 100));
+  EXPECT_TRUE(app.GetRecentFiles().GetPaths().empty());
+}
+
+TEST_F(AppTest, AFileThatDidNotReadIsOpenedAnewWhenChosenAgain) {
+  Start();
+  EXPECT_EQ(app.OpenDocumentFile("later.tin"), CommandResult::Done);
+  WriteFileBytes("later.tin", SquareTinBytes());
+  EXPECT_EQ(app.OpenDocumentFile("later.tin"), CommandResult::Done);
+  EXPECT_EQ(Document().GetTIN().GetTriangleCount(), 2);
+  EXPECT_EQ(app.GetDocuments().size(), 2u);
+}
+
 TEST_F(AppTest, OpeningAnOpenFileActivatesIt) {
   WriteFileBytes("square.tin", SquareTinBytes());
   Start("square.tin");
   CDocument* first = &Document();
   app.NewDocument();
   EXPECT_NE(&Document(), first);
-  EXPECT_EQ(app.OpenDocumentFile("./square.tin"), first);
+  EXPECT_EQ(app.OpenDocumentFile("./square.tin"), CommandResult::Done);
   EXPECT_EQ(&Document(), first);
   EXPECT_EQ(app.GetDocuments().size(), 2u);
 }
@@ -243,8 +260,9 @@ TEST(RecentFileList, KeepsTheLastSixAcrossRuns) {
   for (const char* name : {"/a", "/b", "/c", "/d", "/e", "/f", "/g", "/c"}) list.Add(name);
   EXPECT_THAT(list.GetPaths(), ElementsAre("/c", "/g", "/f", "/e", "/d", "/b"));
   EXPECT_EQ(RecentFileList("config/deep/recent.txt").GetPaths(), list.GetPaths());
-  list.Remove("/g");
-  EXPECT_EQ(RecentFileList("config/deep/recent.txt").GetPaths().size(), 5u);
+  RecentFileList("config/deep/recent.txt").Add("/h");  // another window
+  list.Add("/i");
+  EXPECT_THAT(list.GetPaths(), ElementsAre("/i", "/h", "/c", "/g", "/f", "/e"));
 }
 
 TEST(RecentFileList, ReadsAnyBytes) {

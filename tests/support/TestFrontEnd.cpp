@@ -44,8 +44,9 @@ bool TestFrontEnd::AskForm(Form& form) {
   return answer && (*answer)(form);
 }
 
-bool TestFrontEnd::ShowMessage(MessageKind kind, MessageButtons, const std::string& text) {
-  events.push_back(std::string("message ") + MessageKindName(kind) + ": " + text);
+bool TestFrontEnd::ShowMessage(MessageKind kind, MessageButtons buttons, const std::string& text) {
+  events.push_back(std::string("message ") + MessageKindName(kind) +
+                   (buttons == MessageButtons::OkCancel ? " ok-cancel: " : ": ") + text);
   return true;
 }
 

@@ -20,8 +20,9 @@ class TestFrontEnd : public FrontEnd {
   std::deque<std::function<bool(Form&)>> forms;  // what to do with each form
   std::deque<SaveChoice> saveChoices;
 
-  // "message warning: text", "open: filter", "value: title 1", "form: ParamInput", "status 0: text",
-  // "print: text", "trace: text", "open-window: title", "command: name", "end: name done"
+  // "message warning: text" ("message warning ok-cancel: text" with two buttons), "open: filter", "value:
+  // title 1", "form: ParamInput", "status 0: text", "print: text", "trace: text", "open-window: title",
+  // "command: name", "end: name done"
   std::vector<std::string> events;
   std::vector<FileChooser> choosers;
   std::vector<Form> shownForms;

@@ -4,6 +4,7 @@ patience=20 # seconds before a step counts as failed
 
 fail() {
   echo "FAILED: $*" >&2
+  tail -n 60 "$work/corvane.out" >&2 2>/dev/null || true
   import -window root "$pictures/failed.png" 2>/dev/null || true
   exit 1
 }
