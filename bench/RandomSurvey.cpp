@@ -40,13 +40,16 @@ TINPoints RandomPoints(std::int32_t nPoints) {
   return points;
 }
 
-bool WriteText(const TINPoints& points, const std::string& path) {
+bool WriteText(const TINPoints& points, RandomSurvey::TextForm form, const std::string& path) {
+  using Form = RandomSurvey::TextForm;
+  const char* const separator = form == Form::Commas ? "," : form == Form::Blanks ? " " : ", ";
   OutputFile file(path);
   std::string line;
   for (std::int32_t i = 0; i < points.GetCount(); ++i) {
     const PointRecord& point = *points.GetPoint(i);
-    line = ShortestText(point.x) + ',' + ShortestText(point.y) + ',' + ShortestText(point.z) + '\n';
-    file.Write(line);
+    line = form == Form::Ids ? std::to_string(i) + separator : "";
+    line += ShortestText(point.x) + separator + ShortestText(point.y) + separator + ShortestText(point.z);
+    file.Write(line += '\n');
   }
   return file.Commit();
 }
@@ -72,9 +75,9 @@ RandomSurvey::~RandomSurvey() {
   std::filesystem::remove_all(folder_, ignored);
 }
 
-std::string RandomSurvey::GetTextPath() const {
-  const std::string path = PathOf("survey.txt");
-  if (!FileExists(path)) Check(WriteText(RandomPoints(nPoints_), path), "the text");
+std::string RandomSurvey::GetTextPath(TextForm form) const {
+  const std::string path = PathOf("survey" + std::to_string(static_cast<int>(form)) + ".txt");
+  if (!FileExists(path)) Check(WriteText(RandomPoints(nPoints_), form, path), "the text");
   return path;
 }
 

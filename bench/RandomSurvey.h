@@ -17,8 +17,10 @@ class RandomSurvey {
 
   std::string PathOf(const std::string& name) const { return folder_ + "/" + name; }
 
-  // The points as text, "x,y,z" a line; as a points file; and triangulated. Each is made at the first call.
-  std::string GetTextPath() const;
+  enum class TextForm { Commas, Blanks, Ids };  // "x,y,z", "x y z" or "id, x, y, z" a line
+
+  // The points as text, as a points file, and triangulated. Each is made at the first call.
+  std::string GetTextPath(TextForm form = TextForm::Commas) const;
   std::string GetPointsPath() const;
   std::string GetTinPath() const;
 

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <string>
 
-#include "TIN/LargePages.h"
+#include "TIN/Resize.h"
 #include "io/NumberText.h"
 #include "ui/FrontEnd.h"
 
@@ -22,21 +21,10 @@ std::int32_t CellsAlong(double length, double cellSize) {
   return TruncateToInt(length / cellSize + 1.0).value_or(0);
 }
 
-// False without memory, with `items` as it was.
-template <typename T>
-bool Resize(std::vector<T>& items, std::size_t size) {
-  try {
-    if (items.empty()) ReserveLarge(items, size);
-    items.resize(size);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 void GridIndex::SetRectangle(std::span<const double, 4> extent4, std::int64_t n) {
+  Free();
   minX = extent4[0];
   maxX = extent4[1];
   minY = extent4[2];
@@ -181,7 +169,7 @@ int GridIndex::ReportOutside(std::int32_t row, std::int32_t col) const {
   text += ", col: ";
   AppendInt(text, col);
   Ui().Trace(text + "\n");
-  ShowWarning("There is error in points extension!!");
+  ShowWarning(kExtensionError);
   return -2;
 }
 

@@ -10,6 +10,9 @@
 
 namespace corvane {
 
+// What is shown when items do not fit their extents, or those make no grid.
+constexpr const char* kExtensionError = "There is error in points extension!!";
+
 // A block of cells, both ends included. Empty if an end lies before its start.
 struct CellRange {
   std::int32_t firstRow = 0;
@@ -39,10 +42,10 @@ struct CellRange {
 // cost.
 class GridIndex {
  public:
-  // Sets rectangle, cell size, rows and columns for `n` items with `density` of them in a cell, without
-  // allocating. `extent4` is minX, maxX, minY, maxY. cellSize = sqrt(w * h * density / n); a rectangle
-  // without width or height becomes one column or row, a single point one cell of size 1.0. Rows or columns
-  // that are no number, or beyond 32 bits, become 0.
+  // Sets rectangle, cell size, rows and columns for `n` items with `density` of them in a cell. Cells that
+  // are there are dropped, and none are made. `extent4` is minX, maxX, minY, maxY. cellSize = sqrt(w * h *
+  // density / n); a rectangle without width or height becomes one column or row, a single point one cell of
+  // size 1.0. Rows or columns that are no number, or beyond 32 bits, become 0.
   void Size(std::span<const double, 4> extent4, std::int64_t n, double density);
 
   // The same for a given cell size; `n` only bounds the cells that Allocate accepts.
@@ -51,6 +54,9 @@ class GridIndex {
   // Makes all cells, empty. 0; or -1, with no cells, if there is no row or column, more cells than 100 for
   // each of the `n` items and 1,000,000 besides, or no memory.
   int Allocate();
+
+  // Whether Allocate would accept the rows and columns, memory aside.
+  bool IsWithinLimits() const { return CountCells() > 0; }
 
   // Drops all cells and lists; rectangle and cell size stay.
   void Free();

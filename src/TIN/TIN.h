@@ -63,6 +63,8 @@ class NeighbourLists {
 // change after that; filters change z, and mark vertices or triangles by a negative id.
 class TIN {
  public:
+  static constexpr std::int64_t kFirstTriangle = 4;  // its place in the file, behind the count
+
   TIN();
   virtual ~TIN();
   TIN(const TIN&) = delete;
@@ -77,16 +79,17 @@ class TIN {
   int ReadTIN(const std::string& path);
 
   // Builds the model after ReadTIN, reading the file a second time from byte 4 on, at which it must stand,
-  // and shows count and extents in a box. Corners that the file has lost in between read as zeros. 0; or -1
-  // with the TIN empty: there is no triangle, a corner is no point of the ground, or memory runs out (each
-  // with a box), or all corners are at one (x, y).
+  // and shows count and extents in a box. Corners that the file has lost in between read as zeros. 0; -1:
+  // nothing has been read (with a box), or all corners are at one (x, y); -2, with a box: a corner is no
+  // point of the ground, its triangles need too large a grid, or memory runs out. A failure leaves the TIN
+  // empty, unless it is that of a stored TIN which nothing has been read for.
   int StoreTriangle(InputFile& file);
 
   // The same from a path; -1, with a warning, also if it does not open.
   int StoreTriangle(const std::string& path);
 
   // Writes the triangles that are not deleted, straight from the model, at the present position, which must
-  // be byte 0. 0, or -1 if a write fails.
+  // be byte 0. 0, or -1 if a write fails or the TIN is raw.
   // Kept: with deleted triangles the count at byte 0 stays, and the real one overwrites the first corner's
   // id.
   int WriteTIN(OutputFile& file) const;
@@ -106,6 +109,9 @@ class TIN {
   // The same to a path. -1, with a warning, if it can't be opened; -2 if nothing can be written. The old file
   // is then as it was.
   std::int32_t WritePoints(const std::string& path, int mode) const;
+
+  // Whether there is a model with triangles: a raw TIN has none yet.
+  bool IsStored() const { return !triangles.empty(); }
 
   std::int32_t GetTriangleCount() const { return nTriangles; }
   std::int32_t GetPointCount() const { return nPoints; }
@@ -184,7 +190,7 @@ class TIN {
     CornerXY c[3];
   };
 
-  enum class StoreResult { Stored, NotRead, OnePoint, BadFile, NoMemory };
+  enum class StoreResult { Stored, NotRead, OnePoint, BadFile, LargeGrid, NoMemory };
 
   TIN& operator=(TIN&&) = default;
 
@@ -198,6 +204,7 @@ class TIN {
   StoreResult StoreVertex(const PointRecord& record, VertexTable& table, std::int32_t& vertex);
   void AddVertex(const PointRecord& record);
   void TakeCorners();
+  bool HasRoomForGrids() const;
   bool FillGrids();
   CellRange CellsOfTriangle(std::int32_t i) const;
   void LinkVertices();

@@ -1,34 +1,12 @@
 #include "TIN/TINPoints.h"
 
 #include <algorithm>
-#include <new>
-#include <stdexcept>
 
+#include "TIN/RecordExtent.h"
+#include "TIN/Resize.h"
 #include "numerics/Truncate.h"
 
 namespace corvane {
-
-namespace {
-
-// Gives `records` `size` elements; false without the memory, with what was there kept.
-template <typename T>
-bool Resize(std::vector<T>& records, std::size_t size) {
-  try {
-    records.resize(size);
-  } catch (const std::bad_alloc&) {
-    return false;
-  } catch (const std::length_error&) {
-    return false;
-  }
-  return true;
-}
-
-void Widen(double value, double& min, double& max) {
-  if (value > max) max = value;
-  if (value < min) min = value;
-}
-
-}  // namespace
 
 TINPoints::TINPoints(std::int32_t n) {
   if (n <= 0 || !Resize(points, static_cast<std::size_t>(n))) return;
@@ -74,6 +52,7 @@ int TINPoints::SetPointXY(std::int32_t id, double x, double y, std::int32_t i) {
 
 int TINPoints::Truncate(std::int32_t n) {
   if (n < 0 || n > nPoints) return 0;
+  index.Free();
   nPoints = n;
   return 1;
 }
@@ -110,9 +89,9 @@ void TINPoints::RecalcExtent() {
   minY = maxY = points[0].y;
   minZ = maxZ = points[0].z;
   for (const PointRecord& point : InUse()) {
-    Widen(point.x, minX, maxX);
-    Widen(point.y, minY, maxY);
-    Widen(point.z, minZ, maxZ);
+    Widen(minX, maxX, point.x);
+    Widen(minY, maxY, point.y);
+    Widen(minZ, maxZ, point.z);
   }
 }
 
@@ -138,6 +117,7 @@ int TINPoints::RemovePoint(std::int32_t i) {
 }
 
 void TINPoints::Compact() {
+  index.Free();
   const auto isDeleted = [](const PointRecord& point) { return point.id < 0; };
   const auto end = points.begin() + nPoints;
   nPoints = static_cast<std::int32_t>(std::remove_if(points.begin(), end, isDeleted) - points.begin());
@@ -145,8 +125,8 @@ void TINPoints::Compact() {
   minX = maxX = points[0].x;
   minY = maxY = points[0].y;
   for (const PointRecord& point : InUse()) {
-    Widen(point.x, minX, maxX);
-    Widen(point.y, minY, maxY);
+    Widen(minX, maxX, point.x);
+    Widen(minY, maxY, point.y);
   }
 }
 

@@ -41,9 +41,13 @@ struct GridCell {
 // spacingY; then for each point the doubles x, y, z, value. A point's position in the file is its id.
 //
 // Operations return 1 for success and a negative status for failure where nothing else is said. They show no
-// messages.
+// messages, but for building an index.
 class TINPoints {
  public:
+  // The most points that the Triangle library can take: it asks for its mesh in one piece of 112 bytes a
+  // point, counted in 32 bits.
+  static constexpr std::int32_t kMaxTriangulated = 38000000;
+
   // Empty, with spacing 1.0.
   TINPoints() = default;
 
@@ -56,14 +60,21 @@ class TINPoints {
   TINPoints(double spacingX, double spacingY, const GroundRect& rect);
 
   virtual ~TINPoints() = default;
+  TINPoints(const TINPoints&) = default;
+  TINPoints& operator=(const TINPoints&) = default;
+  TINPoints(TINPoints&&) = default;
+  TINPoints& operator=(TINPoints&&) = default;
 
   // Reads a whole points file from the present position; what the object held before is dropped. Crossed minY
   // and maxY of the header are exchanged. Points that a cut file lacks read as zeros, so long as it holds at
   // least about a quarter of them; a count beyond that is not believed and nothing is allocated for it.
   // -1: the file does not open, has no whole header, or holds 0 points; -3: a negative or unbelievable count,
-  // or no memory for the records; -4: no memory for the read buffer.
+  // a failed read, or no memory for the records; -4: no memory for the read buffer.
   int Read(InputFile& file);
   int Read(const std::string& path);
+
+  // The points that the file read last lacked, wholly or in part.
+  std::int32_t GetMissingCount() const { return nMissing_; }
 
   // Writes header and points as they stand, the deleted ones included. Returns the number of points written,
   // or -1 if a write fails or the file does not open; the path form then leaves the old file as it was.
@@ -72,7 +83,7 @@ class TINPoints {
 
   // Writes the occupied cells as points, column by column from the smallest x, with coordinates by repeated
   // addition of the spacing. Moves the object's grid origin to the smallest occupied row and column.
-  // -1: no occupied cell, or the file does not open or take the bytes.
+  // -1: no occupied cell, or the file does not open or take the bytes; the origin then stays.
   int WriteGrid(OutputFile& file);
   int WriteGrid(const std::string& path);
 
@@ -89,7 +100,7 @@ class TINPoints {
   int SetPoint(std::int32_t id, double x, double y, double z, double value, std::int32_t i);
   int SetPointXY(std::int32_t id, double x, double y, std::int32_t i);
 
-  // Keeps the first `n` points. 0 if there are fewer, or `n` is negative.
+  // Keeps the first `n` points and drops the index. 0 if there are fewer, or `n` is negative.
   int Truncate(std::int32_t n);
 
   void GetExtent(Extent6& extent) const;
@@ -110,20 +121,23 @@ class TINPoints {
   // Marks the point at position `i` deleted, with id -1, and takes it out of the index; -1 if there is none.
   int RemovePoint(std::int32_t i);
 
-  // Moves the live points down in order and takes extents in x and y, but not in z, from them. An index built
-  // before holds positions that are no longer true.
+  // Moves the live points down in order and takes extents in x and y, but not in z, from them. Drops the
+  // index, whose positions are no longer true.
   void Compact();
 
   // Reads a mask: the number of regions, then for each its type, its vertex count and the vertices. Fills
-  // `regions` with as many whole regions as the text holds, whatever their type. -1: the file does not open.
+  // `regions` with as many whole regions as the text holds, and tells in status pane 0 if that is fewer than
+  // announced. Regions of an unknown type, rectangles of fewer than two pairs and polygons without vertices
+  // are left out. -1: the file does not open or read.
   static int ReadRegions(const std::string& path, std::vector<Region>& regions);
 
   // Turns a text of x, y, z and optional value into a points file of this spacing. The first line decides
   // between commas and white space and whether there is a value; fields are scanned as scanf does, records
   // may run over line ends, and a value that is missing is the last one read (1.0 at first). Reading ends
-  // where the text does, or before something that is no number. Prints "x, y, z" and tells the number of
-  // points in status pane 0.
-  // 0, or -1: an empty path, the text does not open, or the points file can't be written (and is as it was).
+  // where the text does, or before something that is no number. Prints "x, y, z". Tells in status pane 0
+  // how far it is in a long text, and at the end how many points there are, what was left out and why.
+  // 0, or -1: an empty path, the text does not open or read, or a record in it does not fit the memory, or
+  // the points file can't be written. The points file then is as it was.
   static int TextToBinary(const std::string& txtPath, const std::string& binPath, double spacing);
 
   // The same for records "id, x, y, z, value", the value being optional; the id is dropped.
@@ -135,7 +149,7 @@ class TINPoints {
   // number a point or null for none, go along to the triangulator. Of points at one (x, y) only one becomes a
   // corner; coordinates within 1e-60 of 0 count as 0. The triangulator reports on standard output.
   // -1: fewer than three distinct points, all on one line, or coordinates that are not numbers or beyond
-  // 1e70; -2: more than 38,000,000 points, which is all that the triangulator can take, or no memory.
+  // 1e70; -2: no memory; -3: more than kMaxTriangulated points.
   int Triangulate(const double* attributes, const int* markers, Triangulation& out) const;
 
   // Writes the triangles as a ".tin" file: int32 count, then three 36-byte vertices a triangle, copied from
@@ -145,7 +159,8 @@ class TINPoints {
   static void FreeTriangulation(Triangulation& out);
 
   // Indexes all points over the header's extents, with about `density` points a cell.
-  // -1: there are no points, the grid would be too large, or a point lies outside.
+  // -1: there are no points; or, with a warning, the grid would be too large or is no number, or a point lies
+  // outside.
   int BuildIndex(double density);
 
   // The same with square cells of the given size.
@@ -170,8 +185,8 @@ class TINPoints {
 
   // Appends the positions of the points in the region to `list`, in the order of the index. A rectangle is
   // cut to whole numbers, all edges included. A polygon must be convex and closed; its edges belong to it if
-  // it is counter-clockwise. -1: no index, an unknown type, or too few vertices (4 of a polygon, the repeated
-  // first one included).
+  // it is counter-clockwise. -1: no index, an unknown type, a coordinate that is not a number, or too few
+  // vertices (4 of a polygon, the repeated first one included).
   int CollectInRegion(const Region& region, std::vector<std::int32_t>& list) const;
 
   // Marks the same points deleted instead. A point's x and y are cut to whole numbers before the test against
@@ -204,6 +219,8 @@ class TINPoints {
   std::span<const PointRecord> InUse() const { return {points.data(), static_cast<std::size_t>(nPoints)}; }
   std::span<PointRecord> InUse() { return {points.data(), static_cast<std::size_t>(nPoints)}; }
   bool HasPoint(std::int32_t i) const { return i >= 0 && i < nPoints; }
+
+  std::int32_t nMissing_ = 0;
 };
 
 }  // namespace corvane

@@ -43,18 +43,20 @@ std::int64_t ReadRecords(InputFile& file, std::size_t count, std::vector<char>& 
   return total;
 }
 
-// The records of a file of `count` points; nothing if the count is not believed or the memory does not do.
+// The records of a file of `count` points, and how many of them it lacks, wholly or in part; nothing if the
+// count is not believed, the memory does not do or a read fails.
 std::optional<std::vector<PointRecord>> ReadAllRecords(InputFile& file, std::int32_t count,
-                                                       std::vector<char>& block) {
+                                                       std::vector<char>& block, std::int32_t& nMissing) {
   const auto bytesLeft = file.BytesLeft();
   if (count < 0 || (bytesLeft && !IsBelievable(count, *bytesLeft))) return std::nullopt;
   try {
     std::vector<PointRecord> records;
     if (bytesLeft) records.reserve(static_cast<std::size_t>(count));
     const std::int64_t bytes = ReadRecords(file, static_cast<std::size_t>(count), block, records);
-    if (!IsBelievable(count, bytes)) return std::nullopt;
+    if (file.HasFailed() || !IsBelievable(count, bytes)) return std::nullopt;
     const std::size_t nRead = records.size();
     records.resize(static_cast<std::size_t>(count));
+    nMissing = count - static_cast<std::int32_t>(bytes / static_cast<std::int64_t>(kPointBytes));
     for (std::size_t i = nRead; i < records.size(); ++i) records[i].id = static_cast<std::int32_t>(i);
     return records;
   } catch (const std::bad_alloc&) {
@@ -82,11 +84,11 @@ int TINPoints::Read(const std::string& path) {
 
 int TINPoints::Read(InputFile& file) {
   points.clear();
-  nPoints = capacity = 0;
+  nPoints = capacity = nMissing_ = 0;
   index.Free();
 
   std::array<char, PointsHeader::kBytes> bytes = {};
-  if (file.Read(bytes.data(), bytes.size()) != bytes.size()) return -1;
+  if (file.Read(bytes.data(), bytes.size()) != bytes.size()) return file.HasFailed() ? -3 : -1;
   const PointsHeader header = PointsHeader::Unpack(bytes);
   minX = header.minX;
   maxY = header.maxY;
@@ -103,7 +105,7 @@ int TINPoints::Read(InputFile& file) {
   } catch (const std::bad_alloc&) {
     return -4;
   }
-  auto records = ReadAllRecords(file, header.nPoints, block);
+  auto records = ReadAllRecords(file, header.nPoints, block, nMissing_);
   if (!records) return -3;
   points = std::move(*records);
   nPoints = capacity = header.nPoints;
@@ -141,7 +143,12 @@ std::int32_t TINPoints::Write(OutputFile& file) const {
 int TINPoints::WriteGrid(const std::string& path) {
   OutputFile file(path);
   if (!file.IsOpen()) return -1;
-  return WriteGrid(file) >= 0 && file.Commit() ? 1 : -1;
+  const double oldMinX = gridMinX;
+  const double oldMinY = gridMinY;
+  if (WriteGrid(file) >= 0 && file.Commit()) return 1;
+  gridMinX = oldMinX;
+  gridMinY = oldMinY;
+  return -1;
 }
 
 int TINPoints::WriteGrid(OutputFile& file) {
@@ -171,14 +178,22 @@ int TINPoints::WriteGrid(OutputFile& file) {
 
   const double newMaxX = maxCol * spacingX + gridMinX;
   const double newMaxY = maxRow * spacingY + gridMinY;
-  gridMinX += minCol * spacingX;
-  gridMinY += minRow * spacingY;
-  const auto header = PointsHeader{count, gridMinX, newMaxY, newMaxX, gridMinY, spacingX, spacingY}.Pack();
-  return file.Seek(0) && file.Write(header.data(), header.size()) ? 1 : -1;
+  const double newMinX = gridMinX + minCol * spacingX;
+  const double newMinY = gridMinY + minRow * spacingY;
+  const auto header = PointsHeader{count, newMinX, newMaxY, newMaxX, newMinY, spacingX, spacingY}.Pack();
+  if (!file.Seek(0) || !file.Write(header.data(), header.size())) return -1;
+  gridMinX = newMinX;
+  gridMinY = newMinY;
+  return 1;
 }
 
 void TINPoints::DumpText(const std::string& path) const {
+  constexpr const char* kCannotDump = "Unable to open file for dump";
   OutputFile file(path.empty() ? "tinPoint.txt" : path);
+  if (!file.IsOpen()) {
+    Ui().Trace(kCannotDump);
+    return;
+  }
   std::string line;
   for (const PointRecord& point : InUse()) {
     line.clear();
@@ -190,7 +205,7 @@ void TINPoints::DumpText(const std::string& path) const {
     line += '\n';
     file.Write(line);
   }
-  if (!file.Commit()) Ui().Trace("Unable to open file for dump\n");
+  if (!file.Commit()) Ui().Trace(kCannotDump);
 }
 
 }  // namespace corvane

@@ -9,6 +9,7 @@
 #include "TIN/Cross.h"
 #include "TIN/TINPoints.h"
 #include "numerics/Truncate.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
@@ -74,8 +75,14 @@ bool IsInPolygon(const PointRecord& point, const Region& polygon) {
   return true;
 }
 
+// Whether a region has its vertices, `nLeast` or more, and they are numbers.
 bool HasCoords(const Region& region, std::int32_t nLeast) {
-  return region.nVertices >= nLeast && region.coords.size() >= 2 * static_cast<std::size_t>(region.nVertices);
+  if (region.nVertices < nLeast) return false;
+  const std::size_t nCoords = 2 * static_cast<std::size_t>(region.nVertices);
+  if (region.coords.size() < nCoords) return false;
+  const auto isNoNumber = [](double coordinate) { return std::isnan(coordinate); };
+  const std::span<const double> coords(region.coords.data(), nCoords);
+  return std::none_of(coords.begin(), coords.end(), isNoNumber);
 }
 
 bool IsInRuns(const PointRecord& point, const ScanShape& shape) {
@@ -176,7 +183,9 @@ int IndexAll(TINPoints& set) {
   const auto pointAt = [&set](std::int32_t i) -> const PointRecord& {
     return set.points[static_cast<std::size_t>(i)];
   };
-  return set.index.InsertAll(set.nPoints, pointAt) < 0 ? -1 : 1;
+  const int result = set.index.InsertAll(set.nPoints, pointAt);
+  if (result == -1) ShowWarning(kExtensionError);  // a point outside has been told
+  return result < 0 ? -1 : 1;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Texts in: point lists to points files, and masks.
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -15,7 +16,7 @@ namespace corvane {
 namespace {
 
 // How a text's records are scanned: the scanf formats "%lf,%lf,%lf", " %lf" in place of ",%lf", a fourth
-// number, and "%d, \t%lf, \t%lf, \t%lf, \t%lf\n" with an id.
+// number, and "%d, \t%lf, \t%lf, \t%lf, \t%lf\n" with an id, its end being the next record's start.
 struct RecordFormat {
   bool hasId = false;
   bool hasCommas = true;
@@ -83,38 +84,108 @@ TextRecord ScanRecord(TextScanner& scanner, const RecordFormat& format) {
     record.hasField = true;
     ++record.nNumbers;
   }
-  if (format.hasId) scanner.SkipSpace();
   return record;
 }
 
-// Copies the records to `out`, from byte 52 on, and returns the header that belongs to them; nothing if a
-// points file can't hold so many.
-std::optional<PointsHeader> ConvertRecords(RecordReader& reader, const RecordFormat& format, OutputFile& out,
-                                           const std::string& txtPath) {
+// What has become of a text.
+struct Conversion {
   TextExtent extent;
-  if (format.hasId) extent = {kFarAway, -kFarAway, kFarAway, -kFarAway};
   std::int32_t nPoints = 0;
+  std::int64_t nShortRecords = 0;  // left out, with too few fields
+  std::int64_t stopLine = 0;       // of something that is no number; 0: none
+};
+
+// Tells how much of a long text has been read.
+class Progress {
+ public:
+  explicit Progress(const std::string& path) : path_(path) {}
+
+  void Follow(std::int64_t position) {
+    if (position < next_) return;
+    const std::int64_t nSteps = position / kStep;
+    Ui().SetStatusText(0, "Read " + std::to_string(64 * nSteps) + " MB of " + path_);
+    next_ = (nSteps + 1) * kStep;
+  }
+
+ private:
+  static constexpr std::int64_t kStep = 64000000;  // bytes
+  const std::string& path_;
+  std::int64_t next_ = kStep;
+};
+
+// Writes a record of three numbers or more as a point; false if the file does not take it. `value` is the
+// last one read.
+bool AppendPoint(TextRecord record, double& value, bool hasStart, OutputFile& out, Conversion& done) {
+  if (done.nPoints == INT32_MAX) return false;
+  if (record.nNumbers == 4) value = record.numbers[3];
+  record.numbers[3] = value;
+  const auto [x, y, z, ignored] = record.numbers;
+  if (done.nPoints++ == 0 && !hasStart) done.extent = {x, x, y, y};
+  done.extent.Add(x, y);
+  return out.Write(record.numbers.data(), kPointBytes);
+}
+
+// Copies the records to `out`, from byte 52 on. Nothing if the text can't be read to its end, or the points
+// file not be written.
+std::optional<Conversion> ConvertRecords(RecordReader& reader, const RecordFormat& format, OutputFile& out,
+                                         const std::string& txtPath) {
+  Conversion done;
+  // Kept: without records these stay in the header.
+  if (format.hasId) done.extent = {kFarAway, -kFarAway, kFarAway, -kFarAway};
+  Progress progress(txtPath);
   double value = 1.0;
-  bool makesWay = true;
+  std::int64_t shortEnd = -1;  // where the last record with too few fields ends
   out.Seek(PointsHeader::kBytes);
-  while (makesWay && !reader.AtEnd()) {
+  while (!reader.AtEnd()) {
     const std::int64_t start = reader.GetPosition();
-    TextRecord record = reader.Next([&format](TextScanner& scanner) { return ScanRecord(scanner, format); });
-    makesWay = format.hasId ? record.hasField : reader.GetPosition() != start;
-    if (record.nNumbers == 4) value = record.numbers[3];
-    if (record.nNumbers < 3) continue;
-    if (nPoints == INT32_MAX) return std::nullopt;
-    const auto [x, y, z, ignored] = record.numbers;
-    if (nPoints++ == 0 && !format.hasId) extent = {x, x, y, y};
-    extent.Add(x, y);
-    record.numbers[3] = value;
-    out.Write(record.numbers.data(), kPointBytes);
+    const auto record = reader.Next([&format](TextScanner& scanner) { return ScanRecord(scanner, format); });
+    const std::int64_t end = reader.GetPosition();
+    if (reader.HasFailed()) return std::nullopt;
+    progress.Follow(end);
+    if (format.hasId ? !record.hasField : end == start) {
+      if (!reader.AtEnd()) done.stopLine = reader.GetLine();
+      if (end == shortEnd) --done.nShortRecords;  // it was this which cut the record short
+      break;
+    }
+    if (record.nNumbers >= 3) {
+      if (!AppendPoint(record, value, format.hasId, out, done)) return std::nullopt;
+    } else if (record.hasField) {
+      ++done.nShortRecords;
+      shortEnd = end;
+    }
   }
-  if (!makesWay && !reader.AtEnd()) {
-    Ui().SetStatusText(
-        0, "Stopped at line " + std::to_string(reader.GetLine()) + " of " + txtPath + ": not a number.");
+  return done;
+}
+
+// A line to be shown: printable ASCII, other bytes as "?", of a length that a status bar holds.
+std::string Shown(std::string_view line) {
+  constexpr std::size_t kMaxLength = 60;
+  std::string text(line.substr(0, kMaxLength));
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+  return line.size() > kMaxLength ? text + "..." : text;
+}
+
+// How many points there are, what was left out and why.
+std::string ReportOf(const Conversion& done, const RecordFormat& format, const std::string& firstLine,
+                     const std::string& txtPath) {
+  std::string text = "Points written: " + std::to_string(done.nPoints) + ".";
+  if (done.nShortRecords == 1) text += " 1 record with too few fields was left out.";
+  if (done.nShortRecords > 1) {
+    text += " " + std::to_string(done.nShortRecords) + " records with too few fields were left out.";
   }
-  return PointsHeader{nPoints, extent.minX, extent.maxY, extent.maxX, extent.minY, 1.0, 1.0};
+  const int nFields = CountFields(firstLine);
+  const int nRead = format.nNumbers + (format.hasId ? 1 : 0);
+  if (done.nPoints > 0 && nFields > nRead) {
+    text += " Lines have " + std::to_string(nFields) + " fields, of which " + std::to_string(nRead) +
+            " are read: are these points?";
+  }
+  if (done.nPoints == 0 && done.stopLine == 1) {
+    text += " Line 1 of " + txtPath + " is no point: " + Shown(firstLine);
+  } else if (done.stopLine > 0) {
+    text += " Stopped at line " + std::to_string(done.stopLine) + " of " + txtPath + ": not a number.";
+  }
+  return text;
 }
 
 // `fixedFormat` null: the text's first line decides.
@@ -127,16 +198,19 @@ int ConvertText(const std::string& txtPath, const std::string& binPath, double s
   if (!out.IsOpen()) return -1;
 
   RecordReader reader(in);
-  const RecordFormat format = fixedFormat ? *fixedFormat : FormatOf(FirstLine(reader.GetText()));
+  const std::string firstLine(FirstLine(reader.GetText()));
+  const RecordFormat format = fixedFormat ? *fixedFormat : FormatOf(firstLine);
   Ui().Print("x, y, z\n");
-  auto header = ConvertRecords(reader, format, out, txtPath);
-  if (!header) return -1;
-  header->spacingX = header->spacingY = spacing;
-  const auto bytes = header->Pack();
+  const auto done = ConvertRecords(reader, format, out, txtPath);
+  if (!done) return -1;
+  const TextExtent& extent = done->extent;
+  const PointsHeader header = {done->nPoints, extent.minX, extent.maxY, extent.maxX,
+                               extent.minY,   spacing,     spacing};
+  const auto bytes = header.Pack();
   out.Seek(0);
   out.Write(bytes.data(), bytes.size());
   if (!out.Commit()) return -1;
-  Ui().SetStatusText(0, "Points written: " + std::to_string(header->nPoints));
+  Ui().SetStatusText(0, ReportOf(*done, format, firstLine, txtPath));
   return 0;
 }
 
@@ -174,10 +248,14 @@ int TINPoints::ReadRegions(const std::string& path, std::vector<Region>& regions
   TextScanner scanner(*text);
   std::int32_t nRegions = 0;
   scanner.ScanInt(nRegions);
-  for (std::int32_t i = 0; i < nRegions; ++i) {
+  std::int32_t nRead = 0;
+  for (; nRead < nRegions; ++nRead) {
     auto region = ScanRegion(scanner);
     if (!region) break;
     if (IsUsable(*region)) regions.push_back(std::move(*region));
+  }
+  if (nRead < nRegions) {
+    Ui().SetStatusText(0, "Regions read: " + std::to_string(nRead) + " of " + std::to_string(nRegions) + ".");
   }
   return 1;
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 
 #include "TIN/TINPoints.h"
@@ -17,8 +18,10 @@ namespace corvane {
 
 namespace {
 
-// The library asks for the memory of its mesh in one piece of 112 bytes a point, counted in 32 bits.
-constexpr std::int32_t kMaxPoints = 38000000;
+// The library takes about 204 bytes a point, at any number of points, with its result; it ends the process
+// when it gets no more.
+constexpr std::size_t kLibraryBytes = 250;      // a point, with a margin
+constexpr std::size_t kLibraryStart = 1 << 20;  // at least
 
 // Its exact tests take products of four coordinates: beyond these limits they overflow or underflow, and the
 // library then crashes or gives wrong triangles.
@@ -60,6 +63,14 @@ bool AreWithinLimits(const std::vector<double>& coordinates) {
                      [](double coordinate) { return std::fabs(coordinate) <= kLargest; });
 }
 
+// Whether the library will get its memory. The pointer is volatile so that the trial takes place.
+bool HasMemoryFor(std::size_t nPoints) {
+  void* volatile trial = std::malloc(kLibraryStart + nPoints * kLibraryBytes);
+  const bool good = trial != nullptr;
+  std::free(trial);
+  return good;
+}
+
 // Whether there are three points of different places. The library ends the process or crashes without.
 bool HasThreePlaces(const std::vector<double>& coordinates) {
   const auto differ = [&coordinates](std::size_t i, std::size_t k) {
@@ -78,12 +89,13 @@ bool HasThreePlaces(const std::vector<double>& coordinates) {
 
 int TINPoints::Triangulate(const double* attributes, const int* markers, Triangulation& out) const {
   FreeTriangulation(out);
-  if (nPoints > kMaxPoints) return -2;
+  if (nPoints > kMaxTriangulated) return -3;
   try {
     LibraryLists result;
     {
       std::vector<double> coordinates = PlanCoordinates(InUse());
       if (!AreWithinLimits(coordinates) || !HasThreePlaces(coordinates)) return -1;
+      if (!HasMemoryFor(InUse().size())) return -2;
       triangulateio in = {};
       in.pointlist = coordinates.data();
       in.pointattributelist = const_cast<double*>(attributes);  // both are only read

@@ -11,13 +11,13 @@
 #include "io/InputFile.h"
 #include "io/NumberText.h"
 #include "io/OutputFile.h"
+#include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr std::int64_t kFirstTriangle = 4;  // behind the count
 constexpr std::int64_t kTriangleBytes = 3 * kVertexBytes;
 
 bool WritePoint(OutputFile& file, const PointRecord& record) {
@@ -41,7 +41,7 @@ int TIN::ReadTIN(const std::string& path) {
   InputFile file(path);
   if (file.IsOpen()) return ReadTIN(file);
   Clear();
-  ShowWarning("Open file " + path + " error!");
+  ShowWarning(OpenErrorText(path));
   return -1;
 }
 
@@ -79,6 +79,7 @@ void TIN::Clear() {
 }
 
 int TIN::WriteTIN(OutputFile& file) const {
+  if (nTriangles > 0 && !IsStored()) return -1;
   if (!WriteCount(file, nTriangles)) return -1;
   const std::int32_t written = WriteLiveTriangles(file);
   if (written < 0) return -1;
@@ -88,6 +89,7 @@ int TIN::WriteTIN(OutputFile& file) const {
 }
 
 int TIN::WriteCompactTIN(OutputFile& file) const {
+  if (nTriangles > 0 && !IsStored()) return -1;
   const auto isLive = [](const TINTriangle& triangle) { return triangle.id >= 0; };
   const auto nLive = std::count_if(triangles.begin(), triangles.end(), isLive);
   if (!WriteCount(file, static_cast<std::int32_t>(nLive))) return -1;
@@ -117,7 +119,7 @@ std::int32_t TIN::WriteLiveTriangles(OutputFile& file) const {
 std::int32_t TIN::WritePoints(const std::string& path, int mode) const {
   OutputFile file(path);
   if (!file.IsOpen()) {
-    ShowWarning("Write file " + path + " error!");
+    ShowWarning(WriteErrorText(path));
     return -1;
   }
   const std::int32_t written = WritePoints(file, mode);

@@ -12,13 +12,13 @@
 #include "TIN/VertexTable.h"
 #include "io/InputFile.h"
 #include "io/NumberText.h"
+#include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr std::int64_t kFirstTriangle = 4;  // in the file, behind the count
 constexpr std::size_t kTriangleBytes = 3 * kVertexBytes;
 constexpr std::int32_t kBlock = 4096;  // triangles read at a time
 constexpr std::int32_t kMaxVertices = std::numeric_limits<std::int32_t>::max();
@@ -34,11 +34,11 @@ std::size_t BlockBytes(std::int32_t trianglesLeft) {
 
 }  // namespace
 
+// The mean occupancy of the grid, which nothing shows, is not computed.
 int TIN::StoreTriangle(const std::string& path) {
   InputFile file(path);
   if (!file.IsOpen()) {
-    Clear();
-    ShowWarning("Open file " + path + " error!");
+    ShowWarning(OpenErrorText(path));
     return -1;
   }
   file.Seek(kFirstTriangle);
@@ -52,11 +52,12 @@ int TIN::StoreTriangle(InputFile& file) {
   } catch (const std::bad_alloc&) {
   }
   if (result == StoreResult::Stored) return 0;
-  Clear();
+  if (result != StoreResult::NotRead) Clear();
   if (result == StoreResult::NotRead) ShowMessage("StoreTriangle: No TIN read");
   if (result == StoreResult::BadFile) ShowMessage("StoreTriangle: Read TIN error!");
+  if (result == StoreResult::LargeGrid) ShowMessage("StoreTriangle: The triangles need too large a grid!");
   if (result == StoreResult::NoMemory) ShowMessage("StoreTriangle: Memory allocation error!");
-  return -1;
+  return result == StoreResult::NotRead || result == StoreResult::OnePoint ? -1 : -2;
 }
 
 TIN::StoreResult TIN::BuildModel(InputFile& file) {
@@ -77,6 +78,7 @@ TIN::StoreResult TIN::BuildModel(InputFile& file) {
   const StoreResult stored = StoreTriangles(file);
   if (stored != StoreResult::Stored) return stored;
   TakeCorners();
+  if (!HasRoomForGrids()) return StoreResult::LargeGrid;
   if (!FillGrids()) return StoreResult::NoMemory;
   LinkVertices();
   ComputeNormals();
@@ -177,6 +179,16 @@ CellRange TIN::CellsOfTriangle(std::int32_t i) const {
   triangleGrid.CellOf(left, bottom, range.firstCol, range.firstRow);
   triangleGrid.CellOf(right, top, range.lastCol, range.lastRow);
   return range;
+}
+
+// Whether the grids stay within what the file justifies.
+bool TIN::HasRoomForGrids() const {
+  if (!triangleGrid.IsWithinLimits()) return false;
+  std::int64_t entriesLeft = kCellsPerTriangle * nTriangles + kSpareCells;
+  for (std::int32_t i = 0; i < nTriangles && entriesLeft >= 0; ++i) {
+    entriesLeft -= CellsOfTriangle(i).GetCount();
+  }
+  return entriesLeft >= 0;
 }
 
 bool TIN::FillGrids() {

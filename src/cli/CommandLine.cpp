@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 #include "cli/CommandList.h"
+#include "cli/ScriptFile.h"
 #include "io/InputFile.h"
 
 namespace corvane {
@@ -54,6 +56,22 @@ class UsageFormatter : public CLI::Formatter {
   }
 };
 
+// What is wrong with a call, and where help is.
+std::string FailureText(const CLI::App* parser, const CLI::Error& error) {
+  const auto chosen = parser->get_subcommands();
+  const auto extras = parser->remaining();
+  if (chosen.empty() && !extras.empty()) {
+    return "corvane-cli: run, script or list is wanted, not " + ShownText(extras.front()) +
+           "; \"corvane-cli --help\" tells more.\n";
+  }
+  const std::string name = chosen.empty() ? "" : chosen.front()->get_name() + ' ';
+  return std::string("corvane-cli: ") + error.what() + "; \"corvane-cli " + name + "--help\" tells more.\n";
+}
+
+std::string RefuseEmpty(const std::string& value) {
+  return value.empty() ? "the name is empty" : "";
+}
+
 // The parser's options, and where it puts what it reads.
 struct Call {
   CLI::App parser{kDescription, "corvane-cli"};
@@ -63,12 +81,14 @@ struct Call {
   SessionOptions options;
   std::string scriptFile;
   bool json = false;
+  std::vector<std::string> unparsed;  // of run: "--" and what follows it
 
   Call() {
     parser.set_version_flag("--version", "corvane-cli 1.0");
     parser.formatter(std::make_shared<UsageFormatter>());
     parser.require_subcommand(0, 1);
     parser.footer(kFooter);
+    parser.failure_message(FailureText);
     run = parser.add_subcommand("run", "Runs one command");
     run->footer(kRunFooter);
     run->prefix_command();  // whatever follows COMMAND is an answer, "-10" and "--x" too
@@ -84,15 +104,19 @@ struct Call {
   }
 
   void AddSessionOptions(CLI::App& command) {
-    command.add_option("--open", options.openFile, "Open this document first")->type_name("FILE.tin");
+    command.add_option("--open", options.openFile, "Open this document first")
+        ->type_name("FILE.tin")
+        ->check(RefuseEmpty, "");
     command
         .add_option("--transcript", options.transcriptFile,
                     "Write the session's events, one JSON object a line")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(RefuseEmpty, "");
     command
         .add_option("--pictures", options.picturesFolder,
                     "Save the open windows as PNG files after each command")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(RefuseEmpty, "");
     command.add_flag("--trace", options.trace, "The debug stream goes to standard error");
     command.add_flag("--quiet", options.quiet, "No status texts on standard error");
     command.add_flag("--keep-going", options.keepGoing,
@@ -101,13 +125,17 @@ struct Call {
 };
 
 ExitStatus RunSingle(const Call& call, std::span<const CommandRow> rows, Console& console) {
-  const std::vector<std::string> words = call.run->remaining();
-  if (words.empty()) {
-    console.ErrorLine("corvane-cli: run needs a COMMAND; \"corvane-cli list\" names them.");
+  std::vector<std::string> words = call.run->remaining();
+  if (!words.empty() && words.front().starts_with('-')) {
+    console.ErrorLine("corvane-cli: run has no option " + ShownText(words.front()) +
+                      "; \"corvane-cli run --help\" tells more.");
     return ExitStatus::Usage;
   }
-  if (words.front().starts_with('-')) {
-    console.ErrorLine("corvane-cli: run has no option " + words.front());
+  // A "--" before COMMAND only ends the options, behind it it is an answer.
+  const bool endsOptions = words.empty() && !call.unparsed.empty();
+  words.insert(words.end(), call.unparsed.begin() + (endsOptions ? 1 : 0), call.unparsed.end());
+  if (words.empty()) {
+    console.ErrorLine("corvane-cli: run needs a COMMAND; \"corvane-cli list\" names them.");
     return ExitStatus::Usage;
   }
   const ScriptCommand command = {1, words.front(), {words.begin() + 1, words.end()}};
@@ -134,12 +162,14 @@ ExitStatus RunScript(const Call& call, std::span<const CommandRow> rows, std::is
   return Session(rows, call.options, console).Run(script.commands, name);
 }
 
-}  // namespace
-
-ExitStatus RunCommandLine(std::vector<std::string> arguments, std::span<const CommandRow> rows,
-                          StandardStreams streams) {
-  Console console(streams.out, streams.err, streams.errIsTerminal);
+ExitStatus RunCall(std::vector<std::string> arguments, std::span<const CommandRow> rows,
+                   StandardStreams streams, Console& console) {
   Call call;
+  if (!arguments.empty() && arguments.front() == "run") {  // the parser would read "--" for itself
+    const auto mark = std::find(arguments.begin(), arguments.end(), "--");
+    call.unparsed.assign(mark, arguments.end());
+    arguments.erase(mark, arguments.end());
+  }
   std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
   try {
     call.parser.parse(arguments);
@@ -155,6 +185,24 @@ ExitStatus RunCommandLine(std::vector<std::string> arguments, std::span<const Co
   if (*call.script) return RunScript(call, rows, streams.in, console);
   console.Print(call.json ? CommandListJson(rows) : CommandListText(rows));
   return ExitStatus::Done;
+}
+
+}  // namespace
+
+ExitStatus RunCommandLine(const std::vector<std::string>& arguments, std::span<const CommandRow> rows,
+                          StandardStreams streams) {
+  Console console(streams.out, streams.err, streams.errIsTerminal, streams.outIsTerminal);
+  ExitStatus status = ExitStatus::Failed;
+  try {
+    status = RunCall(arguments, rows, streams, console);
+  } catch (const std::bad_alloc&) {
+    console.ErrorLine("corvane-cli: out of memory");
+  }
+  if (!streams.out.flush()) {
+    console.ErrorLine("corvane-cli: standard output can't be written.");
+    if (status == ExitStatus::Done) status = ExitStatus::Failed;
+  }
+  return status;
 }
 
 }  // namespace corvane

@@ -15,11 +15,12 @@ struct StandardStreams {
   std::ostream& out;
   std::ostream& err;
   bool errIsTerminal = false;
+  bool outIsTerminal = false;
 };
 
 // The whole command line of corvane-cli on the commands of a table. `arguments` come without the program's
-// name.
-ExitStatus RunCommandLine(std::vector<std::string> arguments, std::span<const CommandRow> rows,
+// name. A standard output that can't be written makes a call fail that went well otherwise.
+ExitStatus RunCommandLine(const std::vector<std::string>& arguments, std::span<const CommandRow> rows,
                           StandardStreams streams);
 
 }  // namespace corvane

@@ -8,9 +8,17 @@ constexpr const char* kClearLine = "\r\033[K";
 
 }  // namespace
 
+Console::~Console() {
+  if (statusShown_) err_ << '\n' << std::flush;
+}
+
+void Console::Print(const std::string& text) {
+  if (outIsTerminal_) ClearStatus();
+  out_ << text << std::flush;
+}
+
 void Console::ErrorText(const std::string& text) {
-  if (statusShown_) err_ << kClearLine;
-  statusShown_ = false;
+  ClearStatus();
   err_ << text << std::flush;
 }
 
@@ -21,6 +29,11 @@ void Console::Status(const std::string& text) {
   } else if (!text.empty()) {
     err_ << text << '\n' << std::flush;
   }
+}
+
+void Console::ClearStatus() {
+  if (statusShown_) err_ << kClearLine << std::flush;
+  statusShown_ = false;
 }
 
 }  // namespace corvane

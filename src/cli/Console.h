@@ -9,11 +9,15 @@ namespace corvane {
 class Console {
  public:
   // On a terminal, status texts rewrite one line of standard error.
-  Console(std::ostream& out, std::ostream& err, bool errIsTerminal)
-      : out_(out), err_(err), errIsTerminal_(errIsTerminal) {}
+  Console(std::ostream& out, std::ostream& err, bool errIsTerminal, bool outIsTerminal = false)
+      : out_(out), err_(err), errIsTerminal_(errIsTerminal), outIsTerminal_(outIsTerminal) {}
+  // Ends the line of a status text.
+  ~Console();
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
 
   // Standard output, at once: commands also print through the C library.
-  void Print(const std::string& text) { out_ << text << std::flush; }
+  void Print(const std::string& text);
 
   // Standard error: a whole line, a text with line ends of its own, or a status text.
   void ErrorLine(const std::string& text) { ErrorText(text + '\n'); }
@@ -21,9 +25,12 @@ class Console {
   void Status(const std::string& text);
 
  private:
+  void ClearStatus();
+
   std::ostream& out_;
   std::ostream& err_;
   bool errIsTerminal_;
+  bool outIsTerminal_;
   bool statusShown_ = false;  // the terminal's last line holds a status text
 };
 

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "io/OutputFile.h"
+
 namespace corvane {
 
 namespace {
 
+constexpr const char* kProbe = ".corvane-probe";
 constexpr std::size_t kMostTitleBytes = 200;  // a file name holds 255
 
 bool FitsFileName(char character) {
@@ -28,16 +31,23 @@ std::string Shortened(std::string text, std::size_t size) {
 PictureBook::PictureBook(FrontEnd& inner, const std::string& folder)
     : ForwardingFrontEnd(inner), folder_(folder) {}
 
+bool PictureBook::MakeFolder() const {
+  std::error_code error;
+  std::filesystem::create_directories(folder_, error);
+  return OutputFile((std::filesystem::path(folder_) / kProbe).string()).IsOpen();
+}
+
 PictureBook::SavedPictures PictureBook::Save() {
   SavedPictures saved;
   for (Window& window : windows_) {
-    if (!window.changed || !window.view->HasPicture()) continue;
+    const std::string title = window.view->GetTitle();
+    const bool changed = window.changed || title != window.savedTitle;
+    if (!changed || !window.view->HasPicture()) continue;
     window.changed = false;
+    window.savedTitle = title;
     if (window.number == 0) window.number = ++nNumbered_;
     gui_.Start();
-    std::error_code error;
-    std::filesystem::create_directories(folder_, error);
-    const std::string name = PictureFileName(window.number, window.view->GetTitle());
+    const std::string name = PictureFileName(window.number, title);
     const std::string path = (std::filesystem::path(folder_) / name).string();
     if (SavePicture(*window.view, path)) {
       saved.paths.push_back(path);

@@ -19,8 +19,11 @@ class PictureBook : public ForwardingFrontEnd {
     std::vector<std::string> failures;  // the texts to report
   };
 
-  // Saves the windows that are new or have been repainted since the last call. The folder is made at the
-  // first picture.
+  // Makes the folder where there is none. False if no file can be written there.
+  bool MakeFolder() const;
+
+  // Saves the windows that are new, or were repainted or renamed since the last call. A renamed window gets
+  // another file; the old one stays.
   SavedPictures Save();
 
   void OpenWindow(WindowView& view) override;
@@ -32,6 +35,7 @@ class PictureBook : public ForwardingFrontEnd {
     WindowView* view = nullptr;
     int number = 0;  // 0 before its first picture
     bool changed = true;
+    std::string savedTitle = {};
   };
 
   std::string folder_;

@@ -1,88 +1,64 @@
 #include "cli/ScriptFile.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace corvane {
 
 namespace {
 
-bool IsBlank(char character) {
-  return character == ' ' || character == '\t' || character == '\r';
+constexpr const char* kByteOrderMark = "\xef\xbb\xbf";
+constexpr const char* kBlanks = " \t";
+
+// Takes the first line off the text; a line ends with LF, CR LF or CR.
+std::string_view TakeLine(std::string_view& text) {
+  const std::size_t length = std::min(text.find_first_of("\r\n"), text.size());
+  const std::string_view line = text.substr(0, length);
+  text.remove_prefix(length);
+  text.remove_prefix(text.starts_with("\r\n") ? 2 : std::min<std::size_t>(text.size(), 1));
+  return line;
 }
 
-class ScriptParser {
- public:
-  explicit ScriptParser(std::string_view text) : text_(text) {}
-
-  Script Parse() {
-    while (position_ < text_.size() && script_.error.empty()) ParseLine();
-    return std::move(script_);
-  }
-
- private:
-  void ParseLine() {
-    ScriptCommand command;
-    command.line = line_;
-    std::vector<std::string> words;
-    SkipBlanks();
-    if (!AtLineEnd() && text_[position_] == '#') SkipLine();
-    while (!AtLineEnd() && script_.error.empty()) {
-      words.push_back(ParseWord());
-      SkipBlanks();
-    }
-    ++position_;
-    ++line_;
-    if (words.empty() || !script_.error.empty()) return;
-    command.name = words.front();
-    command.answers.assign(words.begin() + 1, words.end());
-    script_.commands.push_back(std::move(command));
-  }
-
-  // A word may be quoted in part; a quoted part may run over line ends.
-  std::string ParseWord() {
-    std::string word;
-    while (!AtLineEnd() && !IsBlank(text_[position_])) {
-      if (text_[position_] == '"') {
-        if (!ParseQuotedPart(word)) break;
-      } else {
-        word += text_[position_++];
-      }
-    }
-    return word;
-  }
-
-  bool ParseQuotedPart(std::string& word) {
-    const std::size_t start = position_;
-    std::string content;
-    if (!ReadQuoted(text_, position_, content)) {
-      script_.error = "a quote is not closed";
-      script_.errorLine = line_;
+// Reads the word at `position`, which may be quoted in part. False if a quote is not closed.
+bool ReadWord(std::string_view line, std::size_t& position, std::string& word) {
+  const std::string_view blanks = kBlanks;
+  while (position < line.size() && blanks.find(line[position]) == blanks.npos) {
+    if (line[position] != '"') {
+      word += line[position++];
+    } else if (!ReadQuoted(line, position, word)) {
       return false;
     }
-    const std::string_view part = text_.substr(start, position_ - start);
-    line_ += static_cast<int>(std::count(part.begin(), part.end(), '\n'));
-    word += content;
-    return true;
   }
+  return true;
+}
 
-  void SkipBlanks() {
-    while (!AtLineEnd() && IsBlank(text_[position_])) ++position_;
+// The words of a line, none of a comment; nothing if a quote is not closed.
+std::optional<std::vector<std::string>> ReadWords(std::string_view line) {
+  std::vector<std::string> words;
+  std::size_t position = line.find_first_not_of(kBlanks);
+  if (position != line.npos && line[position] == '#') return words;
+  for (; position != line.npos; position = line.find_first_not_of(kBlanks, position)) {
+    if (!ReadWord(line, position, words.emplace_back())) return std::nullopt;
   }
-
-  void SkipLine() { position_ = std::min(text_.find('\n', position_), text_.size()); }
-
-  bool AtLineEnd() const { return position_ >= text_.size() || text_[position_] == '\n'; }
-
-  std::string_view text_;
-  std::size_t position_ = 0;
-  int line_ = 1;
-  Script script_;
-};
+  return words;
+}
 
 }  // namespace
 
 Script ParseScript(std::string_view text) {
-  return ScriptParser(text).Parse();
+  Script script;
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(std::string_view(kByteOrderMark).size());
+  for (int line = 1; !text.empty(); ++line) {
+    const auto words = ReadWords(TakeLine(text));
+    if (!words) {
+      script.error = "a quote is not closed";
+      script.errorLine = line;
+      return script;
+    }
+    if (words->empty()) continue;
+    script.commands.push_back({line, words->front(), {words->begin() + 1, words->end()}});
+  }
+  return script;
 }
 
 std::string ScriptWord(std::string_view text) {
@@ -97,6 +73,14 @@ std::string Quoted(std::string_view text) {
     quoted += character;
   }
   return quoted + '"';
+}
+
+std::string ShownText(std::string_view text) {
+  std::string shown = Quoted(text);
+  std::replace_if(
+      shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; },
+      '?');
+  return shown;
 }
 
 bool ReadQuoted(std::string_view text, std::size_t& position, std::string& content) {

@@ -20,15 +20,24 @@ std::string PathsAnswer(const std::vector<std::string>& paths) {
   return answer.starts_with('@') ? "./" + answer : answer;
 }
 
+constexpr const char* kLineEnds = "\r\n";
+
 std::string OneLine(std::string text) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
   return text;
+}
+
+// A script has no way to give an answer that holds a line end.
+std::string ScriptLine(const std::string& entry) {
+  if (entry.find_first_of(kLineEnds) == entry.npos) return entry + '\n';
+  return "# Left out, because an answer holds a line end: " + OneLine(entry) + '\n';
 }
 
 }  // namespace
 
 ScriptRecorder::ScriptRecorder(FrontEnd& inner, const std::string& path)
-    : ForwardingFrontEnd(inner), file_(path, std::ios::binary | std::ios::trunc) {
+    : ForwardingFrontEnd(inner), path_(path), file_(path, std::ios::binary | std::ios::trunc) {
   const std::string head =
       "# Recorded by corvane. To replay: corvane-cli script --keep-going FILE\n"
       "# (--keep-going passes over commands that failed or were cancelled.)\n";
@@ -91,6 +100,7 @@ void ScriptRecorder::CommandEnded(const std::string& name, CommandResult result)
   }
   inCommand_ = false;
   ForwardingFrontEnd::CommandEnded(name, result);
+  TellLoss();
 }
 
 void ScriptRecorder::FileGiven(const FileChooser& chooser, const std::string& path) {
@@ -113,10 +123,17 @@ void ScriptRecorder::AddAnswer(const std::string& answer) {
 }
 
 void ScriptRecorder::WriteEntry() {
-  std::string text = entry_ + '\n';
-  if (!behind_.empty()) text += behind_ + '\n';
+  std::string text = ScriptLine(entry_);
+  if (!behind_.empty()) text += ScriptLine(behind_);
   file_.seekp(entryStart_);
   file_ << text << std::flush;
+}
+
+void ScriptRecorder::TellLoss() {
+  if (IsGood() || lossTold_) return;
+  lossTold_ = true;
+  ForwardingFrontEnd::ShowMessage(MessageKind::Warning, MessageButtons::Ok,
+                                  "The record " + path_ + " can not be written any more.");
 }
 
 }  // namespace corvane

@@ -13,7 +13,8 @@ namespace corvane {
 // nothing, not even the command it happened in. (An entry is rewritten in place and only ever grows.)
 //
 // Saving on the question about unsaved changes is written as the "File > Save" that it amounts to; a closing
-// that was cancelled there, as a comment.
+// that was cancelled there, as a comment, and so is a command with an answer that does not fit on a line.
+// A record that can't be written any more is told once, by a box after the command.
 class ScriptRecorder : public ForwardingFrontEnd {
  public:
   // Starts a new script file. `inner` is the front end that the person sees.
@@ -38,7 +39,9 @@ class ScriptRecorder : public ForwardingFrontEnd {
   void BeginEntry(const std::string& command);
   void AddAnswer(const std::string& answer);
   void WriteEntry();
+  void TellLoss();
 
+  std::string path_;
   std::ofstream file_;
   std::int64_t entryStart_ = 0;  // where the present entry begins in the file
   std::string entry_;            // the command that takes answers, and those so far
@@ -46,6 +49,7 @@ class ScriptRecorder : public ForwardingFrontEnd {
   bool saveAsked_ = false;       // the command has asked about unsaved changes
   bool inCommand_ = false;       // prompts that a key in a view opens belong to no command
   bool saving_ = false;          // a saving that belongs to no command: the window was closed by hand
+  bool lossTold_ = false;
 };
 
 }  // namespace corvane

@@ -75,7 +75,8 @@ std::optional<std::string> RefusedPaths(const FileChooser& chooser, const std::v
 ScriptedFrontEnd::ScriptedFrontEnd(Console& console, Options options, std::function<void()> stop)
     : console_(console), options_(options), stop_(std::move(stop)) {}
 
-void ScriptedFrontEnd::SetAnswers(std::vector<std::string> answers) {
+void ScriptedFrontEnd::SetAnswers(std::vector<std::string> answers, const std::string& place) {
+  place_ = place;
   answers_ = std::move(answers);
   next_ = 0;
   nMissing_ = 0;
@@ -84,7 +85,7 @@ void ScriptedFrontEnd::SetAnswers(std::vector<std::string> answers) {
 bool ScriptedFrontEnd::FinishAnswers() {
   const bool fitted = nMissing_ == 0 && next_ == answers_.size();
   for (; next_ < answers_.size(); ++next_) {
-    console_.ErrorLine("corvane-cli: no prompt asked for the answer " + Quoted(answers_[next_]));
+    Report("no prompt asked for the answer " + ShownText(answers_[next_]));
   }
   return fitted;
 }
@@ -120,12 +121,13 @@ bool ScriptedFrontEnd::AskForm(Form& form) {
 }
 
 bool ScriptedFrontEnd::ShowMessage(MessageKind kind, MessageButtons, const std::string& text) {
-  console_.ErrorLine(std::string(MessageKindName(kind)) + ": " + text);
+  const std::string line = text.substr(0, text.find_last_not_of("\r\n") + 1);
+  console_.ErrorLine(std::string(MessageKindName(kind)) + ": " + line);
   return true;
 }
 
 SaveChoice ScriptedFrontEnd::AskSaveChanges(const std::string& documentTitle) {
-  console_.ErrorLine("warning: " + documentTitle + " was closed without saving its changes.");
+  ShowWarning(documentTitle + " was closed without saving its changes.");
   return SaveChoice::Discard;
 }
 
@@ -143,7 +145,7 @@ void ScriptedFrontEnd::Trace(const std::string& text) {
 
 std::optional<std::string> ScriptedFrontEnd::NextAnswer(const std::string& prompt) {
   if (next_ == answers_.size()) {
-    console_.ErrorLine("corvane-cli: no answer left for " + prompt);
+    Report("no answer left for " + prompt);
     if (++nMissing_ == kMostMissing) stop_();
     return std::nullopt;
   }
@@ -152,8 +154,12 @@ std::optional<std::string> ScriptedFrontEnd::NextAnswer(const std::string& promp
   return answer;
 }
 
+void ScriptedFrontEnd::Report(const std::string& text) {
+  console_.ErrorLine("corvane-cli: " + place_ + text);
+}
+
 void ScriptedFrontEnd::Refuse(const std::string& answer, const std::string& words) {
-  console_.ErrorLine("corvane-cli: refused " + Quoted(answer) + ": " + words);
+  Report("refused " + ShownText(answer) + ": " + words);
 }
 
 }  // namespace corvane

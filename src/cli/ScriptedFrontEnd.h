@@ -23,8 +23,8 @@ class ScriptedFrontEnd : public FrontEnd {
   // `stop` ends the work when a command goes on asking without answers; it must not return.
   ScriptedFrontEnd(Console& console, Options options, std::function<void()> stop);
 
-  // The answers of the command that follows.
-  void SetAnswers(std::vector<std::string> answers);
+  // The answers of the command that follows. `place` stands before what is said about them: "s.txt:3: X: ".
+  void SetAnswers(std::vector<std::string> answers, const std::string& place = "");
 
   // Names the answers that no prompt asked for. False if there are any, or if a prompt lacked one.
   bool FinishAnswers();
@@ -34,7 +34,7 @@ class ScriptedFrontEnd : public FrontEnd {
   bool AskForm(Form& form) override;
   // A box with OK and Cancel takes OK.
   bool ShowMessage(MessageKind kind, MessageButtons buttons, const std::string& text) override;
-  // Changes are dropped, with a warning.
+  // Changes are dropped, with a warning box through the installed front end.
   SaveChoice AskSaveChanges(const std::string& documentTitle) override;
   void SetStatusText(int pane, const std::string& text) override;
   void SetWaitCursor(bool) override {}
@@ -51,11 +51,13 @@ class ScriptedFrontEnd : public FrontEnd {
 
  private:
   std::optional<std::string> NextAnswer(const std::string& prompt);
+  void Report(const std::string& text);
   void Refuse(const std::string& answer, const std::string& words);
 
   Console& console_;
   Options options_;
   std::function<void()> stop_;
+  std::string place_;
   std::vector<std::string> answers_;
   std::size_t next_ = 0;  // the first answer not yet taken
   int nMissing_ = 0;      // prompts of this command that found no answer

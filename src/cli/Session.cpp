@@ -31,7 +31,7 @@ std::string DisabledText(const CommandRow& row) {
 
 std::string UnknownText(const std::string& typed, const CommandLookup& lookup) {
   std::string text = lookup.ambiguous ? "several commands are named " : "unknown command ";
-  text += Quoted(typed) + (lookup.ambiguous ? ":" : "; the nearest names:");
+  text += ShownText(typed) + (lookup.ambiguous ? ":" : "; the nearest names:");
   for (const std::string& name : lookup.nearestNames) text += "\n  " + name;
   return text;
 }
@@ -50,6 +50,7 @@ ExitStatus Session::Run(const std::vector<ScriptCommand>& commands, const std::s
   if (!rows) return ExitStatus::Usage;
   if (!Start()) return ExitStatus::Failed;
   ExitStatus status = RunAll(commands, *rows);
+  WarnOfUnsavedChanges();
   if (transcript_ && !transcript_->IsGood()) {
     Report("the transcript " + options_.transcriptFile + " could not be written.");
     if (status == ExitStatus::Done) status = ExitStatus::Failed;
@@ -62,7 +63,7 @@ std::optional<std::vector<const CommandRow*>> Session::FindRows(const std::vecto
   for (const ScriptCommand& command : commands) {
     const CommandLookup lookup = FindCommand(rows_, command.name);
     if (!lookup.row) {
-      Report(command, UnknownText(command.name, lookup));
+      Report(Place(command) + UnknownText(command.name, lookup));
       return std::nullopt;
     }
     rows.push_back(lookup.row);
@@ -75,6 +76,10 @@ bool Session::Start() {
   if (!options_.picturesFolder.empty()) {
     pictures_ = std::make_unique<PictureBook>(*outermost, options_.picturesFolder);
     outermost = pictures_.get();
+    if (!pictures_->MakeFolder()) {
+      Report("the folder " + options_.picturesFolder + " can't be written.");
+      return false;
+    }
   }
   if (!options_.transcriptFile.empty()) {
     transcript_ = std::make_unique<Transcript>(*outermost, options_.transcriptFile);
@@ -101,14 +106,15 @@ bool Session::OpenFirstDocument() {
 ExitStatus Session::RunAll(const std::vector<ScriptCommand>& commands,
                            const std::vector<const CommandRow*>& rows) {
   ExitStatus first = ExitStatus::Done;
+  std::size_t i = 0;
   try {
-    for (std::size_t i = 0; i < commands.size(); ++i) {
+    for (; i < commands.size(); ++i) {
       const ExitStatus status = RunOne(commands[i], *rows[i]);
       if (first == ExitStatus::Done) first = status;
       if (status != ExitStatus::Done && !options_.keepGoing) break;
     }
   } catch (const SessionStopped&) {
-    Report("stopped: a second prompt of one command found no answer.");
+    Report(Place(commands[i], *rows[i]) + "stopped: a second prompt of one command found no answer.");
     if (first == ExitStatus::Done) first = ExitStatus::Answers;
   }
   return first;
@@ -116,14 +122,14 @@ ExitStatus Session::RunAll(const std::vector<ScriptCommand>& commands,
 
 ExitStatus Session::RunOne(const ScriptCommand& command, const CommandRow& row) {
   if (!app_->IsEnabled(row)) {
-    Report(command, DisabledText(row));
+    Report(Place(command) + DisabledText(row));
     return ExitStatus::Disabled;
   }
-  frontEnd_.SetAnswers(command.answers);
+  frontEnd_.SetAnswers(command.answers, Place(command, row));
   const CommandResult result = app_->RunCommand(row);
   const bool answersFitted = frontEnd_.FinishAnswers();
   const bool picturesSaved = SavePictures();
-  if (result != CommandResult::Done) Report(command, CommandName(row) + ": " + CommandResultName(result));
+  if (result != CommandResult::Done) Report(Place(command, row) + CommandResultName(result));
   if (!answersFitted) return ExitStatus::Answers;
   return picturesSaved || result != CommandResult::Done ? StatusOf(result) : ExitStatus::Failed;
 }
@@ -138,8 +144,20 @@ bool Session::SavePictures() {
   return saved.failures.empty();
 }
 
-void Session::Report(const ScriptCommand& command, const std::string& text) {
-  Report(scriptName_.empty() ? text : scriptName_ + ":" + std::to_string(command.line) + ": " + text);
+void Session::WarnOfUnsavedChanges() {
+  for (const auto& document : app_->GetDocuments()) {
+    if (document->IsModified()) frontEnd_.AskSaveChanges(document->GetTitle());
+  }
+}
+
+// "day.txt:57: ", or "" for a command that stands in no script.
+std::string Session::Place(const ScriptCommand& command) const {
+  return scriptName_.empty() ? "" : scriptName_ + ":" + std::to_string(command.line) + ": ";
+}
+
+// "day.txt:57: TIN > Create TIN: "
+std::string Session::Place(const ScriptCommand& command, const CommandRow& row) const {
+  return Place(command) + CommandName(row) + ": ";
 }
 
 void Session::Report(const std::string& text) {

@@ -40,8 +40,9 @@ class Session {
   Session(std::span<const CommandRow> rows, SessionOptions options, Console& console);
 
   // Runs the commands in order and returns the first status that is not Done, at which the session ends
-  // unless keepGoing is set. All names are looked up before anything runs. `scriptName` stands before the
-  // line numbers of messages; it is "" for a command that stands in no script.
+  // unless keepGoing is set. Unsaved changes are dropped at its end, with a warning. All names are looked up
+  // before anything runs. `scriptName` stands before the line numbers of messages; it is "" for a command
+  // that stands in no script.
   ExitStatus Run(const std::vector<ScriptCommand>& commands, const std::string& scriptName);
 
  private:
@@ -51,7 +52,9 @@ class Session {
   ExitStatus RunAll(const std::vector<ScriptCommand>& commands, const std::vector<const CommandRow*>& rows);
   ExitStatus RunOne(const ScriptCommand& command, const CommandRow& row);
   bool SavePictures();
-  void Report(const ScriptCommand& command, const std::string& text);
+  void WarnOfUnsavedChanges();
+  std::string Place(const ScriptCommand& command) const;
+  std::string Place(const ScriptCommand& command, const CommandRow& row) const;
   void Report(const std::string& text);
 
   std::span<const CommandRow> rows_;

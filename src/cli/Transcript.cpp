@@ -3,6 +3,8 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "io/NumberText.h"
+
 namespace corvane {
 
 namespace {
@@ -15,15 +17,36 @@ Json NumberJson(double number) {
   return number > 0.0 ? "inf" : "-inf";
 }
 
-Json ValueJson(const FieldValue& value) {
-  if (const auto* number = std::get_if<double>(&value)) return NumberJson(*number);
-  return std::visit([](const auto& held) { return Json(held); }, value);
+// The number with the fewest digits that is the same one in single precision.
+double ShortestFloat(double number) {
+  return ParseReal(ShortestText(static_cast<float>(number))).value_or(number);
+}
+
+Json ValueJson(const FormField& field) {
+  if (const auto* number = std::get_if<double>(&field.value)) {
+    return NumberJson(field.type == FieldType::Float ? ShortestFloat(*number) : *number);
+  }
+  return std::visit([](const auto& held) { return Json(held); }, field.value);
 }
 
 Json FieldsJson(const Form& form) {
   Json fields = Json::object();
-  for (const FormField& field : form.fields) fields[field.name] = ValueJson(field.value);
+  for (const FormField& field : form.fields) fields[field.name] = ValueJson(field);
   return fields;
+}
+
+// Asks a prompt and writes it with its answer. A session that the prompt stops has cancelled it.
+template <typename Ask, typename Write>
+auto AskAndWrite(const Ask& ask, const Write& write) {
+  decltype(ask()) answer{};
+  try {
+    answer = ask();
+  } catch (...) {
+    write(answer);
+    throw;
+  }
+  write(answer);
+  return answer;
 }
 
 }  // namespace
@@ -32,29 +55,30 @@ Transcript::Transcript(FrontEnd& inner, const std::string& path)
     : ForwardingFrontEnd(inner), file_(path, std::ios::binary | std::ios::trunc) {}
 
 std::optional<std::vector<std::string>> Transcript::ChooseFiles(const FileChooser& chooser) {
-  auto paths = ForwardingFrontEnd::ChooseFiles(chooser);
-  WriteChoice(chooser, paths ? Json(*paths) : Json());
-  return paths;
+  return AskAndWrite([&] { return ForwardingFrontEnd::ChooseFiles(chooser); },
+                     [&](const auto& paths) { WriteChoice(chooser, paths ? Json(*paths) : Json()); });
 }
 
 std::optional<double> Transcript::AskValue(const std::string& title, double shown) {
-  const auto value = ForwardingFrontEnd::AskValue(title, shown);
-  Write({{"event", "value-input"},
-         {"title", title},
-         {"shown", NumberJson(shown)},
-         {"answer", value ? NumberJson(*value) : Json()}});
-  return value;
+  return AskAndWrite([&] { return ForwardingFrontEnd::AskValue(title, shown); },
+                     [&](const auto& value) {
+                       Write({{"event", "value-input"},
+                              {"title", title},
+                              {"shown", NumberJson(shown)},
+                              {"answer", value ? NumberJson(*value) : Json()}});
+                     });
 }
 
 bool Transcript::AskForm(Form& form) {
   const Json shown = FieldsJson(form);
-  const bool accepted = ForwardingFrontEnd::AskForm(form);
-  Write({{"event", "form"},
-         {"form", form.name},
-         {"title", form.title},
-         {"shown", shown},
-         {"answer", accepted ? FieldsJson(form) : Json()}});
-  return accepted;
+  return AskAndWrite([&] { return ForwardingFrontEnd::AskForm(form); },
+                     [&](bool accepted) {
+                       Write({{"event", "form"},
+                              {"form", form.name},
+                              {"title", form.title},
+                              {"shown", shown},
+                              {"answer", accepted ? FieldsJson(form) : Json()}});
+                     });
 }
 
 bool Transcript::ShowMessage(MessageKind kind, MessageButtons buttons, const std::string& text) {

@@ -9,8 +9,8 @@
 namespace corvane {
 
 // Writes the events of a session as JSON objects, one a line, at once. Prompts are written with their answer,
-// null for Cancel; numbers that are not finite as the texts "inf", "-inf" and "nan"; bytes that are no UTF-8
-// as the replacement character.
+// null for Cancel and for a prompt at which the session stops; numbers that are not finite as the texts
+// "inf", "-inf" and "nan"; bytes that are no UTF-8 as the replacement character.
 class Transcript : public ForwardingFrontEnd {
  public:
   Transcript(FrontEnd& inner, const std::string& path);

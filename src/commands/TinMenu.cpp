@@ -18,6 +18,20 @@ constexpr const char* kCannotTriangulate =
     "The points can not be triangulated: fewer than three distinct points, all on one line, or coordinates "
     "that are not numbers.\n";
 
+constexpr const char* kNoMemory = "There is not enough memory to triangulate the points.\n";
+
+std::string TooManyText(const TINPoints& points) {
+  return "There are " + std::to_string(points.GetCount()) + " points; no more than " +
+         std::to_string(TINPoints::kMaxTriangulated) + " can be triangulated.\n";
+}
+
+void TellMissing(const TINPoints& points) {
+  const std::int32_t nMissing = points.GetMissingCount();
+  if (nMissing == 0) return;
+  Ui().SetStatusText(0, "The points file is cut short: " + std::to_string(points.GetCount() - nMissing) +
+                            " of " + std::to_string(points.GetCount()) + " points are there.");
+}
+
 CommandResult FailWith(const std::string& text) {
   ShowMessage(text);
   return CommandResult::Failed;
@@ -34,11 +48,14 @@ CommandResult OnCreateTin(CCorvaneView&) {
   TINPoints points;
   const int read = points.Read(pointsFile);
   pointsFile.Close();
+  if (read == -4) return FailWith(kNoMemory);
+  TellMissing(points);
 
   // The library ends the process, crashes or never returns on points that have no triangles.
   Triangulation triangles;
   const int triangulated = read < 0 ? -1 : points.Triangulate(nullptr, nullptr, triangles);
-  if (triangulated == -2) return FailWith("There is not enough memory to triangulate the points.\n");
+  if (triangulated == -2) return FailWith(kNoMemory);
+  if (triangulated == -3) return FailWith(TooManyText(points));
   if (triangulated < 0) return FailWith(kCannotTriangulate);
   OutputFile tinFile((*paths)[1]);
   if (!tinFile.IsOpen()) return FailWith("Open TIN file error!\n");

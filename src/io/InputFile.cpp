@@ -1,14 +1,19 @@
 #include "io/InputFile.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace corvane {
 
 bool InputFile::Open(const std::string& path) {
-  file_.reset(std::fopen(path.c_str(), "rb"));
-  if (!file_) return false;
+  file_.reset();
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // never waits for a writer
+  if (descriptor < 0) return false;
   struct stat status = {};
-  if (fstat(fileno(file_.get()), &status) != 0 || S_ISDIR(status.st_mode)) file_.reset();
+  const bool isFile = fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode);
+  if (isFile && fcntl(descriptor, F_SETFL, 0) == 0) file_.reset(fdopen(descriptor, "rb"));
+  if (!file_) close(descriptor);
   return IsOpen();
 }
 

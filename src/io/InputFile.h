@@ -9,7 +9,8 @@
 
 namespace corvane {
 
-// A file opened for reading in binary mode. Only what can be read as a file opens: a folder does not.
+// A file opened for reading in binary mode. Only what can be read as a file opens: a folder does not. A pipe
+// that nobody writes to reads as empty.
 class InputFile {
  public:
   InputFile() = default;

@@ -1,7 +1,6 @@
 #include "io/RecordReader.h"
 
 #include <algorithm>
-#include <new>
 
 namespace corvane {
 
@@ -26,8 +25,17 @@ std::int64_t RecordReader::GetLine() const {
   return droppedLines_ + CountLines(std::string_view(window_).substr(0, scanner_.GetPosition())) + 1;
 }
 
+// Window by window, so that white space of any length takes no more room.
+void RecordReader::SkipSpace() {
+  scanner_.SkipSpace();
+  while (scanner_.AtEnd() && !isWhole_ && !HasFailed()) {
+    Extend();
+    scanner_.SkipSpace();
+  }
+}
+
 // Drops what has been scanned and reads on. A record longer than the window makes it grow, twofold, so that
-// scanning it again and again stays cheap. One that does not fit the memory ends the text.
+// scanning it again and again stays cheap.
 void RecordReader::Extend() {
   const std::size_t scanned = scanner_.GetPosition();
   droppedBytes_ += static_cast<std::int64_t>(scanned);
@@ -42,7 +50,7 @@ void RecordReader::Extend() {
     window_.resize(kept + got);
     isWhole_ = got < wanted;
   } catch (const std::bad_alloc&) {
-    isWhole_ = true;
+    isOutOfMemory_ = true;
   }
   scanner_ = TextScanner(window_);
 }

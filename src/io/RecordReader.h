@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -20,15 +21,21 @@ class RecordReader {
   // The text from the present position, at least `windowSize` bytes long if the file has so many.
   std::string_view GetText() const { return std::string_view(window_).substr(scanner_.GetPosition()); }
 
-  // What `scan(TextScanner&)` returns at the present position, with the whole rest of the file before it.
+  // Skips white space; then what `scan(TextScanner&)` returns, with the whole rest of the file before it.
   // It is called anew from the same position, with more text, when it has run into the window's end: so it
-  // may have no effect but its result.
+  // may have no effect but its result. After HasFailed() the result means nothing.
   template <typename Scan>
   auto Next(Scan scan) {
+    SkipSpace();
     for (;;) {
       const TextScanner start = scanner_;
-      auto result = scan(scanner_);
-      if (!scanner_.AtEnd() || isWhole_) return result;
+      decltype(scan(scanner_)) result = {};
+      try {
+        result = scan(scanner_);
+      } catch (const std::bad_alloc&) {
+        isOutOfMemory_ = true;
+      }
+      if (!scanner_.AtEnd() || isWhole_ || HasFailed()) return result;
       scanner_ = start;
       Extend();
     }
@@ -37,6 +44,9 @@ class RecordReader {
   // True once a scan has run into the end of the file, as feof() after fscanf.
   bool AtEnd() const { return scanner_.AtEnd(); }
 
+  // Whether the file could not be read to its end, or a record does not fit the memory.
+  bool HasFailed() const { return isOutOfMemory_ || file_.HasFailed(); }
+
   // Bytes from the file's start.
   std::int64_t GetPosition() const;
 
@@ -44,13 +54,15 @@ class RecordReader {
   std::int64_t GetLine() const;
 
  private:
+  void SkipSpace();
   void Extend();
 
   InputFile& file_;
   std::size_t windowSize_;
   std::string window_;
   TextScanner scanner_{{}};
-  bool isWhole_ = false;           // the window reaches to the end of the file
+  bool isWhole_ = false;  // the window reaches to the end of the file
+  bool isOutOfMemory_ = false;
   std::int64_t droppedBytes_ = 0;  // before the window
   std::int64_t droppedLines_ = 0;
 };

@@ -280,10 +280,10 @@ void TextScanner::Rewind() {
 
 std::string_view FirstLine(std::string_view text, std::size_t bufferSize) {
   if (bufferSize == 0) return {};
-  text = text.substr(0, bufferSize - 1);
-  const std::size_t lineEnd = text.find('\n');
-  if (lineEnd != std::string_view::npos) text = text.substr(0, lineEnd + 1);
-  return text.substr(0, text.find('\0'));
+  std::string_view line = text.substr(0, text.find('\n'));
+  if (line.size() < text.size() && line.ends_with('\r')) line.remove_suffix(1);
+  line = line.substr(0, bufferSize - 1);
+  return line.substr(0, line.find('\0'));
 }
 
 int CountFields(std::string_view line, std::string_view separators) {

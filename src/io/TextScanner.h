@@ -51,7 +51,8 @@ class TextScanner {
   bool hitEnd_ = false;
 };
 
-// The first line as fgets with a buffer of `bufferSize` bytes sees it, its line end included, cut at a zero.
+// The first line, without its line end, as fgets with a buffer of `bufferSize` bytes sees it in text mode:
+// the end is "\n" or "\r\n". Cut at a zero.
 std::string_view FirstLine(std::string_view text, std::size_t bufferSize = 256);
 
 // The number of fields in a line, fields being what strtok finds between the given separators.

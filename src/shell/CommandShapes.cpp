@@ -20,12 +20,12 @@ void ShowChangedTin(CCorvaneView& view) {
 }
 
 CommandResult RunOnLoadedTin(CCorvaneView& view, const std::function<bool()>& ask,
-                             const std::function<void(TIN&)>& operation) {
+                             const std::function<int(TIN&)>& operation) {
   if (!HasLoadedTin(view)) return CommandResult::Failed;
   if (ask && !ask()) return CommandResult::Cancelled;
   {
     WaitCursor wait;
-    operation(view.GetDocument().GetTIN());
+    if (operation(view.GetDocument().GetTIN()) < 0) return CommandResult::Failed;
   }
   ShowChangedTin(view);
   return CommandResult::Done;
@@ -41,14 +41,6 @@ std::optional<std::vector<std::string>> ChooseInOrder(const std::vector<FileChoo
   return paths;
 }
 
-std::string OpenErrorText(const std::string& path) {
-  return "Open file " + path + " error!";
-}
-
-std::string WriteErrorText(const std::string& path) {
-  return "Write file " + path + " error!";
-}
-
 CommandResult LoadTinOnDemand(CCorvaneView& view) {
   CCorvaneDoc& document = view.GetDocument();
   std::string path = document.GetPathName();
@@ -61,7 +53,7 @@ CommandResult LoadTinOnDemand(CCorvaneView& view) {
     if (document.OnOpenDocument(path) <= 0) return CommandResult::Failed;
     if (document.GetTIN().GetTriangleCount() < 1) return CommandResult::Failed;
   }
-  view.paintEnabled = false;
+  view.paintEnabled = false;  // Kept: also where the TIN was loaded and painted before
   document.SetPathName(path, true);
   return CommandResult::Done;
 }

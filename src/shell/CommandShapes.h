@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "shell/CorvaneView.h"
+#include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
@@ -13,9 +14,10 @@ namespace corvane {
 // The four shapes that nearly all commands have, as pieces that a handler strings together.
 
 // Shape A, the loaded-TIN command: warns and fails without a TIN; asks; runs the operation under the wait
-// cursor; marks the document modified and repaints. `ask` returns false on Cancel; it may be empty.
+// cursor; marks the document modified and repaints. `ask` returns false on Cancel; it may be empty. An
+// operation that returns a status below 0 has failed: the command then ends without marking the document.
 CommandResult RunOnLoadedTin(CCorvaneView& view, const std::function<bool()>& ask,
-                             const std::function<void(TIN&)>& operation);
+                             const std::function<int(TIN&)>& operation);
 
 // Its parts, for commands that differ in between. The guard shows "No TIN Read! Please load a TIN first!".
 bool HasLoadedTin(CCorvaneView& view);
@@ -23,10 +25,6 @@ void ShowChangedTin(CCorvaneView& view);
 
 // Shape B, the file-to-file command: shows the choosers in order. Nothing as soon as one is cancelled.
 std::optional<std::vector<std::string>> ChooseInOrder(const std::vector<FileChooser>& choosers);
-
-// The composed texts.
-std::string OpenErrorText(const std::string& path);   // "Open file " + path + " error!"
-std::string WriteErrorText(const std::string& path);  // "Write file " + path + " error!"
 
 // Shape C, the TIN-on-demand command: the document's path, or one from a chooser; loads the TIN where none
 // is loaded, with painting off. Done when the TIN is at hand, otherwise the command's result.

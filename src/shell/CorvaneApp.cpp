@@ -126,7 +126,7 @@ CommandResult CCorvaneApp::OpenDocumentFile(const std::string& path) {
   }
   document.SetPathName(path, document.HasContent());
   document.AddView();
-  return opened < 0 || document.HasContent() ? CommandResult::Done : CommandResult::Failed;
+  return document.HasContent() ? CommandResult::Done : CommandResult::Failed;
 }
 
 CommandResult CCorvaneApp::SaveDocument(CDocument& document, bool askForPath) {

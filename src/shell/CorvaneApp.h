@@ -42,9 +42,8 @@ class CCorvaneApp {
 
   // File New.
   CDocument* NewDocument();
-  // Opens a document, or activates the one that is open on this path. Done also if the file does not open:
-  // that is reported and leaves an empty window. Failed if the file's content does not read, which leaves
-  // one too, or if no document came of it.
+  // Opens a document, or activates the one that is open on this path. Failed if the file does not open or
+  // read, which has been reported and leaves an empty window.
   CommandResult OpenDocumentFile(const std::string& path);
   // Saves, asking for a path where the document has none or `askForPath` is set.
   CommandResult SaveDocument(CDocument& document, bool askForPath);

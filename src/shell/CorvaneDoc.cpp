@@ -1,5 +1,7 @@
 #include "shell/CorvaneDoc.h"
 
+#include <filesystem>
+
 #include "io/InputFile.h"
 #include "io/OutputFile.h"
 #include "io/Paths.h"
@@ -11,7 +13,10 @@ namespace corvane {
 
 namespace {
 
-constexpr std::int64_t kFirstTriangle = 4;  // behind the count
+bool IsSameFile(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return std::filesystem::equivalent(a, b, error) && !error;
+}
 
 }  // namespace
 
@@ -19,6 +24,7 @@ int CCorvaneDoc::OnOpenDocument(const std::string& path) {
   if (CDocument::OnOpenDocument(path) <= 0) return 0;
   CStatusBar& statusBar = GetMainFrame().GetStatusBar();
   statusBar.SetPaneText(0, "Reading TIN from " + path);
+  unreadPath_ = path;
   InputFile file(path);
   if (!file.IsOpen()) {
     // Kept: the text holds only the first character of the path, and the empty window opens all the same.
@@ -26,11 +32,18 @@ int CCorvaneDoc::OnOpenDocument(const std::string& path) {
     return -1;
   }
   WaitCursor wait;
-  const int read = tin.ReadTIN(file);
-  statusBar.SetPaneText(0, "Done reading TIN.");
-  unreadPath_ = read < 0 ? path : "";
-  if (read >= 0 && file.Seek(kFirstTriangle)) tin.StoreTriangle(file);
+  if (ReadAndStore(file) >= 0) unreadPath_.clear();
   return 1;
+}
+
+// Below 0 if the file's triangles are not in the model now. A file without any, or with all corners at one
+// (x, y), has none to lose.
+int CCorvaneDoc::ReadAndStore(InputFile& file) {
+  const int read = tin.ReadTIN(file);
+  GetMainFrame().GetStatusBar().SetPaneText(0, "Done reading TIN.");
+  if (read < 0 || !file.Seek(TIN::kFirstTriangle)) return -1;
+  const int stored = tin.StoreTriangle(file);
+  return stored == -1 ? 0 : stored;
 }
 
 int CCorvaneDoc::OnSaveDocument(const std::string& path) {
@@ -39,8 +52,8 @@ int CCorvaneDoc::OnSaveDocument(const std::string& path) {
 
 bool CCorvaneDoc::SaveTin(const std::string& path) {
   CStatusBar& statusBar = GetMainFrame().GetStatusBar();
-  if (!unreadPath_.empty() && path == unreadPath_) {
-    ShowWarning(WriteErrorText(path));
+  if (!unreadPath_.empty() && IsSameFile(path, unreadPath_)) {
+    ShowWarning(WriteErrorText(path) + "\nIt did not read when it was opened, and is left as it is.");
     return false;
   }
   OutputFile file(path);

@@ -7,6 +7,8 @@
 
 namespace corvane {
 
+class InputFile;
+
 // The TIN document.
 class CCorvaneDoc : public CDocument {
  public:
@@ -21,8 +23,8 @@ class CCorvaneDoc : public CDocument {
   bool HasContent() const override { return tin.GetTriangleCount() >= 1; }
 
   // Writes the .tin and, beside it, all vertices as "_filted.pts". 1 on success; 0 if the .tin, -1 or -2 if
-  // the points could not be written, each reported. A file that was opened and did not read is not
-  // overwritten: what it holds may still be saved by other means.
+  // the points could not be written, each reported. A file that is there and did not read when it was opened
+  // is not overwritten: what it holds may still be rescued by other means.
   int OnSaveDocument(const std::string& path) override;
 
   TIN tin;
@@ -30,6 +32,7 @@ class CCorvaneDoc : public CDocument {
  private:
   std::string unreadPath_;  // the file that was opened and did not read, "" for none
 
+  int ReadAndStore(InputFile& file);
   bool SaveTin(const std::string& path);
   int SavePoints(const std::string& path);
 };

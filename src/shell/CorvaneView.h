@@ -11,7 +11,8 @@
 
 namespace corvane {
 
-// The window on a TIN: paints its triangles, north up, and carries what the commands keep between runs.
+// The window on a TIN: paints its triangles, north up, and carries what the commands keep between runs. What
+// belongs to graphs and to the matching of photos joins it with those commands.
 class CCorvaneView : public CView {
  public:
   explicit CCorvaneView(CCorvaneDoc& document);

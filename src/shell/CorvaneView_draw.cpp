@@ -21,17 +21,19 @@ constexpr double kPicturePixelsPerTriangle = 60.0;
 constexpr double kSmallestPicture = 400.0;
 constexpr double kLargestPicture = 3000.0;
 
-// Turns ground coordinates into pixels, north up, and collects the edges to draw.
+// Turns ground coordinates into pixels, north up, and collects the edges to draw: those that may show.
 class EdgePainter {
  public:
   EdgePainter(Canvas& canvas, const Extent6& extent, double scale)
-      : canvas_(canvas), extent_(extent), scale_(scale) {
+      : canvas_(canvas), visible_(canvas.GetVisible()), extent_(extent), scale_(scale) {
     segments_.reserve(kBatch);
   }
 
   void AddEdge(const PointRecord& a, const PointRecord& b) {
-    if (segments_.size() + 1 > kBatch) Flush();
-    segments_.push_back({ToPixel(a), ToPixel(b)});
+    const PixelSegment segment{ToPixel(a), ToPixel(b)};
+    if (!MayShow(segment)) return;
+    if (segments_.size() == kBatch) Flush();
+    segments_.push_back(segment);
   }
 
   void AddTriangle(const TIN& tin, std::int32_t i) {
@@ -53,7 +55,14 @@ class EdgePainter {
     return {TruncateTo64((point.x - extent_.minX) * scale_), TruncateTo64((extent_.maxY - point.y) * scale_)};
   }
 
+  bool MayShow(const PixelSegment& segment) const {
+    const auto [left, right] = std::minmax(segment.from.x, segment.to.x);
+    const auto [top, bottom] = std::minmax(segment.from.y, segment.to.y);
+    return right >= visible_.left && left < visible_.right && bottom >= visible_.top && top < visible_.bottom;
+  }
+
   Canvas& canvas_;
+  PixelRect visible_;
   const Extent6& extent_;
   double scale_;
   std::vector<PixelSegment> segments_;
@@ -115,8 +124,8 @@ void DrawTriangles(Canvas& canvas, const TIN& tin, double scale) {
 
 // The edges between members of a group and their neighbours of the same label.
 void DrawGroups(EdgePainter& painter, TIN& tin) {
-  if (tin.groups.empty()) return;
-  tin.BuildNeighbours();
+  if (tin.groups.empty() || tin.labels.size() != tin.vertices.size()) return;
+  if (tin.BuildNeighbours() < 0) return;
   for (const TINGroup& group : tin.groups) {
     if (group.members.empty()) continue;
     const std::int32_t label = tin.labels[static_cast<std::size_t>(group.members.front())];
@@ -130,20 +139,27 @@ void DrawGroups(EdgePainter& painter, TIN& tin) {
   }
 }
 
+// Pixels a ground unit for a picture file; 1 for extents that no scale fits.
 double PictureScale(const TIN& tin) {
   const Extent6& extent = tin.GetExtent();
   const double width = extent.maxX - extent.minX;
   const double height = extent.maxY - extent.minY;
   const double longer = std::max(width, height);
   const double wanted = std::sqrt(kPicturePixelsPerTriangle * tin.nTriangles / (width * height));
-  return std::isfinite(wanted) ? std::clamp(wanted, kSmallestPicture / longer, kLargestPicture / longer)
-                               : kSmallestPicture / longer;
+  const double smallest = kSmallestPicture / longer;
+  const double scale =
+      std::isfinite(wanted) ? std::clamp(wanted, smallest, kLargestPicture / longer) : smallest;
+  return std::isfinite(scale) && scale > 0.0 ? scale : 1.0;
+}
+
+std::int32_t PictureSide(double length, double scale) {
+  return TruncateSaturated(std::min(length * scale, kLargestPicture)) + 1;
 }
 
 }  // namespace
 
 bool CCorvaneView::HasPicture() const {
-  return paintEnabled && document_.GetTIN().GetTriangleCount() >= 1;
+  return paintEnabled && document_.GetTIN().IsStored();
 }
 
 void CCorvaneView::OnDraw(Canvas& canvas) {
@@ -156,8 +172,7 @@ PixelSize CCorvaneView::GetPictureSize() const {
   if (!HasPicture()) return GetScrollSize();
   const Extent6& box = document_.GetTIN().GetExtent();
   const double scale = PictureScale(document_.GetTIN());
-  return {TruncateSaturated((box.maxX - box.minX) * scale) + 1,
-          TruncateSaturated((box.maxY - box.minY) * scale) + 1};
+  return {PictureSide(box.maxX - box.minX, scale), PictureSide(box.maxY - box.minY, scale)};
 }
 
 void CCorvaneView::DrawPicture(Canvas& canvas) {

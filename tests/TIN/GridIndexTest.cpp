@@ -54,6 +54,19 @@ TEST(GridIndex, SizeTakesCellsFromDensity) {
   EXPECT_EQ(grid.maxY, 5.0);
 }
 
+TEST(GridIndex, SizeDropsTheCellsThatAreThere) {
+  GridIndex grid = SmallGrid();
+  grid.Insert(9.0, 4.0, 1);
+  grid.Size(kTenByFive, 1, 2.0);
+  EXPECT_FALSE(grid.HasCells());
+  EXPECT_TRUE(grid.GetCell(0, 0).empty());
+  EXPECT_EQ(grid.Insert(9.0, 4.0, 2), 1);  // makes the new ones
+  EXPECT_EQ(CellList(grid, 0, 0), List{2});
+  grid.SizeWithCell(kTenByFive, 1.0);
+  EXPECT_FALSE(grid.HasCells());
+  EXPECT_TRUE(grid.GetCell(4, 9).empty());
+}
+
 TEST(GridIndex, SizeOfCrossedExtentsTakesTheirDistance) {
   const double crossed[4] = {10.0, 0.0, 5.0, 0.0};
   GridIndex grid;

@@ -95,9 +95,16 @@ TEST(BuildIndex, WithoutPointsFails) {
 TEST(BuildIndex, ImpossibleCellsFail) {
   TINPoints points = SetOf({{0, 0}, {1e9, 1e9}});
   for (const double cellSize : {0.0, -1.0, 1e-3, std::nan("")}) {
+    TestFrontEnd frontEnd;
     EXPECT_EQ(points.BuildIndexWithCell(cellSize), -1) << cellSize;
     EXPECT_EQ(points.GetIndex(), nullptr);
+    EXPECT_EQ(frontEnd.events,
+              (std::vector<std::string>{"message warning: There is error in points extension!!"}));
   }
+  TestFrontEnd frontEnd;
+  points.maxX = std::nan("");
+  EXPECT_EQ(points.BuildIndex(1.0), -1);
+  EXPECT_EQ(frontEnd.events.size(), 1u);
 }
 
 TEST(AddPoint, InsertsInTheIndex) {
@@ -259,6 +266,20 @@ TEST(CollectInRegion, DamagedRegionsAreRefused) {
   EXPECT_TRUE(list.empty());
 }
 
+TEST(CollectInRegion, ACoordinateThatIsNotANumberSelectsNothing) {
+  const double nan = std::nan("");
+  List list;
+  TINPoints points = Lattice();
+  for (const Region& region :
+       {Rectangle(nan, 0, 5, 5), Rectangle(0, nan, 5, 5), Rectangle(0, 0, nan, 5), Rectangle(0, 0, 5, nan),
+        Polygon({0, 0, 5, 0, 0, nan, 0, 0}), Polygon({0, 0, 5, 0, 0, 5, nan, 0})}) {
+    EXPECT_EQ(points.CollectInRegion(region, list), -1);
+    EXPECT_EQ(points.MarkRegion(region), -1);
+  }
+  EXPECT_TRUE(list.empty());
+  EXPECT_EQ(points.GetPoint(0)->id, 0);
+}
+
 TEST(CollectInRegion, AgreesWithAPassOverAllPoints) {
   std::mt19937 random(8);
   std::uniform_real_distribution<double> place(-50.0, 50.0);
@@ -334,18 +355,24 @@ TEST(ReadRegions, AFileThatDoesNotOpenFails) {
 TEST(ReadRegions, CountsBeyondTheTextReadOnlyWhatIsThere) {
   TempFolder folder;
   const std::vector<Region> first = {{0, 2, {1, 2, 3, 4}}};
+  TestFrontEnd frontEnd;
   EXPECT_EQ(RegionsOf("2000000000\n0 2\n1 2\n3 4\n"), first);
   EXPECT_EQ(RegionsOf("2\n0 2\n1 2\n3 4\n1 2000000000\n1 2\n"), first);
   EXPECT_EQ(RegionsOf("3\n0 2\n1 2\n3 4\nend\n0 2 1 2 3 4\n"), first);
   EXPECT_TRUE(RegionsOf("-3\n0 2\n1 2\n3 4\n").empty());
+  EXPECT_EQ(frontEnd.events,
+            (std::vector<std::string>{"status 0: Regions read: 1 of 2000000000.",
+                                      "status 0: Regions read: 1 of 2.", "status 0: Regions read: 1 of 3."}));
 }
 
 TEST(ReadRegions, RegionsOfNoUseAreSkipped) {
   TempFolder folder;
   const std::vector<Region> last = {{0, 2, {1, 2, 3, 4}}};
+  TestFrontEnd frontEnd;
   EXPECT_EQ(RegionsOf("2\n0 1\n9 9\n0 2\n1 2\n3 4\n"), last);  // a rectangle of one pair
   EXPECT_EQ(RegionsOf("2\n7 1\n9 9\n0 2\n1 2\n3 4\n"), last);  // an unknown type
   EXPECT_EQ(RegionsOf("2\n1 -4\n0 2\n1 2\n3 4\n"), last);      // a negative count
+  EXPECT_TRUE(frontEnd.events.empty());                        // all were read
 }
 
 }  // namespace

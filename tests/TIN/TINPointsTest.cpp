@@ -1,10 +1,13 @@
 #include "TIN/TINPoints.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "io/InputFile.h"
 #include "io/OutputFile.h"
@@ -132,6 +135,30 @@ TEST(TINPoints, ThePointsThatACutFileLacksAreZero) {
   EXPECT_EQ(*points.GetPoint(2), (PointRecord{2, 0, 0, 0, 0}));
   EXPECT_EQ(points.minZ, 0.0);
   EXPECT_EQ(points.maxZ, 30.0);
+  EXPECT_EQ(points.GetMissingCount(), 2);  // one of them only in part
+  WriteFileBytes("a.pts", whole);
+  EXPECT_EQ(points.Read("a.pts"), 1);
+  EXPECT_EQ(points.GetMissingCount(), 0);
+}
+
+TEST(TINPoints, AFailedReadIsNotTheEndOfTheFile) {
+  InputFile memory("/proc/self/mem");
+  if (!memory.IsOpen()) GTEST_SKIP() << "no such file on this system";
+  EXPECT_EQ(TINPoints().Read(memory), -3);  // nothing stands at its start
+
+  // One page of memory with a header of 1000 points, and none behind it.
+  const auto page = static_cast<std::size_t>(getpagesize());
+  void* const block = mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(block, MAP_FAILED);
+  munmap(static_cast<char*>(block) + page, page);
+  const std::string header = PointsFile(1000, kExtent, {});
+  std::memcpy(block, header.data(), header.size());
+  InputFile file("/proc/self/mem");
+  ASSERT_TRUE(file.Seek(static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(block))));
+  TINPoints points;
+  EXPECT_EQ(points.Read(file), -3);
+  EXPECT_EQ(points.GetCount(), 0);
+  munmap(block, page);
 }
 
 TEST(TINPoints, CountsThatTheFileCanNotJustifyAreRefused) {
@@ -176,6 +203,35 @@ TEST(TINPoints, WriteKeepsDeletedPointsAndDoesNotRecompute) {
   EXPECT_EQ(points.points[0].id, -1);
   EXPECT_EQ(points.Write("b.pts"), 2);
   EXPECT_EQ(ReadFileBytes("b.pts"), bytes);
+  TINPoints again;
+  EXPECT_EQ(again.Read("b.pts"), 1);
+  EXPECT_EQ(*again.GetPoint(0), (PointRecord{0, 1, 6, 30, 0.5}));  // alive once more
+}
+
+TEST(TINPoints, IsMovedWithoutACopy) {
+  TINPoints points(3);
+  const PointRecord* const first = points.GetPoint(0);
+  TINPoints moved = std::move(points);
+  EXPECT_EQ(moved.GetPoint(0), first);
+  points = std::move(moved);
+  EXPECT_EQ(points.GetPoint(0), first);
+  const TINPoints copy = points;
+  EXPECT_EQ(copy.GetCount(), 3);
+  EXPECT_NE(copy.GetPoint(0), first);
+}
+
+TEST(TINPoints, TruncateAndCompactDropTheIndex) {
+  TINPoints points(4);
+  for (int i = 0; i < 4; ++i) points.SetPointXY(i, i, i, i);
+  points.RecalcExtent();
+  ASSERT_EQ(points.BuildIndex(1.0), 1);
+  EXPECT_EQ(points.Truncate(5), 0);
+  EXPECT_NE(points.GetIndex(), nullptr);
+  EXPECT_EQ(points.Truncate(3), 1);
+  EXPECT_EQ(points.GetIndex(), nullptr);
+  ASSERT_EQ(points.BuildIndex(1.0), 1);
+  points.Compact();
+  EXPECT_EQ(points.GetIndex(), nullptr);
 }
 
 TEST(TINPoints, AnEmptySetWritesItsHeaderAlone) {
@@ -361,6 +417,18 @@ TEST(TINPoints, WriteGridRefusesAnEmptyGrid) {
   EXPECT_EQ(grid.WriteGrid("none/a.pts"), -1);
 }
 
+TEST(TINPoints, AFailedWriteGridLeavesTheOrigin) {
+  OutputFile full("/dev/full");
+  if (!full.IsOpen()) GTEST_SKIP() << "no such device on this system";
+  TINPoints grid(1.0, 1.0, {5.0, 7.0, 9.0, 9.0});
+  grid.cells[7].z = 3.0;                       // row 1, column 2
+  EXPECT_EQ(grid.WriteGrid("/dev/full"), -1);  // fails at its end
+  OutputFile closed;
+  EXPECT_EQ(grid.WriteGrid(closed), -1);
+  EXPECT_EQ(grid.gridMinX, 5.0);
+  EXPECT_EQ(grid.gridMinY, 7.0);
+}
+
 TEST(TINPoints, DumpTextWritesALineAPoint) {
   TempFolder folder;
   TINPoints points(2);
@@ -377,7 +445,7 @@ TEST(TINPoints, DumpTextTellsTheDebugStreamWhenTheFileDoesNotOpen) {
   TestFrontEnd frontEnd;
   TINPoints(1).DumpText("none/a.txt");
   ASSERT_EQ(frontEnd.events.size(), 1u);
-  EXPECT_EQ(frontEnd.events[0], "trace: Unable to open file for dump\n");
+  EXPECT_EQ(frontEnd.events[0], "trace: Unable to open file for dump");
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <random>
 
 #include "TIN/TINPoints.h"
+#include "io/InputFile.h"
+#include "io/OutputFile.h"
 #include "support/SharedData.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
@@ -50,6 +52,7 @@ std::string FormatOf(std::FILE* file) {
   char line[256] = "";
   char copy[256] = "";
   if (!std::fgets(line, sizeof line, file)) line[0] = '\0';
+  if (char* lineEnd = std::strstr(line, "\r\n")) std::strcpy(lineEnd, "\n");
   std::strcpy(copy, line);
   int nFields = 0;
   for (char* field = std::strtok(copy, " ,\t\n"); field; field = std::strtok(nullptr, " ,\t\n")) ++nFields;
@@ -123,6 +126,7 @@ std::vector<PointRecord> Converted(const std::string& text) {
 }
 
 using Points = std::vector<PointRecord>;
+using Converter = int (*)(const std::string& txtPath, const std::string& binPath, double spacing);
 
 TEST(TextToBinary, CommasBlanksAndTabs) {
   TempFolder folder;
@@ -131,6 +135,7 @@ TEST(TextToBinary, CommasBlanksAndTabs) {
   EXPECT_EQ(Converted("1, 2, 3\n4, 5, 6"), expected);
   EXPECT_EQ(Converted("1 2 3\n4 5 6\n"), expected);
   EXPECT_EQ(Converted("1\t2\t3\r\n4\t5\t6\r\n"), expected);
+  EXPECT_EQ(Converted("1 2 3 \r\n4 5 6 \r\n"), expected);  // the "\r" is no fourth field
 }
 
 TEST(TextToBinary, AValueIsReadWhereTheFirstLineHasOne) {
@@ -189,12 +194,109 @@ TEST(TextToBinary, TellsWhereItStoppedAndHowManyPointsThereAre) {
   TempFolder folder;
   TestFrontEnd frontEnd;
   Converted("1,2,3\n4,5,6\nend\n");
-  EXPECT_EQ(frontEnd.events, (std::vector<std::string>{"print: x, y, z\n",
-                                                       "status 0: Stopped at line 3 of a.txt: not a number.",
-                                                       "status 0: Points written: 2"}));
+  EXPECT_EQ(frontEnd.events, (std::vector<std::string>{
+                                 "print: x, y, z\n",
+                                 "status 0: Points written: 2. Stopped at line 3 of a.txt: not a number."}));
   frontEnd.events.clear();
   Converted("1,2,3");
-  EXPECT_EQ(frontEnd.events, (std::vector<std::string>{"print: x, y, z\n", "status 0: Points written: 1"}));
+  EXPECT_EQ(frontEnd.events, (std::vector<std::string>{"print: x, y, z\n", "status 0: Points written: 1."}));
+}
+
+// What the status bar shows of the conversion of a text.
+std::string Reported(const std::string& text, Converter convert = TINPoints::TextToBinary) {
+  TestFrontEnd frontEnd;
+  WriteFileBytes("a.txt", text);
+  EXPECT_EQ(convert("a.txt", "a.pts", 1.0), 0);
+  const auto shown = frontEnd.EventsWith("status 0: ");
+  return shown.size() == 1 ? shown[0].substr(10) : "not one text";
+}
+
+TEST(TextToBinary, TellsWhyThereAreNoPoints) {
+  TempFolder folder;
+  EXPECT_EQ(Reported(""), "Points written: 0.");
+  EXPECT_EQ(Reported("X,Y,Z\n1,2,3\n"), "Points written: 0. Line 1 of a.txt is no point: X,Y,Z");
+  EXPECT_EQ(Reported("\xEF\xBB\xBF"
+                     "1,2,3\n"),
+            "Points written: 0. Line 1 of a.txt is no point: ???1,2,3");
+  EXPECT_EQ(Reported("a\tb\x1b\r\n"), "Points written: 0. Line 1 of a.txt is no point: a?b?");
+  EXPECT_EQ(Reported(std::string(100, 'y')),
+            "Points written: 0. Line 1 of a.txt is no point: " + std::string(60, 'y') + "...");
+  EXPECT_EQ(Reported("\n\nX,Y,Z\n"), "Points written: 0. Stopped at line 3 of a.txt: not a number.");
+}
+
+TEST(TextToBinary, TellsOfRecordsWithTooFewFields) {
+  TempFolder folder;
+  EXPECT_EQ(Reported("1,2\n1,2,3\n"), "Points written: 1. 1 record with too few fields was left out.");
+  EXPECT_EQ(Reported("1,2,3\n1,2\n1\n1,2,3\n1,2"),
+            "Points written: 2. 3 records with too few fields were left out.");
+  // What is no number cuts its record short: told once.
+  EXPECT_EQ(Reported("1,2,3\n4,5,end\n"), "Points written: 1. Stopped at line 2 of a.txt: not a number.");
+}
+
+TEST(TextToBinary, AsksAboutFieldsThatAreNotRead) {
+  TempFolder folder;
+  EXPECT_EQ(Reported("1 2 3 4 5\n6 7 8 9 10\n"),
+            "Points written: 2. 1 record with too few fields was left out. "
+            "Lines have 5 fields, of which 4 are read: are these points?");
+  EXPECT_EQ(Reported("1,2,3,4,5\n"),
+            "Points written: 1. Lines have 5 fields, of which 4 are read: are these points? "
+            "Stopped at line 1 of a.txt: not a number.");
+}
+
+TEST(TextIdToBinary, TellsTheSame) {
+  TempFolder folder;
+  EXPECT_EQ(Reported("1,2,3,4,5\n2,3\n", TINPoints::TextIdToBinary),
+            "Points written: 1. 1 record with too few fields was left out.");
+  EXPECT_EQ(Reported("id,x,y,z\n1,2,3,4\n", TINPoints::TextIdToBinary),
+            "Points written: 0. Line 1 of a.txt is no point: id,x,y,z");
+  EXPECT_EQ(Reported("1,2,3,4,5,6\n", TINPoints::TextIdToBinary),
+            "Points written: 1. Lines have 6 fields, of which 5 are read: are these points? "
+            "Stopped at line 1 of a.txt: not a number.");
+}
+
+constexpr std::size_t kStep = 64000000;  // bytes between two texts of progress
+
+TEST(TextToBinary, WhiteSpaceLongerThanTheWindowIsSkippedWithProgress) {
+  TempFolder folder;
+  WriteFileBytes("a.txt", "1,2,3,4,5\n" + std::string(kStep, '\n') + "6,7,8,9,10\n");
+  for (const auto convert : {TINPoints::TextToBinary, TINPoints::TextIdToBinary}) {
+    TestFrontEnd frontEnd;
+    EXPECT_EQ(convert("a.txt", "a.pts", 1.0), 0);
+    const auto shown = frontEnd.EventsWith("status");
+    // The XYZ form stops at the fifth field.
+    ASSERT_EQ(shown.size(), convert == TINPoints::TextToBinary ? 1u : 2u);
+    if (shown.size() == 1) continue;
+    EXPECT_EQ(shown[0], "status 0: Read 64 MB of a.txt");
+    EXPECT_EQ(shown[1], "status 0: Points written: 2.");
+  }
+  WriteFileBytes("a.txt", "1,2,3\n" + std::string(kStep, ' ') + "4,5,6\n");
+  TestFrontEnd frontEnd;
+  EXPECT_EQ(TINPoints::TextToBinary("a.txt", "a.pts", 1.0), 0);
+  EXPECT_EQ(frontEnd.EventsWith("status"),
+            (std::vector<std::string>{"status 0: Read 64 MB of a.txt", "status 0: Points written: 2."}));
+}
+
+TEST(TextToBinary, StopsAtTheFirstFailedWrite) {
+  TempFolder folder;
+  if (!OutputFile("/dev/full").IsOpen()) GTEST_SKIP() << "no such device on this system";
+  std::string text;
+  while (text.size() < 1000000) text += "1,2,3\n";
+  WriteFileBytes("a.txt", text + std::string(kStep, ' ') + "4,5,6\n");
+  TestFrontEnd frontEnd;
+  EXPECT_EQ(TINPoints::TextToBinary("a.txt", "/dev/full", 1.0), -1);
+  EXPECT_TRUE(frontEnd.EventsWith("status").empty());  // it did not come to the first 64 MB
+}
+
+TEST(TextToBinary, AFailedReadLeavesTheOldFile) {
+  if (!InputFile("/proc/self/mem").IsOpen()) GTEST_SKIP() << "no such file on this system";
+  TempFolder folder;
+  WriteFileBytes("a.pts", "old");
+  TestFrontEnd frontEnd;
+  for (const auto convert : {TINPoints::TextToBinary, TINPoints::TextIdToBinary}) {
+    EXPECT_EQ(convert("/proc/self/mem", "a.pts", 1.0), -1);
+  }
+  EXPECT_EQ(ReadFileBytes("a.pts"), "old");
+  EXPECT_TRUE(frontEnd.EventsWith("status").empty());
 }
 
 TEST(TextToBinary, FailuresWriteNothing) {
@@ -293,9 +395,9 @@ TEST(TextIdToBinary, StopsAtARecordWithoutId) {
   WriteFileBytes("a.txt", "1, 5, 9, 3, 1\nend\n2, 6, 8, 3, 1\n");
   EXPECT_EQ(TINPoints::TextIdToBinary("a.txt", "a.pts", 1.0), 0);
   EXPECT_EQ(ReadFileBytes("a.pts").size(), 52u + 32u);
-  EXPECT_EQ(frontEnd.EventsWith("status"),
-            (std::vector<std::string>{"status 0: Stopped at line 2 of a.txt: not a number.",
-                                      "status 0: Points written: 1"}));
+  EXPECT_EQ(
+      frontEnd.EventsWith("status"),
+      (std::vector<std::string>{"status 0: Points written: 1. Stopped at line 2 of a.txt: not a number."}));
 }
 
 TEST(TextToBinary, RealLaserPoints) {

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <limits>
 #include <random>
 #include <set>
@@ -82,6 +85,59 @@ TEST(Triangulate, OneOfTwoEqualPointsNeverAppears) {
   EXPECT_EQ(Triangulated({{0, 0}, {4, 0}, {0, 4}, {4, 0}, {4, 4}}, out), 1);
   EXPECT_EQ(out.nTriangles, 2);
   EXPECT_EQ(CornersOf(out).size(), 4u);
+}
+
+TEST(WriteTriangles, TwoEqualPointsLeaveFewerIdsThanPoints) {
+  TempFolder folder;
+  const TINPoints points = SetOf({{0, 0}, {4, 0}, {0, 4}, {4, 0}, {4, 4}});
+  Triangulation out;
+  ASSERT_EQ(points.Triangulate(nullptr, nullptr, out), 1);
+  OutputFile file("a.tin");
+  EXPECT_EQ(points.WriteTriangles(file, out), 0);
+  EXPECT_TRUE(file.Commit());
+  const std::string bytes = ReadFileBytes("a.tin");
+  ASSERT_EQ(bytes.size(), 4u + 2u * 3u * 36u);
+  std::set<std::int32_t> ids;
+  for (std::size_t at = 4; at < bytes.size(); at += 36) {
+    std::int32_t id = -1;
+    std::memcpy(&id, bytes.data() + at, sizeof id);
+    ids.insert(id);
+  }
+  EXPECT_EQ(ids.size(), 4u);
+  EXPECT_NE(ids.count(1), ids.count(3));  // one of the two
+}
+
+// The status of the triangulation of 400,000 points with `spareBytes` of memory left, as an exit status.
+[[noreturn]] void TriangulateWith(std::size_t spareBytes) {
+  TINPoints points(400000);
+  for (std::int32_t i = 0; i < points.GetCount(); ++i) points.SetPointXY(i, i % 1000, i / 1000, i);
+  std::ifstream statm("/proc/self/statm");
+  std::size_t nPages = 0;
+  statm >> nPages;
+  const rlim_t limit = nPages * static_cast<std::size_t>(getpagesize()) + spareBytes;
+  const rlimit limits = {limit, limit};
+  setrlimit(RLIMIT_AS, &limits);
+  Triangulation out;
+  _exit(10 + points.Triangulate(nullptr, nullptr, out));
+}
+
+TEST(Triangulate, WithoutMemoryFailsAndTheProcessLives) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer ends the process without memory";
+#endif
+  for (std::size_t spareMegabytes : {1, 10, 40, 80, 90}) {
+    EXPECT_EXIT(TriangulateWith(spareMegabytes << 20), testing::ExitedWithCode(8), "") << spareMegabytes;
+  }
+  for (std::size_t spareMegabytes : {120, 200}) {
+    EXPECT_EXIT(TriangulateWith(spareMegabytes << 20), testing::ExitedWithCode(11), "") << spareMegabytes;
+  }
+}
+
+TEST(Triangulate, MorePointsThanTheLibraryTakesFail) {
+  TINPoints points;
+  points.nPoints = TINPoints::kMaxTriangulated + 1;  // refused before they are looked at
+  Triangulation out;
+  EXPECT_EQ(points.Triangulate(nullptr, nullptr, out), -3);
 }
 
 TEST(Triangulate, FewerThanThreeDistinctPointsFail) {

@@ -9,6 +9,7 @@
 #include "TIN/TIN.h"
 #include "TINSample.h"
 #include "io/InputFile.h"
+#include "io/OutputFile.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 
@@ -260,10 +261,12 @@ TEST_F(TINStore, StoreOfNoTrianglesShowsNoTinRead) {
   EXPECT_EQ(ui.events, expected);
 }
 
-TEST_F(TINStore, SecondStoreOfOneReadLeavesNoTin) {
+TEST_F(TINStore, SecondStoreOfOneReadLeavesTheTin) {
   ASSERT_TRUE(LoadTriangles(TwoTriangles()));
   EXPECT_EQ(tin.StoreTriangle("a.tin"), -1);
-  ExpectEmpty();
+  EXPECT_EQ(ui.events.back(), "message message: StoreTriangle: No TIN read");
+  EXPECT_EQ(tin.nTriangles, 2);
+  EXPECT_TRUE(tin.IsStored());
 }
 
 TEST_F(TINStore, StoreFromAMissingPathWarns) {
@@ -271,7 +274,16 @@ TEST_F(TINStore, StoreFromAMissingPathWarns) {
   EXPECT_EQ(tin.ReadTIN("a.tin"), 0);
   EXPECT_EQ(tin.StoreTriangle("none.tin"), -1);
   EXPECT_EQ(ui.events.back(), "message warning: Open file none.tin error!");
-  ExpectEmpty();
+  EXPECT_EQ(tin.StoreTriangle("a.tin"), 0);
+}
+
+TEST_F(TINStore, ARawTinIsNotWritten) {
+  WriteFileBytes("a.tin", TinBytes(TwoTriangles()));
+  EXPECT_EQ(tin.ReadTIN("a.tin"), 0);
+  EXPECT_FALSE(tin.IsStored());
+  OutputFile file("b.tin");
+  EXPECT_EQ(tin.WriteTIN(file), -1);
+  EXPECT_EQ(tin.WriteCompactTIN(file), -1);
 }
 
 TEST_F(TINStore, CoordinatesThatAreNoNumbersAreRefused) {
@@ -332,14 +344,14 @@ TEST_F(TINStore, LongAndThinExtentsThatNeedTooManyCellsAreRefused) {
   for (SampleTriangle& triangle : triangles) {
     for (PointRecord& corner : triangle) corner.x *= 1e14;  // sqrt(1e15 / 10 * 2) cells in a row, 1.4e7
   }
-  ExpectRefused(triangles, "message message: StoreTriangle: Memory allocation error!");
+  ExpectRefused(triangles, "message message: StoreTriangle: The triangles need too large a grid!");
 }
 
 TEST_F(TINStore, TrianglesThatAllSpanTheWholeGridAreRefused) {
   const SampleTriangle whole = TwoTriangles()[0];
   // 5000 triangles of 70 * 70 cells, more than 256 each and 16,000,000.
   ExpectRefused(std::vector<SampleTriangle>(5000, whole),
-                "message message: StoreTriangle: Memory allocation error!");
+                "message message: StoreTriangle: The triangles need too large a grid!");
 }
 
 TEST_F(TINStore, CornersThatTheFileHasLostSinceReadAsZeros) {
@@ -358,7 +370,7 @@ TEST_F(TINStore, LostCornersOutsideTheGridAreRefused) {
   WriteFileBytes("a.tin", bytes);
   EXPECT_EQ(tin.ReadTIN("a.tin"), 0);
   WriteFileBytes("a.tin", bytes.substr(0, 4));
-  EXPECT_EQ(tin.StoreTriangle("a.tin"), -1);
+  EXPECT_EQ(tin.StoreTriangle("a.tin"), -2);
   EXPECT_EQ(ui.events.back(), "message message: StoreTriangle: Read TIN error!");
   ExpectEmpty();
 }
@@ -369,7 +381,7 @@ TEST_F(TINStore, CornersMovedSinceReadStayWithinTheGrid) {
   auto triangles = TwoTriangles();
   triangles[1][2].y = 1e6;
   WriteFileBytes("a.tin", TinBytes(triangles));
-  EXPECT_EQ(tin.StoreTriangle("a.tin"), -1);
+  EXPECT_EQ(tin.StoreTriangle("a.tin"), -2);
   ExpectEmpty();
 }
 

@@ -62,6 +62,11 @@ CommandResult OnChange(CCorvaneView& view) {
   return CommandResult::Done;
 }
 
+CommandResult OnWork(CCorvaneView&) {
+  Ui().SetStatusText(0, "working");
+  return CommandResult::Done;
+}
+
 CommandResult OnTell(CCorvaneView&) {
   Ui().SetStatusText(0, "working");
   Ui().Trace("deep\n");
@@ -85,6 +90,7 @@ const CommandRow kRows[] = {
     {MenuPlace::Working, "Test", " Fail ", "", OnFail},
     {MenuPlace::Working, "Test", "Change", "", OnChange},
     {MenuPlace::Working, "Test", "Tell", "", OnTell},
+    {MenuPlace::Working, "Test", "Work", "", OnWork},
     {MenuPlace::Working, "Test", "No Handler", "Stands disabled.", {}},
     {MenuPlace::Working, "Test > A", "Twin", "", OnTell},
     {MenuPlace::Working, "Test > B", "Twin", "", OnTell},
@@ -99,6 +105,11 @@ class CommandLineTest : public testing::Test {
   int Call(const std::vector<std::string>& arguments, const std::string& input = "", bool terminal = false) {
     std::istringstream in(input);
     std::ostringstream out;
+    return Call(arguments, in, out, terminal);
+  }
+
+  int Call(const std::vector<std::string>& arguments, std::istream& in, std::ostringstream& out,
+           bool terminal = false) {
     std::ostringstream err;
     const ExitStatus status = RunCommandLine(arguments, kRows, {in, out, err, terminal});
     out_ = out.str();
@@ -157,13 +168,14 @@ TEST_F(CommandLineTest, FailedCommandIsStatus1) {
 
 TEST_F(CommandLineTest, MissingAnswerIsStatus3AndNamesThePrompt) {
   EXPECT_EQ(Call({"run", "Ask All"}), 3);
-  EXPECT_THAT(err_, StartsWith("corvane-cli: no answer left for the file to open, Points Files (*.pts)\n"));
+  EXPECT_THAT(err_, StartsWith("corvane-cli: Test > Ask All: no answer left for the file to open, "
+                               "Points Files (*.pts)\n"));
   EXPECT_EQ(Call({"run", "Ask Once"}), 3) << "though the command ended well";
 }
 
 TEST_F(CommandLineTest, SecondMissingAnswerEndsTheProcess) {
   EXPECT_EQ(Script("\"Ask For Ever\" x\nTell\n", {"--keep-going", "--transcript", "t.jsonl"}), 3);
-  EXPECT_THAT(err_, HasSubstr("stopped"));
+  EXPECT_THAT(err_, HasSubstr("corvane-cli: standard input:1: Test > Ask For Ever: stopped: "));
   EXPECT_THAT(err_, Not(HasSubstr("look out")));
   std::filesystem::remove("t.jsonl");
   EXPECT_TRUE(std::filesystem::is_empty(folder_.GetPath())) << "no file stays half written";
@@ -178,8 +190,26 @@ TEST_F(CommandLineTest, LeftOverAnswerIsStatus3) {
 TEST_F(CommandLineTest, RefusedAnswerIsAskedAgain) {
   EXPECT_EQ(Call({"run", "Ask All", "a", "1", "maxSlope=91", "maxSlope=90"}), 0);
   EXPECT_EQ(err_,
-            "corvane-cli: refused \"maxSlope=91\": maxSlope: Please enter a number between 0 and 90.\n");
+            "corvane-cli: Test > Ask All: refused \"maxSlope=91\": maxSlope: Please enter a number between 0 "
+            "and 90.\n");
   EXPECT_EQ(Call({"run", "Ask All", "a", "1", "maxSlope=91"}), 3) << "no answer is left then";
+}
+
+TEST_F(CommandLineTest, WhatIsSaidAboutAnswersNamesThePlaceInTheScript) {
+  WriteFileBytes("s.txt", "Tell\n\n\"Ask Once\" x\nTell more\n\"Ask For Ever\"\n");
+  EXPECT_EQ(Call({"script", "--quiet", "--keep-going", "s.txt"}), 3);
+  const std::string prompt = "no answer left for the number \"Please input a value.\", shown: 1\n";
+  EXPECT_EQ(err_,
+            "warning: look out\n"
+            "corvane-cli: s.txt:3: Test > Ask Once: refused \"x\": Please enter a number.\n"
+            "corvane-cli: s.txt:3: Test > Ask Once: " +
+                prompt +
+                "warning: look out\n"
+                "corvane-cli: s.txt:4: Test > Tell: no prompt asked for the answer \"more\"\n"
+                "corvane-cli: s.txt:5: Test > Ask For Ever: " +
+                prompt + "corvane-cli: s.txt:5: Test > Ask For Ever: " + prompt +
+                "corvane-cli: s.txt:5: Test > Ask For Ever: "
+                "stopped: a second prompt of one command found no answer.\n");
 }
 
 TEST_F(CommandLineTest, DisabledCommandIsStatus4) {
@@ -199,6 +229,11 @@ TEST_F(CommandLineTest, UnknownCommandIsStatus64WithTheNearestNames) {
   EXPECT_THAT(err_, HasSubstr("\n  Test > Ask For Ever\n"));
 }
 
+TEST_F(CommandLineTest, UnknownCommandIsShownWithoutControlCharacters) {
+  EXPECT_EQ(Call({"run", "\033[2J\x7f\tX"}), 64);
+  EXPECT_THAT(err_, StartsWith("corvane-cli: unknown command \"?[2J??X\"; "));
+}
+
 TEST_F(CommandLineTest, AmbiguousNameIsStatus64AndTwoPlacesAreNot) {
   EXPECT_EQ(Call({"run", "Clash"}), 64);
   EXPECT_EQ(err_,
@@ -214,11 +249,63 @@ TEST_F(CommandLineTest, WrongUsageIsStatus64) {
   EXPECT_EQ(Call({"run", "--bogus", "Tell"}), 64);
   EXPECT_EQ(Call({"run", "--open"}), 64);
   EXPECT_EQ(Call({"bogus"}), 64);
-  EXPECT_THAT(err_, HasSubstr("bogus"));
+  EXPECT_EQ(err_,
+            "corvane-cli: run, script or list is wanted, not \"bogus\"; "
+            "\"corvane-cli --help\" tells more.\n");
   EXPECT_EQ(Call({"list", "more"}), 64);
   EXPECT_EQ(Call({"script"}), 64);
   EXPECT_EQ(Call({"script", "missing.txt"}), 64);
   EXPECT_EQ(err_, "corvane-cli: the script missing.txt can't be read.\n");
+}
+
+TEST_F(CommandLineTest, UnknownOptionPointsAtTheHelp) {
+  EXPECT_EQ(Call({"run", "--bogus", "Tell"}), 64);
+  EXPECT_EQ(err_, "corvane-cli: run has no option \"--bogus\"; \"corvane-cli run --help\" tells more.\n");
+  EXPECT_EQ(Call({"list", "--bogus"}), 64);
+  EXPECT_THAT(err_, StartsWith("corvane-cli: "));
+  EXPECT_THAT(err_, EndsWith("--bogus; \"corvane-cli list --help\" tells more.\n"));
+}
+
+TEST_F(CommandLineTest, EmptyNameOfAFileIsStatus64) {
+  for (const std::string option : {"--open", "--transcript", "--pictures"}) {
+    EXPECT_EQ(Call({"run", option, "", "Tell"}), 64);
+    EXPECT_EQ(err_,
+              "corvane-cli: " + option + ": the name is empty; \"corvane-cli run --help\" tells more.\n");
+    EXPECT_EQ(Script("Tell\n", {option, ""}), 64);
+  }
+}
+
+TEST_F(CommandLineTest, OneLeadingDoubleDashOfRunIsSkipped) {
+  EXPECT_EQ(Call({"run", "--", "Ask All", "a", "-1", "--", "maxSlope=2"}), 0);
+  EXPECT_THAT(err_, StartsWith("corvane-cli: Test > Ask All: refused \"--\""));
+  EXPECT_EQ(Call({"run", "--quiet", "--", "Ask All", "--", "-1", "maxSlope=2"}), 0);
+  EXPECT_EQ(out_, "-- -1 2\n");
+  EXPECT_EQ(Call({"run", "--"}), 64);
+  EXPECT_EQ(Call({"run", "--", "--", "Tell"}), 64);
+  EXPECT_THAT(err_, StartsWith("corvane-cli: unknown command \"--\""));
+}
+
+TEST_F(CommandLineTest, StandardOutputThatCantBeWrittenIsStatus1) {
+  std::istringstream in;
+  std::ostringstream out;
+  out.setstate(std::ios::badbit);
+  EXPECT_EQ(Call({"list"}, in, out), 1);
+  EXPECT_EQ(err_, "corvane-cli: standard output can't be written.\n");
+  EXPECT_EQ(Call({"run", "No Handler"}, in, out), 4) << "the call's own status";
+}
+
+// An input that does not fit into memory.
+class EndlessInput : public std::streambuf {
+ protected:
+  int underflow() override { throw std::bad_alloc(); }
+};
+
+TEST_F(CommandLineTest, ScriptThatDoesNotFitIntoMemoryIsStatus1) {
+  EndlessInput endless;
+  std::istream in(&endless);
+  std::ostringstream out;
+  EXPECT_EQ(Call({"script", "-"}, in, out), 1);
+  EXPECT_EQ(err_, "corvane-cli: out of memory\n");
 }
 
 TEST_F(CommandLineTest, HelpAndVersion) {
@@ -241,6 +328,8 @@ TEST_F(CommandLineTest, StatusTextsBoxesAndTrace) {
   EXPECT_EQ(Call({"run", "Tell"}, "", true), 0);
   EXPECT_EQ(err_, "\r\033[Kworking\r\033[Kwarning: look out\n");
   EXPECT_EQ(out_, "");
+  EXPECT_EQ(Call({"run", "Work"}, "", true), 0);
+  EXPECT_EQ(err_, "\r\033[Kworking\n") << "the line ends with the session";
 }
 
 TEST_F(CommandLineTest, ScriptStopsAtItsFirstFailure) {
@@ -273,6 +362,42 @@ TEST_F(CommandLineTest, ScriptRunsInOneSession) {
 TEST_F(CommandLineTest, ClosingDropsChangesWithAWarning) {
   EXPECT_EQ(Script("Change\n\"File > Close\"\n"), 0);
   EXPECT_EQ(err_, "warning: Corvane1 was closed without saving its changes.\n");
+}
+
+TEST_F(CommandLineTest, EndDropsChangesWithAWarningForEachDocument) {
+  EXPECT_EQ(Script("Change\n\"File > New\"\n\"File > New\"\nChange\n"), 0);
+  EXPECT_EQ(err_,
+            "warning: Corvane1 was closed without saving its changes.\n"
+            "warning: Corvane3 was closed without saving its changes.\n");
+}
+
+TEST_F(CommandLineTest, TranscriptHasTheDroppedChanges) {
+  EXPECT_EQ(Script("Change\n\"File > Close\"\n\"File > New\"\nChange\n", {"--transcript", "t.jsonl"}), 0);
+  const auto warning = [](const std::string& title) {
+    return R"({"event":"message","kind":"warning","buttons":"ok","text":")" + title +
+           " was closed without saving its changes.\"}\n";
+  };
+  const std::string text = ReadFileBytes("t.jsonl");
+  EXPECT_THAT(text, HasSubstr(R"("name":"File > Close","phase":"start"})"
+                              "\n" +
+                              warning("Corvane1")));
+  EXPECT_THAT(text, EndsWith(R"("phase":"end","result":"done"})"
+                             "\n" +
+                             warning("Corvane2")));
+}
+
+TEST_F(CommandLineTest, TranscriptOfAStoppedSessionHasThePromptAndTheEnd) {
+  EXPECT_EQ(Call({"run", "--transcript", "t.jsonl", "Ask For Ever"}), 3);
+  const std::string prompt =
+      R"({"event":"value-input","title":"Please input a value.","shown":1.0,"answer":null})"
+      "\n";
+  EXPECT_THAT(
+      ReadFileBytes("t.jsonl"),
+      EndsWith(R"("phase":"start"})"
+               "\n" +
+               prompt + prompt +
+               R"({"event":"command","name":"Test > Ask For Ever","phase":"end","result":"cancelled"})"
+               "\n"));
 }
 
 TEST_F(CommandLineTest, OpenTakesThePlaceOfTheEmptyDocument) {
@@ -334,9 +459,29 @@ TEST_F(CommandLineTest, NumbersStayInTheCLocaleAfterAPicture) {
 
 TEST_F(CommandLineTest, PictureThatCantBeWrittenIsStatus1) {
   WriteFileBytes("a.tin", SquareTinBytes());
-  WriteFileBytes("p", "a file in the folder's place");
+  std::filesystem::create_directories("p/01-a.tin.png");
   EXPECT_EQ(Call({"run", "--quiet", "--pictures", "p", "--open", "a.tin", "Change"}), 1);
   EXPECT_THAT(err_, HasSubstr("corvane-cli: The picture p/01-a.tin.png could not be written.\n"));
+}
+
+TEST_F(CommandLineTest, PicturesFolderThatCantBeWrittenIsReportedBeforeTheWork) {
+  WriteFileBytes("p", "a file in the folder's place");
+  for (const std::string folder : {"p", "p/q"}) {
+    EXPECT_EQ(Call({"run", "--pictures", folder, "Tell"}), 1);
+    EXPECT_EQ(err_, "corvane-cli: the folder " + folder + " can't be written.\n");
+  }
+}
+
+TEST_F(CommandLineTest, PicturesFolderIsMadeAtTheStart) {
+  EXPECT_EQ(Call({"run", "--pictures", "p/q", "Fail"}), 1);
+  EXPECT_TRUE(std::filesystem::is_empty("p/q"));
+}
+
+TEST_F(CommandLineTest, SaveAsGivesThePictureItsNewTitle) {
+  WriteFileBytes("a.tin", SquareTinBytes());
+  EXPECT_EQ(Script("Change\n\"File > Save As\" b.tin\n", {"--pictures", "p", "--open", "a.tin"}), 0);
+  EXPECT_TRUE(std::filesystem::exists("p/01-a.tin.png"));
+  EXPECT_EQ(ReadFileBytes("p/01-b.tin.png"), ReadFileBytes("p/01-a.tin.png"));
 }
 
 // What a person does by hand, here with given answers, and the same again from its record.

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPainter>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <random>
 
@@ -106,6 +107,8 @@ TEST(SegmentClip, AgreesWithSteppedPoints) {
 
 class PictureBookTest : public testing::Test {
  protected:
+  void SetUp() override { ASSERT_TRUE(book_.MakeFolder()); }
+
   TempFolder folder_;
   TestFrontEnd inner_;
   PictureBook book_{inner_, "out"};
@@ -152,7 +155,25 @@ TEST_F(PictureBookTest, ClosedWindowsAreForgotten) {
   EXPECT_EQ(inner_.EventsWith("close-window"), std::vector<std::string>{"close-window: a.lan"});
 }
 
+TEST_F(PictureBookTest, RenamedWindowIsSavedAgainBesideItsOldPicture) {
+  book_.OpenWindow(a_);
+  book_.Save();
+  a_.title = "b.lan";
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-b.lan.png"});
+  EXPECT_TRUE(book_.Save().paths.empty());
+  EXPECT_TRUE(std::filesystem::exists("out/01-a.lan.png"));
+}
+
+TEST_F(PictureBookTest, FolderThatCantBeWrittenIsTold) {
+  WriteFileBytes("file", "");
+  EXPECT_FALSE(PictureBook(inner_, "file").MakeFolder());
+  EXPECT_FALSE(PictureBook(inner_, "file/folder").MakeFolder());
+  EXPECT_TRUE(PictureBook(inner_, "new/folder/").MakeFolder());
+  EXPECT_TRUE(std::filesystem::is_empty("new/folder")) << "the trial leaves nothing behind";
+}
+
 TEST_F(PictureBookTest, FailureIsReported) {
+  std::filesystem::remove("out");
   WriteFileBytes("out", "");
   book_.OpenWindow(a_);
   EXPECT_EQ(book_.Save().failures, Paths{"The picture out/01-a.lan.png could not be written."});

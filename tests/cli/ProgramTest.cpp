@@ -17,8 +17,8 @@ using testing::HasSubstr;
 class ProgramTest : public testing::Test {
  protected:
   // The exit status of a call; its outputs go to "out" and "err".
-  static int Call(const std::string& arguments) {
-    const std::string command = "'" CORVANE_CLI "' " + arguments + " > out 2> err < /dev/null";
+  static int Call(const std::string& arguments, const std::string& out = "out") {
+    const std::string command = "'" CORVANE_CLI "' " + arguments + " > " + out + " 2> err < /dev/null";
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
@@ -59,6 +59,13 @@ TEST_F(ProgramTest, SpacingThatIsCancelledForEverEndsTheProcess) {
   WriteFileBytes("survey.txt", "0 0 1\n");
   EXPECT_EQ(Call("run 'Text Points(XYZ) to Bin' survey.txt survey.pts -5 @cancel"), 3);
   EXPECT_FALSE(std::filesystem::exists("survey.pts"));
+}
+
+TEST_F(ProgramTest, OutputOnAFullDeviceIsStatus1) {
+  for (const std::string call : {"list", "list --json", "--help", "--version"}) {
+    EXPECT_EQ(Call(call, "/dev/full"), 1) << call;
+    EXPECT_EQ(ReadFileBytes("err"), "corvane-cli: standard output can't be written.\n");
+  }
 }
 
 TEST_F(ProgramTest, ListsTheWholeTable) {

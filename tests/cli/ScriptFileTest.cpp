@@ -48,14 +48,31 @@ TEST(ScriptFile, TakesLineEndsOfEitherKind) {
   EXPECT_EQ(script.commands[1].name, "B");
 }
 
+TEST(ScriptFile, CarriageReturnAloneEndsALine) {
+  const Script script = ParseScript("A 1\rB\r\r\nC");
+  ASSERT_EQ(script.commands.size(), 3u);
+  EXPECT_EQ(script.commands[0].answers, (Words{"1"}));
+  EXPECT_EQ(script.commands[1].line, 2);
+  EXPECT_EQ(script.commands[2].line, 4);
+}
+
+TEST(ScriptFile, ByteOrderMarkAtTheStartIsSkipped) {
+  EXPECT_EQ(ParseScript("\xef\xbb\xbf\"A\" 1\n").commands.at(0).name, "A");
+  EXPECT_TRUE(ParseScript("\xef\xbb\xbf# comment").commands.empty());
+  EXPECT_TRUE(ParseScript("\xef\xbb\xbf").commands.empty());
+  EXPECT_EQ(ParseScript("A\n\xef\xbb\xbf").commands.size(), 2u) << "elsewhere it is text";
+}
+
 TEST(ScriptFile, HashWithinALineIsText) {
   EXPECT_EQ(ParseScript("A #1 b#").commands.at(0).answers, (Words{"#1", "b#"}));
 }
 
-TEST(ScriptFile, QuotedTextMayRunOverLineEnds) {
-  const Script script = ParseScript("A \"x\ny\"\nB");
-  EXPECT_EQ(script.commands.at(0).answers, (Words{"x\ny"}));
-  EXPECT_EQ(script.commands.at(1).line, 3);
+TEST(ScriptFile, LineEndInQuotesIsAnErrorAtTheOpeningQuote) {
+  for (const std::string lineEnd : {"\n", "\r\n", "\r"}) {
+    const Script script = ParseScript("A" + lineEnd + "B \"x" + lineEnd + "y\"" + lineEnd + "C");
+    EXPECT_EQ(script.error, "a quote is not closed");
+    EXPECT_EQ(script.errorLine, 2);
+  }
 }
 
 TEST(ScriptFile, OpenQuoteIsAnErrorWithItsLine) {
@@ -78,9 +95,13 @@ TEST(ScriptFile, WritesWordsPlainWhereItCan) {
   EXPECT_EQ(ScriptWord("C:\\data"), "C:\\data");
 }
 
+TEST(ScriptFile, ShownTextHasNoControlCharacters) {
+  EXPECT_EQ(ShownText("a\033[0m\n\x7f\"H\xc3\xb6he"), "\"a?[0m??\\\"H\xc3\xb6he\"");
+}
+
 TEST(ScriptFile, EveryTextComesBack) {
   std::mt19937 random(1);
-  const std::string characters = "ab \t\r\n\"\\#;=|@\xc3\xa9";
+  const std::string characters = "ab \t\"\\#;=|@\xc3\xa9";
   for (int round = 0; round < 20000; ++round) {
     Words words(1 + random() % 4);
     std::string line;

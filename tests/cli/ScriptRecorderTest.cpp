@@ -1,6 +1,9 @@
 #include "cli/ScriptRecorder.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include "cli/ScriptFile.h"
 #include "support/TempFolder.h"
@@ -134,6 +137,50 @@ TEST_F(ScriptRecorderTest, SavingAWindowThatIsClosedByHandIsASave) {
   recorder_.ChooseFiles({});
   recorder_.AskSaveChanges("Corvane2");
   EXPECT_EQ(Recorded(), "\"File > Save\" a.tin\n");
+}
+
+TEST_F(ScriptRecorderTest, CommandWhoseAnswerHoldsALineEndIsAComment) {
+  inner_.files = {{"a\nb.pts"}, {"c\rd.pts"}, {"e.pts"}};
+  for (const std::string name : {"A", "B", "C"}) {
+    Run(name, CommandResult::Done, [&] { recorder_.ChooseFiles({}); });
+  }
+  recorder_.NoteActivation("f\ng.tin", "");
+  EXPECT_EQ(Recorded(),
+            "# Left out, because an answer holds a line end: A \"a b.pts\"\n"
+            "# Left out, because an answer holds a line end: B \"c d.pts\"\n"
+            "C e.pts\n"
+            "# Left out, because an answer holds a line end: \"File > Open\" \"f g.tin\"\n");
+}
+
+// Lets no file grow beyond a size, as a full disk does.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(std::size_t size) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit = {size, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handlerBefore_);
+  }
+
+ private:
+  rlimit before_ = {};
+  void (*handlerBefore_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+TEST_F(ScriptRecorderTest, RecordThatCantBeWrittenAnyMoreIsToldOnceAfterTheCommand) {
+  const FileSizeLimit limit(headSize_ + 3);
+  Run("A", CommandResult::Done, [] {});
+  EXPECT_TRUE(recorder_.IsGood());
+  Run("B", CommandResult::Done, [] {});
+  Run("C", CommandResult::Done, [] {});
+  EXPECT_FALSE(recorder_.IsGood());
+  EXPECT_EQ(inner_.events,
+            (std::vector<std::string>{"command: A", "end: A done", "command: B", "end: B done",
+                                      "message warning: The record day.txt can not be written any more.",
+                                      "command: C", "end: C done"}));
 }
 
 TEST_F(ScriptRecorderTest, ActivatedWindowIsOpenedAgain) {

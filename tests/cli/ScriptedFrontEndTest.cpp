@@ -147,10 +147,28 @@ TEST_F(ScriptedFrontEndTest, BoxesGoToStandardErrorWithTheirKindAndTakeOk) {
   EXPECT_TRUE(frontEnd_.ShowMessage(MessageKind::Stop, MessageButtons::OkCancel, "a\nb"));
   frontEnd_.ShowMessage(MessageKind::Warning, MessageButtons::Ok, "w");
   frontEnd_.ShowMessage(MessageKind::Information, MessageButtons::Ok, "i");
-  EXPECT_EQ(err_.str(), "message: Done.\n\nstop: a\nb\nwarning: w\ninformation: i\n");
+  EXPECT_EQ(err_.str(), "message: Done.\nstop: a\nb\nwarning: w\ninformation: i\n");
+}
+
+TEST_F(ScriptedFrontEndTest, LineEndsAtTheEndOfABoxAreNotPrinted) {
+  frontEnd_.ShowMessage(MessageKind::Warning, MessageButtons::Ok, "a\n\nb\r\n\n");
+  frontEnd_.ShowMessage(MessageKind::Warning, MessageButtons::Ok, "\n");
+  EXPECT_EQ(err_.str(), "warning: a\n\nb\nwarning: \n");
+}
+
+TEST_F(ScriptedFrontEndTest, WhatIsSaidAboutAnswersBeginsWithThePlace) {
+  frontEnd_.SetAnswers({"\x1bx", "2", "3\n"}, "s.txt:3: X: ");
+  EXPECT_EQ(frontEnd_.AskValue("T", 1.0), 2.0);
+  EXPECT_FALSE(frontEnd_.FinishAnswers());
+  EXPECT_EQ(frontEnd_.AskValue("T", 1.0), std::nullopt);
+  EXPECT_EQ(err_.str(),
+            "corvane-cli: s.txt:3: X: refused \"?x\": Please enter a number.\n"
+            "corvane-cli: s.txt:3: X: no prompt asked for the answer \"3?\"\n"
+            "corvane-cli: s.txt:3: X: no answer left for the number \"T\", shown: 1\n");
 }
 
 TEST_F(ScriptedFrontEndTest, ChangesAreDroppedWithAWarning) {
+  const InstalledFrontEnd installed(frontEnd_);
   EXPECT_EQ(frontEnd_.AskSaveChanges("a.tin"), SaveChoice::Discard);
   EXPECT_EQ(err_.str(), "warning: a.tin was closed without saving its changes.\n");
 }
@@ -181,6 +199,34 @@ TEST_F(ScriptedFrontEndTest, TraceGoesToStandardErrorOnRequest) {
   ScriptedFrontEnd tracing(console_, {.trace = true}, [] {});
   tracing.Trace("deep\n");
   EXPECT_EQ(err_.str(), "deep\n");
+}
+
+TEST(Console, PrintOnATerminalClearsTheStatusTextFirst) {
+  std::ostringstream terminal;
+  Console console(terminal, terminal, true, true);
+  console.Status("one");
+  console.Print("1\n");
+  console.Print("2\n");
+  EXPECT_EQ(terminal.str(), "\r\033[Kone\r\033[K1\n2\n");
+}
+
+TEST(Console, PrintIntoAFileLeavesTheStatusText) {
+  std::ostringstream out;
+  std::ostringstream err;
+  Console console(out, err, true);
+  console.Status("one");
+  console.Print("1\n");
+  EXPECT_EQ(out.str(), "1\n");
+  EXPECT_EQ(err.str(), "\r\033[Kone");
+}
+
+TEST(Console, EndEndsTheLineOfAStatusText) {
+  std::ostringstream out;
+  std::ostringstream err;
+  { Console(out, err, true).Status("one"); }
+  { Console(out, err, true).Status(""); }
+  { Console(out, err, false).Status("two"); }
+  EXPECT_EQ(err.str(), "\r\033[Kone\n\r\033[Ktwo\n");
 }
 
 TEST(Console, StatusTextsRewriteOneLineOfATerminal) {

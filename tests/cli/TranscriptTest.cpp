@@ -105,6 +105,48 @@ TEST_F(TranscriptTest, FormWithTypedValues) {
                     "\n");
 }
 
+TEST_F(TranscriptTest, FloatFieldsHaveTheirShortestText) {
+  const double beyond = std::numeric_limits<double>::infinity();
+  Form form{"F",
+            "",
+            {FloatField("a", "", 0.1f),
+             FloatField("b", "", 16777216.0f),
+             FloatField("c", "", -3e-7f),
+             {.name = "d", .label = "", .type = FieldType::Float, .value = beyond},
+             RealField("e", "", 0.1f)}};
+  transcript_.AskForm(form);
+  EXPECT_EQ(Text(), R"({"event":"form","form":"F","title":"",)"
+                    R"("shown":{"a":0.1,"b":16777216.0,"c":-3e-07,"d":"inf","e":0.10000000149011612},)"
+                    R"("answer":null})"
+                    "\n");
+}
+
+// A front end that ends the session at each prompt.
+class StoppingFrontEnd : public TestFrontEnd {
+ public:
+  std::optional<std::vector<std::string>> ChooseFiles(const FileChooser&) override { throw 1; }
+  std::optional<double> AskValue(const std::string&, double) override { throw 1; }
+  bool AskForm(Form&) override { throw 1; }
+};
+
+TEST(Transcript, PromptAtWhichTheSessionStopsIsCancelled) {
+  const TempFolder folder;
+  StoppingFrontEnd inner;
+  Transcript transcript(inner, "t.jsonl");
+  Form form{"F", "", {}};
+  EXPECT_THROW(transcript.ChooseFiles({}), int);
+  EXPECT_THROW(transcript.AskValue("T", 2.0), int);
+  EXPECT_THROW(transcript.AskForm(form), int);
+  EXPECT_EQ(ReadFileBytes("t.jsonl"),
+            R"({"event":"choose-file","mode":"open","title":"","filter":"","defaultExtension":"",)"
+            R"("defaultName":"","mustExist":false,"multiple":false,"answer":null})"
+            "\n"
+            R"({"event":"value-input","title":"T","shown":2.0,"answer":null})"
+            "\n"
+            R"({"event":"form","form":"F","title":"","shown":{},"answer":null})"
+            "\n");
+}
+
 TEST_F(TranscriptTest, Boxes) {
   transcript_.ShowMessage(MessageKind::Warning, MessageButtons::Ok, "No TIN Read!");
   transcript_.ShowMessage(MessageKind::Message, MessageButtons::OkCancel, "a\nb");

@@ -1,5 +1,10 @@
-#include <cstring>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <cstring>
+#include <fstream>
+
+#include "TIN/TINPoints.h"
 #include "commands/CommandsFixture.h"
 #include "forms/FieldText.h"
 
@@ -207,6 +212,43 @@ TEST_F(CreateTinTest, EqualPointsBecomeOneCorner) {
   WritePoints({0, 0, 1, 9, 10, 0, 2, 9, 5, 10, 3, 9, 10, 0, 4, 9});
   EXPECT_EQ(RunOn("p.pts", "t.tin"), CommandResult::Done);
   EXPECT_EQ(TriangleCount("t.tin"), 1);
+}
+
+TEST_F(CreateTinTest, TellsOfACutPointsFile) {
+  WritePoints({0, 0, 1, 9, 10, 0, 2, 9, 5, 10, 3, 9, 7, 7, 4, 9});
+  EXPECT_EQ(RunOn("p.pts", "t.tin"), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre());
+  WriteFileBytes("p.pts", ReadFileBytes("p.pts").substr(0, 52 + 3 * 32 + 5));
+  EXPECT_EQ(RunOn("p.pts", "t.tin"), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: The points file is cut short: 3 of 4 points are there."));
+}
+
+TEST_F(CreateTinTest, WithoutMemoryTellsSoAndTheProgramLives) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer ends the process without memory";
+#endif
+  constexpr std::int32_t kPoints = 400000;
+  ASSERT_EQ(TINPoints(kPoints).Write("p.pts"), kPoints);
+  std::string bytes = ReadFileBytes("p.pts");
+  const double corners[] = {0, 0, 1, 9, 10, 0, 2, 9, 5, 10, 3, 9};
+  std::memcpy(bytes.data() + 52, corners, sizeof corners);
+  WriteFileBytes("p.pts", bytes);
+  const auto run = [this] {
+    std::size_t nPages = 0;
+    std::ifstream("/proc/self/statm") >> nPages;
+    // Room for the points, 40 bytes each, and for a block of them, but not for a mesh.
+    const rlim_t limit = nPages * static_cast<std::size_t>(getpagesize()) + kPoints * 80;
+    const rlimit limits = {limit, limit};
+    setrlimit(RLIMIT_AS, &limits);
+    const bool failed = RunOn("p.pts", "t.tin") == CommandResult::Failed;
+    const auto shown = ui.EventsWith("message");
+    const bool told = shown.size() == 1 && shown[0] ==
+                                               "message message: There is not enough memory to "
+                                               "triangulate the points.\n";
+    _exit(failed && told ? 7 : 0);
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(7), "");
 }
 
 TEST_F(CreateTinTest, CancellingTheSecondChooserLeavesNoFile) {

@@ -26,6 +26,22 @@ TEST(InputFile, AFolderDoesNotOpen) {
   EXPECT_FALSE(ReadWholeFile("sub"));
 }
 
+TEST(InputFile, APipeWithoutAWriterReadsAsEmpty) {
+  const TempFolder folder;
+  ASSERT_EQ(mkfifo("pipe", 0600), 0);
+  EXPECT_EQ(ReadWholeFile("pipe"), "");
+}
+
+TEST(InputFile, AFailedReadIsNoEnd) {
+  const TempFolder folder;
+  InputFile file("/proc/self/mem");  // its first page can't be read
+  ASSERT_TRUE(file.IsOpen());
+  char byte = 0;
+  EXPECT_EQ(file.Read(&byte, 1), 0u);
+  EXPECT_TRUE(file.HasFailed());
+  EXPECT_FALSE(ReadWholeFile("/proc/self/mem"));
+}
+
 TEST(InputFile, TellsTheBytesLeft) {
   const TempFolder folder;
   WriteFileBytes("x", "12345");

@@ -1,7 +1,10 @@
 #include "io/RecordReader.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -72,6 +75,54 @@ TEST(RecordReader, TextHoldsAWindow) {
   WriteFileBytes("a", "abcdef");
   InputFile file("a");
   EXPECT_EQ(RecordReader(file, 4).GetText(), "abcd");
+}
+
+TEST(RecordReader, WhiteSpaceLongerThanTheWindowDoesNotWidenIt) {
+  TempFolder folder;
+  WriteFileBytes("a", std::string(1000, ' ') + "1" + std::string(1000, '\n') + "2 3");
+  InputFile file("a");
+  RecordReader reader(file, 8);
+  for (const double expected : {1.0, 2.0}) {
+    EXPECT_EQ(reader.Next(ScanStep).value, expected);
+    EXPECT_LE(reader.GetText().size(), 8u);
+  }
+  EXPECT_EQ(reader.GetLine(), 1001);
+  EXPECT_EQ(reader.GetPosition(), 2002);
+  EXPECT_EQ(reader.Next(ScanStep).value, 3.0);
+  EXPECT_TRUE(reader.AtEnd());
+  EXPECT_FALSE(reader.HasFailed());
+}
+
+TEST(RecordReader, AFailedReadIsNotTheEnd) {
+  InputFile file("/proc/self/mem");  // opens, but nothing stands at its start
+  if (!file.IsOpen()) GTEST_SKIP() << "no such file on this system";
+  RecordReader reader(file, 100);
+  EXPECT_FALSE(reader.Next(ScanStep).match);
+  EXPECT_TRUE(reader.HasFailed());
+}
+
+// The status that a process ends with which has `spareBytes` of memory left for a record of 64 MB.
+[[noreturn]] void ScanLongRecord(std::size_t spareBytes) {
+  InputFile file("a");
+  RecordReader reader(file);
+  std::ifstream statm("/proc/self/statm");
+  std::size_t nPages = 0;
+  statm >> nPages;
+  const rlim_t limit = nPages * static_cast<std::size_t>(getpagesize()) + spareBytes;
+  const rlimit limits = {limit, limit};
+  setrlimit(RLIMIT_AS, &limits);
+  const bool match = reader.Next(ScanStep).match;
+  _exit(reader.HasFailed() ? 2 : match ? 1 : 0);
+}
+
+TEST(RecordReader, ARecordBeyondTheMemoryFails) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer ends the process without memory";
+#endif
+  TempFolder folder;
+  WriteFileBytes("a", std::string(std::size_t{64} << 20, '1') + " 2\n");
+  EXPECT_EXIT(ScanLongRecord(std::size_t{40} << 20), testing::ExitedWithCode(2), "");
+  EXPECT_EXIT(ScanLongRecord(std::size_t{1} << 30), testing::ExitedWithCode(1), "");
 }
 
 }  // namespace

@@ -297,11 +297,21 @@ TEST(TextScanner, RewindStartsAgain) {
 }
 
 TEST(FirstLine, IsWhatFgetsSees) {
-  EXPECT_EQ(FirstLine("ab\ncd\n"), "ab\n");
+  EXPECT_EQ(FirstLine("ab\ncd\n"), "ab");
   EXPECT_EQ(FirstLine("ab"), "ab");
   EXPECT_EQ(FirstLine(""), "");
   EXPECT_EQ(FirstLine(std::string(300, 'x')).size(), 255u);
   EXPECT_EQ(FirstLine(std::string_view("a\0b\n", 4)), "a");
+}
+
+TEST(FirstLine, ACarriageReturnCountsUnlessALineFeedFollows) {
+  EXPECT_EQ(FirstLine("ab \r\ncd"), "ab ");
+  EXPECT_EQ(FirstLine("\r\ncd"), "");
+  EXPECT_EQ(FirstLine("ab\r\r\ncd"), "ab\r");
+  EXPECT_EQ(FirstLine("a\rb\ncd"), "a\rb");
+  EXPECT_EQ(FirstLine("ab\r"), "ab\r");
+  // The line feed stands beyond what fgets takes, and is looked at all the same.
+  EXPECT_EQ(FirstLine("abc\r\n", 5), "abc");
 }
 
 TEST(CountFields, CountsWhatStandsBetweenSeparators) {

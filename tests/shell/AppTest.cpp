@@ -1,3 +1,4 @@
+#include <cmath>
 #include <filesystem>
 #include <new>
 
@@ -57,7 +58,7 @@ TEST_F(AppTest, OpeningReportsItsStepsInOrder) {
 
 TEST_F(AppTest, AMissingFileOpensAnEmptyWindowAfterItsOneLetterMessage) {
   Start();
-  EXPECT_EQ(app.OpenDocumentFile("missing.tin"), CommandResult::Done);
+  EXPECT_EQ(app.OpenDocumentFile("missing.tin"), CommandResult::Failed);
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message warning: Open file m error!"));
   EXPECT_EQ(Document().GetTitle(), "missing.tin");
   EXPECT_EQ(Document().GetTIN().GetTriangleCount(), 0);
@@ -89,14 +90,40 @@ TEST_F(AppTest, AFileThatDidNotReadIsNotOverwritten) {
   Start();
   EXPECT_EQ(app.OpenDocumentFile("damaged.tin"), CommandResult::Failed);
   EXPECT_EQ(app.SaveDocument(Document(), false), CommandResult::Failed);
-  EXPECT_THAT(ui.events, Contains("message warning: Write file damaged.tin error!"));
+  EXPECT_THAT(ui.events, Contains("message warning: Write file damaged.tin error!\n"
+                                  "It did not read when it was opened, and is left as it is."));
+  ui.files = {{"./damaged.tin"}};
+  EXPECT_EQ(app.SaveDocument(Document(), true), CommandResult::Failed);
   EXPECT_EQ(ReadFileBytes("damaged.tin"), SquareTinBytes().substr(0, 100));
   EXPECT_TRUE(app.GetRecentFiles().GetPaths().empty());
 }
 
+TEST_F(AppTest, AFileWithACornerThatIsNoNumberIsNotOverwritten) {
+  const std::string bytes = TinBytes({{0, NAN, 5, 1, 1}, {1, 5, 5, 2, 1}, {2, 5, 9, 3, 1}, {3, 0, 0, 0, 0}},
+                                     {{3, 1, 2}, {0, 1, 2}});
+  WriteFileBytes("nan.tin", bytes);
+  Start("nan.tin");
+  EXPECT_THAT(ui.events, Contains("message message: StoreTriangle: Read TIN error!"));
+  EXPECT_EQ(app.SaveDocument(Document(), false), CommandResult::Failed);
+  EXPECT_EQ(ReadFileBytes("nan.tin"), bytes);
+}
+
+TEST_F(AppTest, SaveReportsAFullDisk) {
+  WriteFileBytes("square.tin", SquareTinBytes());
+  Start("square.tin");
+  std::filesystem::create_symlink("/dev/full", "full.tin");
+  ui.files = {{"full.tin"}};
+  EXPECT_EQ(app.SaveDocument(Document(), true), CommandResult::Failed);
+  std::filesystem::create_symlink("/dev/full", "square_filted.pts");
+  EXPECT_EQ(app.SaveDocument(Document(), false), CommandResult::Failed);
+  EXPECT_THAT(ui.EventsWith("message warning"),
+              ElementsAre("message warning: Write file full.tin error!",
+                          "message warning: Write file square_filted.pts error!"));
+}
+
 TEST_F(AppTest, AFileThatDidNotReadIsOpenedAnewWhenChosenAgain) {
   Start();
-  EXPECT_EQ(app.OpenDocumentFile("later.tin"), CommandResult::Done);
+  EXPECT_EQ(app.OpenDocumentFile("later.tin"), CommandResult::Failed);
   WriteFileBytes("later.tin", SquareTinBytes());
   EXPECT_EQ(app.OpenDocumentFile("later.tin"), CommandResult::Done);
   EXPECT_EQ(Document().GetTIN().GetTriangleCount(), 2);

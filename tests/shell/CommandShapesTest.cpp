@@ -13,7 +13,12 @@ TEST_F(CommandShapesTest, LoadedTinCommandWarnsWithoutATin) {
   Start();
   ui.events.clear();
   bool ran = false;
-  EXPECT_EQ(RunOnLoadedTin(View(), nullptr, [&](TIN&) { ran = true; }), CommandResult::Failed);
+  EXPECT_EQ(RunOnLoadedTin(View(), nullptr,
+                           [&](TIN&) {
+                             ran = true;
+                             return 0;
+                           }),
+            CommandResult::Failed);
   EXPECT_FALSE(ran);
   EXPECT_THAT(ui.events, ElementsAre("message warning: No TIN Read! Please load a TIN first!"));
 }
@@ -22,7 +27,10 @@ TEST_F(CommandShapesTest, LoadedTinCommandAsksRunsAndRepaints) {
   WriteFileBytes("square.tin", SquareTinBytes());
   Start("square.tin");
   ui.events.clear();
-  const auto run = [&](TIN&) { EXPECT_EQ(ui.waitDepth, 1); };
+  const auto run = [&](TIN&) {
+    EXPECT_EQ(ui.waitDepth, 1);
+    return 3;
+  };
   EXPECT_EQ(RunOnLoadedTin(
                 View(), [] { return true; }, run),
             CommandResult::Done);
@@ -37,10 +45,22 @@ TEST_F(CommandShapesTest, LoadedTinCommandCancelledChangesNothing) {
   Start("square.tin");
   bool ran = false;
   EXPECT_EQ(RunOnLoadedTin(
-                View(), [] { return false; }, [&](TIN&) { ran = true; }),
+                View(), [] { return false; },
+                [&](TIN&) {
+                  ran = true;
+                  return 0;
+                }),
             CommandResult::Cancelled);
   EXPECT_FALSE(ran);
   EXPECT_FALSE(Document().IsModified());
+}
+
+TEST_F(CommandShapesTest, LoadedTinCommandThatFailsLeavesTheDocumentUnmarked) {
+  WriteFileBytes("square.tin", SquareTinBytes());
+  Start("square.tin");
+  EXPECT_EQ(RunOnLoadedTin(View(), nullptr, [](TIN&) { return -1; }), CommandResult::Failed);
+  EXPECT_FALSE(Document().IsModified());
+  EXPECT_EQ(ui.waitDepth, 0);
 }
 
 TEST_F(CommandShapesTest, ChoosersComeInOrderAndEndWithTheFirstCancel) {
@@ -69,6 +89,8 @@ TEST_F(CommandShapesTest, TinOnDemandLoadsWithPaintingOff) {
   RecordingCanvas canvas({0, 0, 100, 100});
   View().OnDraw(canvas);
   EXPECT_TRUE(canvas.edges.empty());
+  Document().AddView().OnDraw(canvas);  // only a new window paints
+  EXPECT_EQ(canvas.edges.size(), 6u);
 }
 
 TEST_F(CommandShapesTest, TinOnDemandUsesTheLoadedOne) {

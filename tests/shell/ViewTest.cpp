@@ -230,6 +230,58 @@ TEST_F(ViewTest, PaintingAPartShowsTheSameAsPaintingAll) {
   }
 }
 
+TEST_F(ViewTest, ARawTinPaintsNothing) {
+  WriteFileBytes("square.tin", SquareTinBytes());
+  Start();
+  Document().GetTIN().ReadTIN("square.tin");
+  RecordingCanvas canvas(kEverywhere);
+  View().OnDraw(canvas);
+  EXPECT_TRUE(canvas.edges.empty());
+  EXPECT_FALSE(View().HasPicture());
+}
+
+TEST_F(ViewTest, GroupsWithoutLabelsPaintNothing) {
+  WriteFileBytes("square.tin", SquareTinBytes());
+  Start("square.tin");
+  TINGroup group;
+  group.members = {0, 1};
+  Document().GetTIN().groups = {group};
+  RecordingCanvas canvas(kEverywhere);
+  View().OnDraw(canvas);
+  EXPECT_EQ(canvas.edges.size(), 6u);
+}
+
+TEST_F(ViewTest, TheUpdateHintTakesTheNewSize) {
+  WriteFileBytes("square.tin", SquareTinBytes());
+  Start("square.tin");
+  View().displayScale = 3.0;
+  Document().UpdateAllViews();
+  EXPECT_EQ(View().GetScrollSize(), (PixelSize{30, 30}));
+  View().paintEnabled = false;
+  View().displayScale = 5.0;
+  Document().UpdateAllViews();
+  EXPECT_EQ(View().GetScrollSize(), (PixelSize{30, 30}));
+}
+
+TEST_F(ViewTest, PicturesOfOddExtentsHaveASize) {
+  const std::vector<std::pair<double, double>> sizes = {{1e-310, 1e-310}, {0.0, 2e-310}, {0.0, 10.0},
+                                                        {10.0, 0.0},      {1e9, 1e-3},   {1e300, 1e300}};
+  for (const auto& [width, height] : sizes) {
+    WriteFileBytes("odd.tin",
+                   TinBytes({{0, 0, 0, 1, 1}, {1, width, 0, 1, 1}, {2, width, height, 1, 1}}, {{0, 1, 2}}));
+    CCorvaneApp odd{{}, ""};
+    odd.InitInstance("odd.tin");
+    CCorvaneView& view = *odd.GetMainFrame().GetActiveTinView();
+    const PixelSize size = view.GetPictureSize();
+    EXPECT_GE(size.width, 1);
+    EXPECT_LE(size.width, 3001);
+    EXPECT_GE(size.height, 1);
+    EXPECT_LE(size.height, 3001);
+    RecordingCanvas canvas({0, 0, size.width, size.height});
+    view.DrawPicture(canvas);
+  }
+}
+
 TEST_F(ViewTest, PicturesFitTheirLimits) {
   WriteFileBytes("mesh.tin", MeshBytes(40));
   Start("mesh.tin");
