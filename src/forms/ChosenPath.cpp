@@ -18,8 +18,8 @@ std::string LowerCase(std::string text) {
 
 std::string ChosenPath(const FileChooser& chooser, const std::string& typed) {
   const std::string path = WithDefaultExtension(typed, chooser.defaultExtension);
-  if (chooser.mode == FileChooser::Mode::Save) return IsDevice(typed) ? typed : path;
-  if (path == typed || FileExists(typed)) return typed;
+  const bool asTyped = chooser.mode == FileChooser::Mode::Save ? IsDevice(typed) : FileExists(typed);
+  if (path == typed || asTyped) return typed;
   const std::string lower = WithDefaultExtension(typed, LowerCase(chooser.defaultExtension));
   return !FileExists(path) && FileExists(lower) ? lower : path;
 }

@@ -1,5 +1,7 @@
 #include "shell/CorvaneView.h"
 
+#include <cmath>
+
 #include "OpenGL/Stereo_2Cursor/3DCoordInput.h"
 #include "io/NumberText.h"
 #include "numerics/Truncate.h"
@@ -78,6 +80,8 @@ bool CCorvaneView::OnMouseWheel(int notches) {
 void CCorvaneView::OnSize(PixelSize) {}
 
 void CCorvaneView::Zoom(double factor) {
+  // A step beyond the numbers is not taken: no step back would lead from infinity or 0.
+  if (!std::isnormal(displayScale * factor)) return;
   displayScale *= factor;
   SetScrollSizes();
   Invalidate();

@@ -250,6 +250,16 @@ TEST(ChosenPath, AppendsTheDefaultExtension) {
   EXPECT_EQ(ChosenPath(open, "survey"), "survey.Choose a Points Set.");
 }
 
+TEST(ChosenPath, ASaveChooserMeansTheFileThatIsThere) {
+  const TempFolder folder;
+  const FileChooser save{.mode = FileChooser::Mode::Save, .filter = "", .defaultExtension = ".TIN"};
+  WriteFileBytes("survey.tin", "");
+  WriteFileBytes("survey", "");
+  EXPECT_EQ(ChosenPath(save, "survey"), "survey.tin");
+  EXPECT_EQ(ChosenPath(save, "other"), "other.TIN");
+  EXPECT_EQ(ChosenPath(save, "/dev/full"), "/dev/full");
+}
+
 TEST(ChosenPath, AnOpenChooserFindsTheFileThatIsThere) {
   const TempFolder folder;
   const FileChooser open{.filter = "", .defaultExtension = "TXT"};

@@ -109,17 +109,20 @@ TEST_F(ViewTest, ASizeBelowOneFallsBackTo100) {
   EXPECT_EQ(View().GetScrollSize(), (PixelSize{16, 100}));  // 2 / 4 is below 1
 }
 
-TEST_F(ViewTest, RepeatedUpHasNoLimit) {
+TEST_F(ViewTest, RepeatedUpHasNoLimitButThatOfNumbers) {
   WriteFileBytes("square.tin", SquareTinBytes());
   Start("square.tin");
-  for (int i = 0; i < 1100; ++i) View().OnKeyDown(Key::kUp, 1);
-  EXPECT_TRUE(std::isinf(View().displayScale));
-  EXPECT_EQ(View().GetScrollSize(), (PixelSize{INT32_MAX, INT32_MAX}));
   RecordingCanvas canvas({0, 0, 100, 100});
+  for (int i = 0; i < 1100; ++i) View().OnKeyDown(Key::kUp, 1);
+  EXPECT_EQ(View().displayScale, 0x1p1023);
+  EXPECT_EQ(View().GetScrollSize(), (PixelSize{INT32_MAX, INT32_MAX}));
   View().OnDraw(canvas);
-  for (int i = 0; i < 3000; ++i) View().OnKeyDown(Key::kDown, 1);
-  View().displayScale = 0.0;
+  for (int i = 0; i < 2200; ++i) View().OnKeyDown(Key::kDown, 1);
+  EXPECT_EQ(View().displayScale, 0x1p-1022);
+  EXPECT_EQ(View().GetScrollSize(), (PixelSize{100, 100}));
   View().OnDraw(canvas);
+  for (int i = 0; i < 1022; ++i) View().OnKeyDown(Key::kUp, 1);
+  EXPECT_EQ(View().displayScale, 1.0);
 }
 
 TEST_F(ViewTest, ScrollPositionKeepsItsRelativePlace) {

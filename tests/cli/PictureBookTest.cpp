@@ -1,0 +1,103 @@
+#include "cli/PictureBook.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <filesystem>
+
+#include "FakeView.h"
+#include "support/Pixels.h"
+#include "support/TempFolder.h"
+#include "support/TestFrontEnd.h"
+
+namespace corvane {
+namespace {
+
+class PictureBookTest : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(book_.MakeFolder()); }
+
+  TempFolder folder_;
+  TestFrontEnd inner_;
+  PictureBook book_{inner_, "out"};
+  FakeView a_{"a.lan"};
+  FakeView b_{"b.lan"};
+};
+
+using Paths = std::vector<std::string>;
+
+TEST_F(PictureBookTest, SavesThePictureOfAView) {
+  a_.segments = {{{5, 7}, {8, 7}}};
+  book_.OpenWindow(a_);
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-a.lan.png"});
+  const QImage image("out/01-a.lan.png");
+  EXPECT_EQ(image.size(), QSize(40, 30));
+  EXPECT_EQ(DrawnPixels(image), (std::vector<PixelPoint>{{5, 7}, {6, 7}, {7, 7}, {8, 7}}));
+}
+
+TEST_F(PictureBookTest, NumbersGoByTheFirstPicture) {
+  a_.hasPicture = false;
+  book_.OpenWindow(a_);
+  book_.OpenWindow(b_);
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-b.lan.png"});
+  a_.hasPicture = true;
+  EXPECT_EQ(book_.Save().paths, Paths{"out/02-a.lan.png"});
+}
+
+TEST_F(PictureBookTest, OnlyNewAndRepaintedWindowsAreSaved) {
+  book_.OpenWindow(a_);
+  book_.OpenWindow(b_);
+  EXPECT_EQ(book_.Save().paths.size(), 2u);
+  EXPECT_TRUE(book_.Save().paths.empty());
+  b_.title = "c/d:e.lan";
+  book_.RepaintWindow(b_, true);
+  EXPECT_EQ(book_.Save().paths, Paths{"out/02-c_d_e.lan.png"}) << "a window keeps its number";
+}
+
+TEST_F(PictureBookTest, ClosedWindowsAreForgotten) {
+  book_.OpenWindow(a_);
+  book_.Save();
+  book_.CloseWindow(a_);
+  book_.OpenWindow(b_);
+  EXPECT_EQ(book_.Save().paths, Paths{"out/02-b.lan.png"});
+  EXPECT_EQ(inner_.EventsWith("close-window"), std::vector<std::string>{"close-window: a.lan"});
+}
+
+TEST_F(PictureBookTest, RenamedWindowIsSavedAgainBesideItsOldPicture) {
+  book_.OpenWindow(a_);
+  book_.Save();
+  a_.title = "b.lan";
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-b.lan.png"});
+  EXPECT_TRUE(book_.Save().paths.empty());
+  EXPECT_TRUE(std::filesystem::exists("out/01-a.lan.png"));
+}
+
+TEST_F(PictureBookTest, FolderThatCantBeWrittenIsTold) {
+  WriteFileBytes("file", "");
+  EXPECT_FALSE(PictureBook(inner_, "file").MakeFolder());
+  EXPECT_FALSE(PictureBook(inner_, "file/folder").MakeFolder());
+  EXPECT_TRUE(PictureBook(inner_, "new/folder/").MakeFolder());
+  EXPECT_TRUE(std::filesystem::is_empty("new/folder")) << "the trial leaves nothing behind";
+}
+
+TEST_F(PictureBookTest, FailureIsReported) {
+  std::filesystem::remove("out");
+  WriteFileBytes("out", "");
+  book_.OpenWindow(a_);
+  EXPECT_EQ(book_.Save().failures, Paths{"The picture out/01-a.lan.png could not be written."});
+}
+
+TEST(PictureFileName, HoldsWhatAFileNameCan) {
+  EXPECT_EQ(PictureFileName(1, "survey.tin"), "01-survey.tin.png");
+  EXPECT_EQ(PictureFileName(100, "a:2"), "100-a_2.png");
+  EXPECT_EQ(PictureFileName(12, "a/b\\c\nd"), "12-a_b_c_d.png");
+  EXPECT_EQ(PictureFileName(2, "H\xc3\xb6he"), "02-H\xc3\xb6he.png");
+  // 150 characters of two bytes are cut at 100 of them.
+  std::string title;
+  for (int i = 0; i < 150; ++i) title += "\xc3\xb6";
+  EXPECT_EQ(PictureFileName(1, title), "01-" + title.substr(0, 200) + ".png");
+  EXPECT_EQ(PictureFileName(1, "x" + title), "01-x" + title.substr(0, 198) + ".png");
+}
+
+}  // namespace
+}  // namespace corvane
