@@ -1,6 +1,7 @@
 #include "cli/ScriptRecorder.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "cli/FormAnswer.h"
@@ -12,6 +13,9 @@ namespace corvane {
 namespace {
 
 constexpr const char* kCancel = "@cancel";
+
+// The first line of every record.
+constexpr const char* kHeading = "# Recorded by corvane. To replay: corvane-cli script --keep-going FILE";
 
 // The answer that gives these paths again. A name that begins like an answer of its own gets a folder.
 std::string PathsAnswer(const std::vector<std::string>& paths) {
@@ -36,11 +40,19 @@ std::string ScriptLine(const std::string& entry) {
 
 }  // namespace
 
+bool ScriptRecorder::MayReplace(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return true;
+  if (std::filesystem::file_size(path, error) == 0) return true;
+  std::ifstream file(path, std::ios::binary);
+  std::string line;
+  return std::getline(file, line) && line == kHeading;
+}
+
 ScriptRecorder::ScriptRecorder(FrontEnd& inner, const std::string& path)
     : ForwardingFrontEnd(inner), path_(path), file_(path, std::ios::binary | std::ios::trunc) {
   const std::string head =
-      "# Recorded by corvane. To replay: corvane-cli script --keep-going FILE\n"
-      "# (--keep-going passes over commands that failed or were cancelled.)\n";
+      kHeading + std::string("\n# (--keep-going passes over commands that failed or were cancelled.)\n");
   file_ << head << std::flush;
   entryStart_ = static_cast<std::int64_t>(head.size());
 }

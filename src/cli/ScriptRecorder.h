@@ -17,6 +17,10 @@ namespace corvane {
 // A record that can't be written any more is told once, by a box after the command.
 class ScriptRecorder : public ForwardingFrontEnd {
  public:
+  // Whether a record may take the place of what is on the path: of nothing, of an empty file or an older
+  // record, not of any other file.
+  static bool MayReplace(const std::string& path);
+
   // Starts a new script file. `inner` is the front end that the person sees.
   ScriptRecorder(FrontEnd& inner, const std::string& path);
 

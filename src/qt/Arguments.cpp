@@ -8,6 +8,7 @@ const char* const kUsage =
     "Opens the workbench, on FILE.tin or on an empty document.\n"
     "\n"
     "  --record FILE  write what is done in the window as a script for corvane-cli\n"
+    "  --trace        the debug stream goes to standard error\n"
     "  --help         show this text\n"
     "  --version      show the version\n";
 
@@ -23,6 +24,8 @@ Arguments ReadArguments(const std::vector<std::string>& words) {
       arguments.help = true;
     } else if (option && word == "--version") {
       arguments.version = true;
+    } else if (option && word == "--trace") {
+      arguments.trace = true;
     } else if (option && word.starts_with("--record=")) {
       arguments.record = word.substr(word.find('=') + 1);
     } else if (option && word == "--record" && i + 1 < words.size()) {

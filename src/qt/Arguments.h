@@ -5,10 +5,11 @@
 
 namespace corvane {
 
-// corvane [FILE.tin] [--record FILE] [--help] [--version]
+// corvane [FILE.tin] [--record FILE] [--trace] [--help] [--version]
 struct Arguments {
   std::string file;    // "" to start with an empty document
   std::string record;  // the script to write, "" for none
+  bool trace = false;  // the debug stream goes to standard error
   bool help = false;
   bool version = false;
   std::string problem;  // what is wrong with the call, "" if nothing is

@@ -1,7 +1,14 @@
 #include "qt/ChooserDialog.h"
 
+#include <QAbstractItemView>
+#include <QCompleter>
 #include <QFileInfo>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
+#include <QTreeView>
+#include <algorithm>
 
 #include "forms/ChosenPath.h"
 #include "io/Paths.h"
@@ -9,14 +16,19 @@
 
 namespace corvane {
 
+namespace {
+
+constexpr QSize kFirstSize(860, 520);
+constexpr int kTypeColumn = 2;
+
+}  // namespace
+
 QStringList NameFilters(const std::string& filter) {
   QStringList filters;
   for (const FilterEntry& entry : FilterEntries(filter)) {
-    QString name = Shown(entry.name);
-    if (name.trimmed().endsWith(')')) name.truncate(name.lastIndexOf('('));
     QStringList patterns = Shown(entry.pattern).split(';', Qt::SkipEmptyParts);
     patterns.replaceInStrings("*.*", "*");
-    filters.append(name.trimmed() + " (" + patterns.join(' ') + ")");
+    filters.append(Shown(entry.name).trimmed() + "(" + patterns.join(' ') + ")");
   }
   return filters;
 }
@@ -25,9 +37,10 @@ CChooserDialog::CChooserDialog(const FileChooser& chooser, const QString& folder
     : QFileDialog(parent), chooser_(chooser) {
   const bool save = chooser.mode == FileChooser::Mode::Save;
   setOption(DontUseNativeDialog);
+  setOption(HideNameFilterDetails);
   setOption(DontConfirmOverwrite);  // the check here knows the default extension
   setAcceptMode(save ? AcceptSave : AcceptOpen);
-  setFileMode(chooser.multiple ? ExistingFiles : AnyFile);
+  setFileMode(AnyFile);  // names without a file reach the checks here
   if (!chooser.title.empty()) {
     setWindowTitle(Shown(chooser.title));
   } else {
@@ -35,6 +48,7 @@ CChooserDialog::CChooserDialog(const FileChooser& chooser, const QString& folder
   }
   const QStringList filters = NameFilters(chooser.filter);
   if (!filters.isEmpty()) setNameFilters(filters);
+  ShowWide();
   setDirectory(folder);
   if (!chooser.defaultName.empty()) selectFile(Shown(chooser.defaultName));
 }
@@ -45,16 +59,59 @@ std::vector<std::string> CChooserDialog::GetPaths() const {
   return paths;
 }
 
+// Qt's lists of several files take only names that exist, so the chooser is one of single names to Qt.
+void CChooserDialog::ShowWide() {
+  resize(kFirstSize);
+  auto* details = findChild<QTreeView*>("treeView");
+  details->setColumnHidden(kTypeColumn, true);
+  details->header()->setStretchLastSection(false);
+  details->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+  if (!chooser_.multiple) return;
+  details->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  findChild<QListView*>("listView")->setSelectionMode(QAbstractItemView::ExtendedSelection);
+}
+
 void CChooserDialog::accept() {
   const QStringList files = selectedFiles();
-  const bool oneFile = !chooser_.multiple && files.size() == 1 && !QFileInfo(files.front()).isDir();
-  if (oneFile && !MayAccept(GetPaths().front())) return;
-  QFileDialog::accept();
+  const bool accepted =
+      !files.isEmpty() && std::all_of(files.begin(), files.end(), [this](const auto& f) { return Accepts(f); });
+  if (accepted) {
+    QDialog::accept();
+  } else {
+    SelectName();
+  }
+}
+
+bool CChooserDialog::Accepts(const QString& file) {
+  const QFileInfo info(file);
+  if (info.isDir()) {
+    setDirectory(file);
+    return false;
+  }
+  const bool pattern = info.fileName().contains('*') || info.fileName().contains('?');
+  if (pattern && !info.exists()) {
+    FilterBy(info.fileName());
+    return false;
+  }
+  return MayAccept(ChosenPath(chooser_, Plain(file)));
+}
+
+void CChooserDialog::FilterBy(const QString& pattern) {
+  const QString filter = pattern + "(" + pattern + ")";
+  setNameFilters(NameFilters(chooser_.filter) + QStringList(filter));
+  selectNameFilter(filter);
+}
+
+// The next typed name takes the place of this one.
+void CChooserDialog::SelectName() {
+  auto* name = findChild<QLineEdit*>("fileNameEdit");
+  if (name->completer()) name->completer()->popup()->hide();
+  name->setFocus();
+  name->selectAll();
 }
 
 bool CChooserDialog::MayAccept(const std::string& path) {
   const QString name = Shown(corvane::FileName(path));
-  if (name.contains('*') || name.contains('?')) return false;  // a pattern, not yet a name
   if (chooser_.mode == FileChooser::Mode::Save && FileExists(path)) {
     return QMessageBox::warning(this, windowTitle(), name + " already exists.\nDo you want to replace it?",
                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;

@@ -47,6 +47,15 @@ QListWidget* MakeList(const FormField& field) {
   return list;
 }
 
+// A title bar may be cut off, or there may be none.
+QLabel* MakeQuestion(const std::string& title) {
+  auto* question = new QLabel(Shown(title));
+  question->setObjectName("question");
+  question->setTextFormat(Qt::PlainText);
+  question->setWordWrap(true);
+  return question;
+}
+
 }  // namespace
 
 CFormDialog::CFormDialog(const Form& form, Buttons buttons, Browser browse, QWidget* parent)
@@ -54,6 +63,7 @@ CFormDialog::CFormDialog(const Form& form, Buttons buttons, Browser browse, QWid
   setWindowTitle(Shown(form.title));
   auto* layout = new QVBoxLayout(this);
   layout->addStrut(std::min(kWidestTitle, fontMetrics().horizontalAdvance(windowTitle()) + kTitleButtons));
+  if (buttons == Buttons::None) layout->addWidget(MakeQuestion(form.title));
   auto* grid = new QGridLayout;
   grid->setColumnStretch(kEditorColumn, 1);
   layout->addLayout(grid);

@@ -15,10 +15,12 @@
 #include <algorithm>
 #include <chrono>
 
+#include "io/NumberText.h"
 #include "qt/Icons.h"
 #include "qt/QtText.h"
 #include "qt/ViewWindow.h"
 #include "shell/ChildFrm.h"
+#include "shell/CorvaneView.h"
 
 namespace corvane {
 
@@ -70,7 +72,6 @@ std::vector<std::string> TinFiles(const QMimeData& data) {
 
 CMainWindow::CMainWindow(CCorvaneApp& app) : app_(app), area_(new QMdiArea) {
   setWindowIcon(ProgramIcon());
-  setWindowTitle(kProgramName);
   setContextMenuPolicy(Qt::NoContextMenu);
   setAcceptDrops(true);
   resize(kFirstSize);
@@ -114,6 +115,7 @@ QMdiSubWindow* CMainWindow::FindSubWindow(const WindowView& view) const {
 
 void CMainWindow::OpenWindow(WindowView& view) {
   auto* window = new CViewWindow(view);
+  window->onZoom = [this, &view] { ShowScale(view); };
   auto* subWindow = new CSubWindow(window, [this, &view] { OnSubWindowClose(view); });
   windows_[&view] = subWindow;
   {
@@ -166,8 +168,22 @@ void CMainWindow::UpdateWindowFrame(WindowView& view) {
   RefreshTitles();
 }
 
+void CMainWindow::SetStatusText(int pane, const std::string& text) {
+  panes_->SetText(pane, text);
+  if (pane == 0) messageSet_ = true;
+}
+
+void CMainWindow::ShowScale(const WindowView& view) {
+  if (const auto* tinView = dynamic_cast<const CCorvaneView*>(&view)) {
+    panes_->SetText(0, "Scale: " + ShortestText(tinView->displayScale) + " pixels a unit");
+  }
+}
+
 void CMainWindow::CommandStarted() {
-  ++running_;
+  if (running_++ == 0) {
+    panes_->SetText(0, "");
+    messageSet_ = false;
+  }
   ShowUncovered();
 }
 
@@ -179,9 +195,15 @@ void CMainWindow::ShowUncovered() {
   loop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
-void CMainWindow::CommandEnded() {
-  --running_;
+void CMainWindow::CommandEnded(CommandResult result) {
+  if (--running_ == 0) ShowEnd(result);
   Refresh();
+}
+
+void CMainWindow::ShowEnd(CommandResult result) {
+  static constexpr const char* kTexts[] = {"Done.", "Failed.", "Cancelled."};
+  if (messageSet_ && result != CommandResult::Failed) return;
+  panes_->SetText(0, kTexts[static_cast<int>(result)]);
 }
 
 void CMainWindow::OpenPath(const std::string& path) {
@@ -230,7 +252,8 @@ void CMainWindow::MakeActive(CView& view) {
   app_.GetMainFrame().SetActiveView(&view);
   const CDocument& document = view.GetDocumentBase();
   if (before != &document && running_ == 0 && onActivation) {
-    onActivation(document.GetPathName(), document.GetTitle());
+    // To open the path again would read it anew where nothing has come of it so far.
+    onActivation(document.HasContent() ? document.GetPathName() : "", document.GetTitle());
   }
   Refresh();
 }
@@ -247,38 +270,45 @@ void CMainWindow::OnSubWindowClose(WindowView& view) {
   Refresh();
 }
 
-// As the command, so that a record of the session has it. False if the person cancelled.
-bool CMainWindow::CloseActiveDocument() {
+// As the command, so that a record of the session has it.
+void CMainWindow::CloseActiveDocument() {
   for (const CommandRow& row : app_.GetCommands()) {
-    if (CommandName(row) == kClose) return app_.RunCommand(row) == CommandResult::Done;
+    if (CommandName(row) == kClose) app_.RunCommand(row);
   }
-  return false;
 }
 
-// Asks for each changed document; what is unchanged stays open until all have answered.
+// Asks for each changed document and closes none: the program's end does, if all have answered.
 void CMainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (running_ != 0) return;
-  while (true) {
-    const auto& documents = app_.GetDocuments();
-    const auto changed = std::find_if(documents.begin(), documents.end(),
-                                      [](const auto& document) { return document->IsModified(); });
-    if (changed == documents.end()) break;
-    CView& view = (*changed)->GetFrames().front()->GetView();
-    MakeActive(view);
-    ActivateWindow(view);
-    if (!CloseActiveDocument()) return;
+  for (const auto& document : app_.GetDocuments()) {
+    if (document->IsModified() && !SaveOrDiscard(*document)) return;
   }
   event->accept();
+}
+
+// False if the person cancelled, or the saving failed.
+bool CMainWindow::SaveOrDiscard(CDocument& document) {
+  CView& view = document.GetFrames().front()->GetView();
+  MakeActive(view);
+  ActivateWindow(view);
+  const SaveChoice choice = Ui().AskSaveChanges(document.GetTitle());
+  if (choice != SaveChoice::Save) return choice == SaveChoice::Discard;
+  const bool saved = app_.SaveDocument(document, false) == CommandResult::Done;
+  Refresh();
+  return saved;
 }
 
 void CMainWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (running_ == 0 && !TinFiles(*event->mimeData()).empty()) event->acceptProposedAction();
 }
 
+// The drag's source waits for the end of the event; what the opening shows and asks must not keep it.
 void CMainWindow::dropEvent(QDropEvent* event) {
   event->acceptProposedAction();
-  for (const std::string& path : TinFiles(*event->mimeData())) OpenPath(path);
+  QTimer::singleShot(0, this, [this, paths = TinFiles(*event->mimeData())] {
+    for (const std::string& path : paths) OpenPath(path);
+  });
 }
 
 void CMainWindow::Refresh() {
@@ -314,11 +344,16 @@ void CMainWindow::RefreshTitles() {
     subWindow->setWindowTitle(Shown(view->GetTitle()) + "[*]");
     subWindow->setWindowModified(documentView && documentView->GetDocumentBase().IsModified());
   }
-  // A maximised window's title is added to the main window's by itself.
   const CView* active = app_.GetMainFrame().GetActiveView();
-  const QMdiSubWindow* subWindow = active ? FindSubWindow(*active) : nullptr;
-  const bool alone = !subWindow || subWindow->isMaximized();
-  setWindowTitle(alone ? QString(kProgramName) : Shown(active->GetTitle()) + " - " + kProgramName);
+  title_ = active ? Shown(active->GetTitle()) + "[*] - " + kProgramName : QString(kProgramName);
+  setWindowTitle(title_);
+  setWindowModified(active && active->GetDocumentBase().IsModified());
+}
+
+// A maximised document window adds its own title to this one's; the title names it already.
+void CMainWindow::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowTitleChange) setWindowTitle(title_);
 }
 
 }  // namespace corvane

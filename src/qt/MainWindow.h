@@ -29,7 +29,7 @@ class CMainWindow : public QMainWindow {
   ~CMainWindow() override;
 
   // Hears of a person, not a command, having gone over to a window of another document: its path, "" if it
-  // has none, and its title.
+  // has none or has nothing of what is there, and its title.
   std::function<void(const std::string& path, const std::string& title)> onActivation;
 
   void OpenWindow(WindowView& view);
@@ -37,11 +37,12 @@ class CMainWindow : public QMainWindow {
   void ActivateWindow(WindowView& view);
   void RepaintWindow(WindowView& view, bool atOnce);
   void UpdateWindowFrame(WindowView& view);
-  void SetStatusText(int pane, const std::string& text) { panes_->SetText(pane, text); }
+  void SetStatusText(int pane, const std::string& text);
 
-  // While a command runs no other one starts.
+  // While a command runs no other one starts. The message pane begins empty, and tells how a command ended
+  // that has failed or has said nothing itself.
   void CommandStarted();
-  void CommandEnded();
+  void CommandEnded(CommandResult result);
 
   // Shows again what a menu or a dialog that has just closed left uncovered: a command that goes on from
   // there keeps the event loop waiting.
@@ -60,6 +61,7 @@ class CMainWindow : public QMainWindow {
   CViewWindow* FindWindow(const WindowView& view) const;
 
  protected:
+  void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -73,7 +75,10 @@ class CMainWindow : public QMainWindow {
   void OnSubWindowActivated(QMdiSubWindow* subWindow);
   void OnSubWindowClose(WindowView& view);
   void MakeActive(CView& view);
-  bool CloseActiveDocument();
+  void CloseActiveDocument();
+  bool SaveOrDiscard(CDocument& document);
+  void ShowEnd(CommandResult result);
+  void ShowScale(const WindowView& view);
 
   void RefreshMenus();
   void RefreshTitles();
@@ -106,6 +111,8 @@ class CMainWindow : public QMainWindow {
   std::optional<WindowKind> shownKind_;  // whose menus stand on the menu bar
   int nOpened_ = 0;                      // windows since the start
   int running_ = 0;                      // commands under way
+  bool messageSet_ = false;              // the command has set the text of the message pane
+  QString title_;                        // of this window
   bool following_ = false;               // windows change at the program's own wish
 };
 

@@ -69,7 +69,7 @@ class CMenus {
 };
 
 // An entry of the recent-file list, numbered from 1: "&1 /folder/name.tin". A path that is too long for a
-// menu loses folders in the middle.
+// menu loses its first folders.
 QString RecentFileText(std::size_t number, const std::string& path);
 
 }  // namespace corvane

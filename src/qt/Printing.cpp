@@ -1,5 +1,6 @@
 #include "qt/Printing.h"
 
+#include <QPageSetupDialog>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
@@ -7,6 +8,7 @@
 
 #include "picture/QtCanvas.h"
 #include "qt/QtText.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
@@ -29,31 +31,41 @@ QPrinter& CPrinting::GetPrinter() {
 }
 
 void CPrinting::Print(WindowView& view, QWidget* parent) {
+  GetPrinter().setDocName(Shown(view.GetTitle()));  // the dialog shows it
   QPrintDialog dialog(&GetPrinter(), parent);
   dialog.setWindowTitle("Print");
-  GetPrinter().setDocName(Shown(view.GetTitle()));
-  if (dialog.exec() == QDialog::Accepted) DrawPage(view, GetPrinter());
+  if (dialog.exec() != QDialog::Accepted) return;
+  bool printed = false;
+  {
+    WaitCursor wait;
+    printed = DrawPage(view, GetPrinter());
+  }
+  if (!printed) ShowWarning("The page could not be printed.");
 }
 
 void CPrinting::Preview(WindowView& view, QWidget* parent) {
+  GetPrinter().setDocName(Shown(view.GetTitle()));
   QPrintPreviewDialog dialog(&GetPrinter(), parent);
   dialog.setWindowTitle("Print Preview");
   dialog.resize(parent->size() * 4 / 5);
   QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                   [&view](QPrinter* printer) { DrawPage(view, *printer); });
+                   [&view](QPrinter* printer) {
+    WaitCursor wait;
+    DrawPage(view, *printer);
+  });
   dialog.exec();
 }
 
 void CPrinting::SetUp(QWidget* parent) {
-  QPrintDialog dialog(&GetPrinter(), parent);
+  QPageSetupDialog dialog(&GetPrinter(), parent);
   dialog.setWindowTitle("Print Setup");
   dialog.exec();
 }
 
-void DrawPage(WindowView& view, QPrinter& printer) {
+bool DrawPage(WindowView& view, QPrinter& printer) {
   const PixelSize picture = view.GetPictureSize();
   QPainter painter;
-  if (picture.width < 1 || picture.height < 1 || !painter.begin(&printer)) return;
+  if (picture.width < 1 || picture.height < 1 || !painter.begin(&printer)) return false;
   const QRect page = painter.viewport();
   const double scale = std::min(static_cast<double>(page.width()) / picture.width,
                                 static_cast<double>(page.height()) / picture.height);
@@ -61,6 +73,7 @@ void DrawPage(WindowView& view, QPrinter& printer) {
   painter.scale(scale, scale);
   QtCanvas canvas(painter, {0, 0, picture.width, picture.height});
   view.DrawPicture(canvas);
+  return painter.end();
 }
 
 }  // namespace corvane

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QLoggingCategory>
 #include <QMessageBox>
 #include <QPushButton>
 #include <cstdio>
@@ -18,8 +17,6 @@ namespace corvane {
 namespace {
 
 constexpr const char* kProgramName = "Corvane";
-
-Q_LOGGING_CATEGORY(traceLog, "corvane", QtWarningMsg)
 
 QMessageBox::Icon IconOf(MessageKind kind) {
   static constexpr QMessageBox::Icon kIcons[] = {QMessageBox::NoIcon, QMessageBox::Critical,
@@ -48,6 +45,9 @@ int QtFrontEnd::Show(QDialog& dialog) {
 
 std::optional<std::vector<std::string>> QtFrontEnd::ChooseFiles(const FileChooser& chooser) {
   CChooserDialog dialog(chooser, folder_, DialogParent());
+  if (chooser.title.empty() && !command_.isEmpty()) {
+    dialog.setWindowTitle(command_ + ": " + dialog.windowTitle());
+  }
   if (Show(dialog) != QDialog::Accepted) return std::nullopt;
   auto paths = dialog.GetPaths();
   folder_ = QFileInfo(Shown(paths.front())).absolutePath();
@@ -118,9 +118,7 @@ void QtFrontEnd::Print(const std::string& text) {
 }
 
 void QtFrontEnd::Trace(const std::string& text) {
-  QString line = Shown(text);
-  if (line.endsWith('\n')) line.chop(1);  // the log ends its lines itself
-  qCDebug(traceLog).noquote() << line;
+  if (tracing_) std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
 void QtFrontEnd::OpenWindow(WindowView& view) {
@@ -143,12 +141,14 @@ void QtFrontEnd::UpdateWindowFrame(WindowView& view) {
   if (mainWindow_) mainWindow_->UpdateWindowFrame(view);
 }
 
-void QtFrontEnd::CommandStarted(const std::string&) {
+void QtFrontEnd::CommandStarted(const std::string& name) {
+  command_ = Shown(name).section(" > ", -1);
   if (mainWindow_) mainWindow_->CommandStarted();
 }
 
-void QtFrontEnd::CommandEnded(const std::string&, CommandResult) {
-  if (mainWindow_) mainWindow_->CommandEnded();
+void QtFrontEnd::CommandEnded(const std::string&, CommandResult result) {
+  command_.clear();
+  if (mainWindow_) mainWindow_->CommandEnded(result);
 }
 
 }  // namespace corvane

@@ -20,6 +20,9 @@ class QtFrontEnd : public FrontEnd {
   // The window that shows documents and status; without one dialogs stand alone and nothing else shows.
   void SetMainWindow(CMainWindow* mainWindow) { mainWindow_ = mainWindow; }
 
+  // Whether the debug stream goes to standard error.
+  void SetTracing(bool on) { tracing_ = on; }
+
   std::optional<std::vector<std::string>> ChooseFiles(const FileChooser& chooser) override;
   std::optional<double> AskValue(const std::string& title, double shown) override;
   bool AskForm(Form& form) override;
@@ -29,7 +32,7 @@ class QtFrontEnd : public FrontEnd {
   void SetStatusText(int pane, const std::string& text) override;
   void SetWaitCursor(bool on) override;
   void Print(const std::string& text) override;
-  // Goes to Qt's logging, category "corvane", which shows it if asked to.
+  // Shows on standard error with SetTracing(true).
   void Trace(const std::string& text) override;
 
   void OpenWindow(WindowView& view) override;
@@ -49,6 +52,8 @@ class QtFrontEnd : public FrontEnd {
 
   CMainWindow* mainWindow_ = nullptr;
   QString folder_;  // where the next chooser opens
+  QString command_;  // the item of the running command, "" for none
+  bool tracing_ = false;
   int waiting_ = 0;
 };
 

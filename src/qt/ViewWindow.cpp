@@ -10,6 +10,7 @@
 #include <cstdlib>
 
 #include "picture/QtCanvas.h"
+#include "shell/CorvaneView.h"
 
 namespace corvane {
 
@@ -49,6 +50,13 @@ int ViewKey(const QKeyEvent& event) {
     default:
       return 0;
   }
+}
+
+QString WhyEmpty(const WindowView& view) {
+  const auto* tinView = dynamic_cast<const CCorvaneView*>(&view);
+  if (!tinView || tinView->HasPicture()) return {};
+  return tinView->GetDocument().GetTIN().IsStored() ? "Not painted: the TIN was loaded for a command"
+                                                    : "No TIN";
 }
 
 CViewWindow::CViewWindow(WindowView& view) : view_(&view) {
@@ -99,6 +107,8 @@ void CViewWindow::paintEvent(QPaintEvent* event) {
                              origin.y + exposed.top() + exposed.height()};
   QtCanvas canvas(painter, visible, origin);
   view_->OnDraw(canvas);
+  painter.setPen(Qt::gray);
+  painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, WhyEmpty(*view_));
 }
 
 void CViewWindow::resizeEvent(QResizeEvent* event) {
@@ -112,7 +122,7 @@ void CViewWindow::scrollContentsBy(int dx, int dy) {
   if (!view_ || updating_) return;
   view_->SetScrollPosition({horizontalScrollBar()->value(), verticalScrollBar()->value()});
   const bool near = std::abs(dx) < viewport()->width() && std::abs(dy) < viewport()->height();
-  if (near) {
+  if (near && WhyEmpty(*view_).isEmpty()) {
     viewport()->scroll(dx, dy);  // only the strip that comes into sight is painted
   } else {
     viewport()->update();
@@ -121,9 +131,15 @@ void CViewWindow::scrollContentsBy(int dx, int dy) {
 
 void CViewWindow::keyPressEvent(QKeyEvent* event) {
   const int key = ViewKey(*event);
-  if (view_ && key != 0 && view_->OnKeyDown(key, event->count())) return;
+  if (view_ && key != 0 && PassKey(key, event->count())) return;
   if (ScrollByKey(event->key())) return;
   QAbstractScrollArea::keyPressEvent(event);
+}
+
+bool CViewWindow::PassKey(int key, int repeatCount) {
+  const bool acted = view_->OnKeyDown(key, repeatCount);
+  if (acted && (key == Key::kUp || key == Key::kDown) && onZoom) onZoom();
+  return acted;
 }
 
 bool CViewWindow::ScrollByKey(int key) {
@@ -142,7 +158,7 @@ void CViewWindow::wheelEvent(QWheelEvent* event) {
   wheelAngle_ %= kAnglePerNotch;
   if (!view_) return;
   if (event->modifiers() & Qt::ControlModifier) {
-    for (int i = 0; i < std::abs(notches); ++i) view_->OnKeyDown(notches > 0 ? Key::kUp : Key::kDown, 1);
+    for (int i = 0; i < std::abs(notches); ++i) PassKey(notches > 0 ? Key::kUp : Key::kDown, 1);
     event->accept();
   } else if (notches == 0 || !view_->OnMouseWheel(notches)) {
     QAbstractScrollArea::wheelEvent(event);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractScrollArea>
+#include <functional>
 
 #include "ui/WindowView.h"
 
@@ -8,10 +9,14 @@ class QKeyEvent;
 
 namespace corvane {
 
-// The window on a view: shows its drawing, scrolls it, and passes keys and wheel on to it.
+// The window on a view: shows its drawing, or why there is none, scrolls it, and passes keys and wheel on to
+// it.
 class CViewWindow : public QAbstractScrollArea {
  public:
   explicit CViewWindow(WindowView& view);
+
+  // Hears of a key or the wheel having changed the scale.
+  std::function<void()> onZoom;
 
   // Null after Detach.
   WindowView* GetView() const { return view_; }
@@ -36,6 +41,7 @@ class CViewWindow : public QAbstractScrollArea {
  private:
   QSize ShownSize() const;
   void SetScrollBars(QSize shown);
+  bool PassKey(int key, int repeatCount);
   bool ScrollByKey(int key);
 
   WindowView* view_;
@@ -48,5 +54,8 @@ class CViewWindow : public QAbstractScrollArea {
 // The view's key for a key event: letters and digits as upper-case characters, the arrows as Key's; 0 for
 // keys that views do not get.
 int ViewKey(const QKeyEvent& event);
+
+// Why the view has nothing to paint; "" if it has.
+QString WhyEmpty(const WindowView& view);
 
 }  // namespace corvane

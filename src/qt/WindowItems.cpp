@@ -1,5 +1,6 @@
 // The main window's standard items.
 
+#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMessageBox>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr const char* kAboutText = "Corvane Version 1.0";
 
+constexpr int kHelpWidth = 620;  // pixels
 constexpr const char* kHelpText =
     "<p>The user's guide stands in the folder <b>docs</b> of Corvane's sources. The status bar tells what "
     "each "
@@ -115,6 +117,7 @@ void CMainWindow::ListWindows() {
 void CMainWindow::ShowHelpTopics() {
   QMessageBox box(QMessageBox::Information, "Help Topics", kHelpText, QMessageBox::Ok, this);
   box.setTextFormat(Qt::RichText);
+  box.findChild<QLabel*>("qt_msgbox_label")->setMinimumWidth(kHelpWidth);  // no line of the table wraps
   box.exec();
 }
 

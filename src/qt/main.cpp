@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <memory>
@@ -21,11 +22,32 @@ std::vector<std::string> Words(int argc, char** argv) {
   return {argv + 1, argv + argc};
 }
 
+// Whether there is a display to show a window on, or a platform was chosen that needs none.
+bool HasDisplay(const std::vector<std::string>& words) {
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    if (!qEnvironmentVariableIsEmpty(name)) return true;
+  }
+  return std::any_of(words.begin(), words.end(), [](const std::string& word) {
+    return word == "-platform" || word == "--platform" || word == "-display" || word == "--display";
+  });
+}
+
+int TellWrongUsage(const Arguments& arguments) {
+  std::fprintf(stderr, "corvane: %s\n%s", arguments.problem.c_str(), kUsage);
+  return kWrongUsage;
+}
+
 // The program from its start-up to the end of the event loop.
 int RunWorkbench(QApplication& application, const Arguments& arguments) {
   QtFrontEnd window;
+  window.SetTracing(arguments.trace);
   std::unique_ptr<ScriptRecorder> recorder;
   if (!arguments.record.empty()) {
+    if (!ScriptRecorder::MayReplace(arguments.record)) {
+      std::fprintf(stderr, "corvane: %s is there and holds no record; it is left as it is.\n",
+                   arguments.record.c_str());
+      return EXIT_FAILURE;
+    }
     recorder = std::make_unique<ScriptRecorder>(window, arguments.record);
     if (!recorder->IsGood()) {
       std::fprintf(stderr, "corvane: %s can't be written.\n", arguments.record.c_str());
@@ -59,10 +81,16 @@ int RunWorkbench(QApplication& application, const Arguments& arguments) {
 
 int main(int argc, char** argv) {
   using namespace corvane;
-  const Arguments first = ReadArguments(Words(argc, argv));
+  const std::vector<std::string> words = Words(argc, argv);
+  const Arguments first = ReadArguments(words);
   if (first.help || first.version) {  // these need no display
     std::fputs(first.help ? kUsage : "corvane 1.0\n", stdout);
     return EXIT_SUCCESS;
+  }
+  if (!HasDisplay(words)) {
+    if (!first.problem.empty()) return TellWrongUsage(first);
+    std::fputs("corvane: there is no display; use corvane-cli.\n", stderr);
+    return EXIT_FAILURE;
   }
 
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -72,9 +100,6 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("corvane");
 
   const Arguments arguments = ReadArguments(Words(argc, argv));
-  if (!arguments.problem.empty()) {
-    std::fprintf(stderr, "corvane: %s\n%s", arguments.problem.c_str(), kUsage);
-    return kWrongUsage;
-  }
+  if (!arguments.problem.empty()) return TellWrongUsage(arguments);
   return RunWorkbench(application, arguments);
 }

@@ -191,6 +191,23 @@ TEST_F(ScriptRecorderTest, ActivatedWindowIsOpenedAgain) {
             "# The window on Corvane 2 became the active one.\n");
 }
 
+TEST(ScriptRecorder, OnlyAnOlderRecordMayBeReplaced) {
+  const TempFolder folder;
+  EXPECT_TRUE(ScriptRecorder::MayReplace("new.txt"));
+  WriteFileBytes("empty.txt", "");
+  EXPECT_TRUE(ScriptRecorder::MayReplace("empty.txt"));
+  WriteFileBytes("survey.tin", std::string(84, '\0'));
+  EXPECT_FALSE(ScriptRecorder::MayReplace("survey.tin"));
+  WriteFileBytes("other.txt", "# My own script\n");
+  EXPECT_FALSE(ScriptRecorder::MayReplace("other.txt"));
+  TestFrontEnd inner;
+  {
+    ScriptRecorder recorder(inner, "day.txt");
+    recorder.CommandStarted("A");
+  }
+  EXPECT_TRUE(ScriptRecorder::MayReplace("day.txt"));
+}
+
 TEST(ScriptRecorder, StartsANewScript) {
   const TempFolder folder;
   WriteFileBytes("day.txt", std::string(10000, 'x'));

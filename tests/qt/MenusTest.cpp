@@ -214,7 +214,7 @@ TEST(Menus, RecentFileOpensItsPath) {
   EXPECT_EQ(bench.ActiveView().GetTitle(), "a.tin");
 }
 
-TEST(Menus, LongRecentPathsLoseFoldersInTheMiddle) {
+TEST(Menus, LongRecentPathsLoseTheirFirstFolders) {
   EXPECT_EQ(RecentFileText(1, "/a/b.tin").toStdString(), "&1 /a/b.tin");
   EXPECT_EQ(RecentFileText(2, "/a/R&D.tin").toStdString(), "&2 /a/R&&D.tin");
   const std::string tens = "0123456789/0123456789/0123456789/0123456789/0123456789";  // 54
