@@ -53,28 +53,38 @@ CChooserDialog::CChooserDialog(const FileChooser& chooser, const QString& folder
   if (!chooser.defaultName.empty()) selectFile(Shown(chooser.defaultName));
 }
 
+// Several names stand in quotes. Qt gives those that exist, and leaves the others out.
+QStringList CChooserDialog::GetFiles() const {
+  const QStringList parts = findChild<QLineEdit*>("fileNameEdit")->text().split('"');
+  if (!chooser_.multiple || parts.size() < 2) return selectedFiles();
+  QStringList files;
+  for (qsizetype i = 1; i < parts.size(); i += 2) files.append(directory().absoluteFilePath(parts[i]));
+  return files;
+}
+
 std::vector<std::string> CChooserDialog::GetPaths() const {
   std::vector<std::string> paths;
-  for (const QString& file : selectedFiles()) paths.push_back(ChosenPath(chooser_, Plain(file)));
+  for (const QString& file : GetFiles()) paths.push_back(ChosenPath(chooser_, Plain(file)));
   return paths;
 }
 
-// Qt's lists of several files take only names that exist, so the chooser is one of single names to Qt.
 void CChooserDialog::ShowWide() {
   resize(kFirstSize);
   auto* details = findChild<QTreeView*>("treeView");
   details->setColumnHidden(kTypeColumn, true);
   details->header()->setStretchLastSection(false);
+  details->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   details->header()->setSectionResizeMode(0, QHeaderView::Stretch);
   if (!chooser_.multiple) return;
+  // Qt's own mode for several files refuses names that do not exist.
   details->setSelectionMode(QAbstractItemView::ExtendedSelection);
   findChild<QListView*>("listView")->setSelectionMode(QAbstractItemView::ExtendedSelection);
 }
 
 void CChooserDialog::accept() {
-  const QStringList files = selectedFiles();
-  const bool accepted =
-      !files.isEmpty() && std::all_of(files.begin(), files.end(), [this](const auto& f) { return Accepts(f); });
+  const QStringList files = GetFiles();
+  const bool accepted = !files.isEmpty() &&
+                        std::all_of(files.begin(), files.end(), [this](const auto& f) { return Accepts(f); });
   if (accepted) {
     QDialog::accept();
   } else {

@@ -23,6 +23,7 @@ class CChooserDialog : public QFileDialog {
   void accept() override;
 
  private:
+  QStringList GetFiles() const;
   // Whether a typed or selected name is the person's answer.
   bool Accepts(const QString& file);
   bool MayAccept(const std::string& path);

@@ -72,6 +72,7 @@ std::vector<std::string> TinFiles(const QMimeData& data) {
 
 CMainWindow::CMainWindow(CCorvaneApp& app) : app_(app), area_(new QMdiArea) {
   setWindowIcon(ProgramIcon());
+  setWindowTitle(title_ = kProgramName);
   setContextMenuPolicy(Qt::NoContextMenu);
   setAcceptDrops(true);
   resize(kFirstSize);
@@ -281,8 +282,9 @@ void CMainWindow::CloseActiveDocument() {
 void CMainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (running_ != 0) return;
-  for (const auto& document : app_.GetDocuments()) {
-    if (document->IsModified() && !SaveOrDiscard(*document)) return;
+  const auto& documents = app_.GetDocuments();
+  for (std::size_t i = 0; i < documents.size(); ++i) {
+    if (documents[i]->IsModified() && !SaveOrDiscard(*documents[i])) return;
   }
   event->accept();
 }

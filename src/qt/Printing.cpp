@@ -48,8 +48,7 @@ void CPrinting::Preview(WindowView& view, QWidget* parent) {
   QPrintPreviewDialog dialog(&GetPrinter(), parent);
   dialog.setWindowTitle("Print Preview");
   dialog.resize(parent->size() * 4 / 5);
-  QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                   [&view](QPrinter* printer) {
+  QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [&view](QPrinter* printer) {
     WaitCursor wait;
     DrawPage(view, *printer);
   });

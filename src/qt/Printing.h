@@ -26,8 +26,8 @@ class CPrinting {
   std::unique_ptr<QPrinter> printer_;  // made when first needed: looking for printers takes time
 };
 
-// Draws the picture on one page, as large as fits, centred. False if there is no picture, or the printer takes
-// none.
+// Draws the picture on one page, as large as fits, centred. False if there is no picture, or the printer
+// takes none.
 bool DrawPage(WindowView& view, QPrinter& printer);
 
 }  // namespace corvane

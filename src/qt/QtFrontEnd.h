@@ -51,7 +51,7 @@ class QtFrontEnd : public FrontEnd {
   std::optional<std::string> Browse(const FileChooser& chooser);
 
   CMainWindow* mainWindow_ = nullptr;
-  QString folder_;  // where the next chooser opens
+  QString folder_;   // where the next chooser opens
   QString command_;  // the item of the running command, "" for none
   bool tracing_ = false;
   int waiting_ = 0;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -48,13 +49,37 @@ ModalScript::Step Enter(const char* name, const char* button) {
   };
 }
 
+// Types a name without selecting what stands in the box, as a person would.
+ModalScript::Step EnterOver(const char* name, const char* button) {
+  return [=](QWidget& dialog) {
+    auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+    EXPECT_EQ(edit->selectedText(), edit->text());
+    edit->insert(name);
+    PressButton(dialog, button);
+  };
+}
+
+// Types several names, in quotes. Without the focus, which a test can't count on, Qt writes what it finds of
+// them back into the box: it must not hear of them.
+ModalScript::Step EnterSeveral(const char* names) {
+  return [=](QWidget& dialog) {
+    TypeInto(dialog, "fileNameEdit", "x");
+    auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+    {
+      const QSignalBlocker blocker(edit);
+      edit->setText(names);
+    }
+    PressButton(dialog, "Open");
+  };
+}
+
 using Paths = std::vector<std::string>;
 
 TEST(NameFilters, OnePerPair) {
   EXPECT_EQ(NameFilters("TIN Files (*.tin)|*.tin|All Files (*.*)|*.*|"),
-            QStringList({"TIN Files (*.tin)", "All Files (*)"}));
-  EXPECT_EQ(NameFilters("Files(*.tin)|*.TIN|"), QStringList({"Files (*.TIN)"}));
-  EXPECT_EQ(NameFilters("Bitmaps|*.bmp;*.dib|"), QStringList({"Bitmaps (*.bmp *.dib)"}));
+            QStringList({"TIN Files (*.tin)(*.tin)", "All Files (*.*)(*)"}));
+  EXPECT_EQ(NameFilters("Files(*.tin)|*.TIN|"), QStringList({"Files(*.tin)(*.TIN)"}));
+  EXPECT_EQ(NameFilters("Bitmaps|*.bmp;*.dib|"), QStringList({"Bitmaps(*.bmp *.dib)"}));
   EXPECT_EQ(NameFilters(""), QStringList());
 }
 
@@ -65,7 +90,9 @@ TEST_F(ChooserTest, TitleFilterAndDefaultName) {
   ModalScript script({[](QWidget& widget) {
     auto& dialog = dynamic_cast<QFileDialog&>(widget);
     EXPECT_EQ(dialog.windowTitle(), "Output TIN");
-    EXPECT_EQ(dialog.nameFilters(), QStringList({"TIN Files (*.tin)", "All Files (*)"}));
+    const auto* filters = dialog.findChild<QComboBox*>("fileTypeCombo");
+    EXPECT_EQ(filters->itemText(0), "TIN Files (*.tin)");
+    EXPECT_EQ(filters->itemText(1), "All Files (*.*)");
     EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), "result.tin");
     PressButton(dialog, "Save");
   }});
@@ -92,8 +119,45 @@ TEST_F(ChooserTest, MustExistKeepsTheChooserOpen) {
                                   "missing.txt\nFile not found.\nCheck the file name and try again.");
                         PressButton(box, "OK");
                       },
-                      Enter("list.txt", "Open")});
+                      EnterOver("list.txt", "Open")});
   EXPECT_EQ(frontEnd_.ChooseFiles(chooser), Paths{InFolder("list.txt")});
+}
+
+TEST_F(ChooserTest, TypedFolderIsEnteredAndItsNameReplaced) {
+  ASSERT_TRUE(QDir().mkdir("inner"));
+  ModalScript script({Enter("inner", "Open"), EnterOver("x.tin", "Open")});
+  EXPECT_EQ(frontEnd_.ChooseFiles(OpenTin()), Paths{InFolder("inner/x.tin")});
+}
+
+TEST_F(ChooserTest, TypedPatternBecomesTheFilter) {
+  ModalScript script({Enter("*.pts", "Open"), [](QWidget& dialog) {
+                        EXPECT_EQ(dialog.findChild<QComboBox*>("fileTypeCombo")->currentText(), "*.pts");
+                        EnterOver("a.pts", "Open")(dialog);
+                      }});
+  EXPECT_EQ(frontEnd_.ChooseFiles(OpenTin()), Paths{InFolder("a.pts")});
+}
+
+TEST_F(ChooserTest, FileWithAPatternForANameCanBeChosen) {
+  WriteFileBytes("odd*.tin", "x");
+  ModalScript script({Enter("odd*.tin", "Open")});
+  EXPECT_EQ(frontEnd_.ChooseFiles(OpenTin()), Paths{InFolder("odd*.tin")});
+}
+
+TEST_F(ChooserTest, TitleNamesTheRunningCommand) {
+  frontEnd_.CommandStarted("TIN > Create TIN");
+  {
+    ModalScript script({[](QWidget& dialog) {
+      EXPECT_EQ(dialog.windowTitle(), "Create TIN: Open");
+      PressButton(dialog, "Cancel");
+    }});
+    frontEnd_.ChooseFiles(OpenTin());
+  }
+  frontEnd_.CommandEnded("TIN > Create TIN", CommandResult::Cancelled);
+  ModalScript script({[](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Open");
+    PressButton(dialog, "Cancel");
+  }});
+  frontEnd_.ChooseFiles(OpenTin());
 }
 
 TEST_F(ChooserTest, SaveAsksBeforeItReplaces) {
@@ -103,7 +167,7 @@ TEST_F(ChooserTest, SaveAsksBeforeItReplaces) {
                         EXPECT_EQ(BoxText(box), "old.tin already exists.\nDo you want to replace it?");
                         PressButton(box, "No");
                       },
-                      Enter("old.tin", "Save"), Press("Yes")});
+                      EnterOver("old.tin", "Save"), Press("Yes")});
   EXPECT_EQ(frontEnd_.ChooseFiles(SaveTin()), Paths{InFolder("old.tin")});
 }
 
@@ -154,8 +218,21 @@ TEST_F(ChooserTest, SeveralFiles) {
   WriteFileBytes("b.tin", "x");
   FileChooser chooser = OpenTin();
   chooser.multiple = true;
-  ModalScript script({Enter("\"a.tin\" \"b.tin\"", "Open")});
+  ModalScript script({EnterSeveral("\"a.tin\" \"b.tin\"")});
   EXPECT_EQ(frontEnd_.ChooseFiles(chooser), (Paths{InFolder("a.tin"), InFolder("b.tin")}));
+}
+
+TEST_F(ChooserTest, SeveralFilesNeedNotExistUnlessTheyMust) {
+  WriteFileBytes("a.tin", "x");
+  FileChooser chooser = OpenTin();
+  chooser.multiple = true;
+  {
+    ModalScript script({EnterSeveral("\"a.tin\" \"missing.tin\"")});
+    EXPECT_EQ(frontEnd_.ChooseFiles(chooser), (Paths{InFolder("a.tin"), InFolder("missing.tin")}));
+  }
+  chooser.mustExist = true;
+  ModalScript script({EnterSeveral("\"a.tin\" \"missing.tin\""), Press("OK"), EnterOver("a.tin", "Open")});
+  EXPECT_EQ(frontEnd_.ChooseFiles(chooser), Paths{InFolder("a.tin")});
 }
 
 TEST_F(ChooserTest, TheNextChooserOpensInTheSameFolder) {

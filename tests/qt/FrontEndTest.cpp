@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 
 #include "qt/Arguments.h"
@@ -97,6 +99,27 @@ TEST(QtFrontEnd, PrintGoesToStandardOutput) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "Number of triangles = 2\n");
 }
 
+TEST(QtFrontEnd, TraceGoesToStandardErrorIfAsked) {
+  QtFrontEnd frontEnd;
+  testing::internal::CaptureStderr();
+  frontEnd.Trace("hidden\n");
+  frontEnd.SetTracing(true);
+  frontEnd.Trace("row 5\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "row 5\n");
+}
+
+TEST(QtFrontEnd, ValueQuestionStandsAboveTheBox) {
+  QtFrontEnd frontEnd;
+  ModalScript script({[](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Please input the cell size");
+    const auto* question = dialog.findChild<QLabel*>("question");
+    EXPECT_EQ(question->text(), "Please input the cell size");
+    EXPECT_LT(question->geometry().bottom(), dialog.findChild<QLineEdit*>("value")->geometry().top());
+    PressKey(dialog, Qt::Key_Escape);
+  }});
+  EXPECT_EQ(frontEnd.AskValue("Please input the cell size", 1.0), std::nullopt);
+}
+
 TEST(Arguments, FileAndRecord) {
   const Arguments arguments = ReadArguments({"a.tin", "--record", "day.txt"});
   EXPECT_EQ(arguments.file, "a.tin");
@@ -104,6 +127,8 @@ TEST(Arguments, FileAndRecord) {
   EXPECT_EQ(arguments.problem, "");
   EXPECT_EQ(ReadArguments({"--record=day.txt"}).record, "day.txt");
   EXPECT_EQ(ReadArguments({"--", "--odd.tin"}).file, "--odd.tin");
+  EXPECT_TRUE(ReadArguments({"--trace"}).trace);
+  EXPECT_FALSE(ReadArguments({"a.tin"}).trace);
   EXPECT_TRUE(ReadArguments({"--help"}).help);
   EXPECT_TRUE(ReadArguments({"--version"}).version);
 }

@@ -30,7 +30,7 @@ QMdiSubWindow* SubWindow(Workbench& bench, int position) {
 TEST(MainWindow, StartsWithOneEmptyTinDocument) {
   Workbench bench;
   EXPECT_EQ(bench.WindowCount(), 1);
-  EXPECT_EQ(bench.window.windowTitle(), "Corvane1 - Corvane");
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane1[*] - Corvane");
   EXPECT_EQ(bench.app.GetDocuments().size(), 1u);
 }
 
@@ -38,9 +38,9 @@ TEST(MainWindow, TitleFollowsTheActiveWindow) {
   Workbench bench;
   WriteSquareTin("square.tin", 100.0);
   bench.Open("square.tin");
-  EXPECT_EQ(bench.window.windowTitle(), "square.tin - Corvane");
+  EXPECT_EQ(bench.window.windowTitle(), "square.tin[*] - Corvane");
   bench.window.GetArea().setActiveSubWindow(SubWindow(bench, 0));
-  EXPECT_EQ(bench.window.windowTitle(), "Corvane1 - Corvane");
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane1[*] - Corvane");
   EXPECT_EQ(bench.ActiveView().GetTitle(), "Corvane1");
   bench.Run("File > Close");
   bench.Run("File > Close");
@@ -48,14 +48,17 @@ TEST(MainWindow, TitleFollowsTheActiveWindow) {
   EXPECT_EQ(bench.app.GetMainFrame().GetActiveView(), nullptr);
 }
 
-TEST(MainWindow, MaximisedWindowIsNamedOnce) {
+TEST(MainWindow, MaximisedWindowIsNamedAsAnyOther) {
   Workbench bench;
   SubWindow(bench, 0)->showMaximized();
   QApplication::processEvents();
-  EXPECT_EQ(bench.window.windowTitle(), "Corvane - [Corvane1[*]]");
+  bench.ActiveView().GetDocument().SetTitle("other");
+  EXPECT_EQ(bench.window.windowTitle(), "other[*] - Corvane");
+  bench.ActiveView().GetDocument().SetTitle("Corvane1");
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane1[*] - Corvane");
   SubWindow(bench, 0)->showNormal();
   QApplication::processEvents();
-  EXPECT_EQ(bench.window.windowTitle(), "Corvane1 - Corvane");
+  EXPECT_EQ(bench.window.windowTitle(), "Corvane1[*] - Corvane");
 }
 
 TEST(MainWindow, ChangedDocumentIsMarked) {
@@ -65,6 +68,7 @@ TEST(MainWindow, ChangedDocumentIsMarked) {
   bench.ActiveView().GetDocument().SetModifiedFlag(true);
   bench.window.Refresh();
   EXPECT_TRUE(SubWindow(bench, 0)->isWindowModified());
+  EXPECT_TRUE(bench.window.isWindowModified());
 }
 
 TEST(MainWindow, NewWindowNumbersTheWindowsOfADocument) {
@@ -117,11 +121,34 @@ TEST(MainWindow, LeavingTheProgramAsksForEveryChangedDocument) {
                           PressButton(box, "Cancel");
                         }});
     EXPECT_FALSE(bench.window.close());
-    EXPECT_EQ(bench.WindowCount(), 2);
+    EXPECT_EQ(bench.WindowCount(), 3);
   }
-  ModalScript script({Press("Don't Save")});
+  ModalScript script({Press("Don't Save"), Press("Don't Save")});
   bench.Choose("File > Exit");
   EXPECT_FALSE(bench.window.isVisible());
+}
+
+TEST(MainWindow, LeavingTheProgramSavesWhatIsToBeSaved) {
+  Workbench bench;
+  WriteSquareTin("square.tin", 100.0);
+  bench.Open("square.tin");
+  bench.ActiveView().GetDocument().SetModifiedFlag(true);
+  ModalScript script({Press("Save")});
+  EXPECT_TRUE(bench.window.close());
+  EXPECT_FALSE(bench.ActiveView().GetDocument().IsModified());
+  EXPECT_FALSE(ReadFileBytes("square_filted.pts").empty());
+}
+
+TEST(MainWindow, WindowWithoutItsFilesContentIsReportedByTitleAlone) {
+  Workbench bench;
+  bench.Open("missing.tin");
+  bench.Run("File > New");
+  std::vector<std::string> reported;
+  bench.window.onActivation = [&](const std::string& path, const std::string& title) {
+    reported.push_back(path + "|" + title);
+  };
+  bench.window.GetArea().setActiveSubWindow(SubWindow(bench, 1));
+  EXPECT_EQ(reported, std::vector<std::string>{"|missing.tin"});
 }
 
 TEST(MainWindow, APersonsChangeOfWindowIsReported) {
@@ -223,6 +250,23 @@ TEST(MainWindow, StatusTextsGoToTheirPanes) {
   bench.window.SetStatusText(9, "nowhere");
 }
 
+TEST(MainWindow, MessagePaneTellsHowACommandEnded) {
+  Workbench bench;
+  const auto shown = [&] { return bench.window.GetStatusPanes().GetText(0); };
+  const auto run = [&](const char* text, CommandResult result) {
+    bench.window.CommandStarted();
+    EXPECT_EQ(shown(), "");
+    if (text) bench.window.SetStatusText(0, text);
+    bench.window.CommandEnded(result);
+    return shown();
+  };
+  EXPECT_EQ(run("Done reading TIN.", CommandResult::Done), "Done reading TIN.");
+  EXPECT_EQ(run(nullptr, CommandResult::Done), "Done.");
+  EXPECT_EQ(run(nullptr, CommandResult::Failed), "Failed.");
+  EXPECT_EQ(run(nullptr, CommandResult::Cancelled), "Cancelled.");
+  EXPECT_EQ(run("Reading TIN from a.tin", CommandResult::Failed), "Failed.");
+}
+
 TEST(MainWindow, OtherFilesCanNotBeDropped) {
   Workbench bench;
   QMimeData data;
@@ -262,6 +306,9 @@ TEST(MainWindow, DroppedTinFilesAreOpened) {
   EXPECT_TRUE(enter.isAccepted());
   QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&bench.window, &drop);
+  EXPECT_TRUE(drop.isAccepted());
+  EXPECT_EQ(bench.app.GetDocuments().size(), 1u);  // the opening follows the event
+  QApplication::processEvents();
   EXPECT_EQ(bench.ActiveView().GetTitle(), "square.tin");
   EXPECT_EQ(bench.app.GetDocuments().size(), 2u);
 }
@@ -295,8 +342,10 @@ TEST(MainWindow, OnlyAPictureCanBePrinted) {
   QPrinter printer;
   printer.setOutputFormat(QPrinter::PdfFormat);
   printer.setOutputFileName("page.pdf");
-  DrawPage(bench.ActiveView(), printer);
+  EXPECT_TRUE(DrawPage(bench.ActiveView(), printer));
   EXPECT_EQ(ReadFileBytes("page.pdf").substr(0, 5), "%PDF-");
+  printer.setOutputFileName("no/such/folder/page.pdf");
+  EXPECT_FALSE(DrawPage(bench.ActiveView(), printer));
 }
 
 }  // namespace

@@ -230,7 +230,7 @@ TEST(Menus, ACommandThatRunsKeepsOthersFromStarting) {
   bench.Choose("File > New");
   bench.window.OpenPath("a.tin");
   EXPECT_EQ(bench.app.GetDocuments().size(), 1u);
-  bench.window.CommandEnded();
+  bench.window.CommandEnded(CommandResult::Done);
   bench.Choose("File > New");
   EXPECT_EQ(bench.app.GetDocuments().size(), 2u);
 }

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QScopedValueRollback>
 #include <QTimer>
 
 namespace corvane {
@@ -30,7 +31,7 @@ ModalScript::~ModalScript() {
 void ModalScript::Tick() {
   QTimer::singleShot(kTick, this, [this] { Tick(); });
   QWidget* dialog = QApplication::activeModalWidget();
-  if (!dialog) return;
+  if (!dialog || dialog == acting_) return;
   if (steps_.empty()) {
     ADD_FAILURE() << "unexpected dialog: " << dialog->windowTitle().toStdString() << ": "
                   << BoxText(*dialog).toStdString();
@@ -39,6 +40,7 @@ void ModalScript::Tick() {
   }
   const Step step = steps_.front();
   steps_.pop_front();
+  const QScopedValueRollback acting(acting_, dialog);
   step(*dialog);
 }
 

@@ -23,6 +23,7 @@ class ModalScript : public QObject {
   void Tick();
 
   std::deque<Step> steps_;
+  QWidget* acting_ = nullptr;  // the dialog that a step is under way on
 };
 
 // Types a text into the dialog's edit box of that name, in place of what stands there.

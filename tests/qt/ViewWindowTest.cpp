@@ -160,6 +160,21 @@ TEST_F(ViewWindowTest, WheelScrollsAndCtrlWheelZooms) {
   EXPECT_EQ(bench_.ActiveView().GetScrollSize().width, 3200);
 }
 
+TEST_F(ViewWindowTest, ZoomTellsTheScale) {
+  const auto shown = [this] { return bench_.window.GetStatusPanes().GetText(0); };
+  ZoomIn(bench_.ActiveWindow(), 2);
+  EXPECT_EQ(shown(), "Scale: 4 pixels a unit");
+  for (int i = 0; i < 4; ++i) Wheel(bench_.ActiveWindow(), -120, Qt::ControlModifier);
+  EXPECT_EQ(shown(), "Scale: 0.25 pixels a unit");
+  EXPECT_NE(bench_.app.GetMainFrame().GetStatusBar().GetPaneText(0), "Scale: 0.25 pixels a unit");
+}
+
+TEST_F(ViewWindowTest, TinLoadedForACommandIsNotPaintedAndSaysSo) {
+  EXPECT_EQ(WhyEmpty(bench_.ActiveView()), "");
+  bench_.ActiveView().paintEnabled = false;
+  EXPECT_EQ(WhyEmpty(bench_.ActiveView()), "Not painted: the TIN was loaded for a command");
+}
+
 TEST_F(ViewWindowTest, WheelMovesTheExamPoint) {
   bench_.ActiveView().examStep = {1.0, 2.0, 4.0};
   Wheel(bench_.ActiveWindow(), 120);
@@ -186,12 +201,18 @@ TEST_F(ViewWindowTest, GAsksForTheExamPoint) {
   EXPECT_EQ(bench_.ActiveView().examPoint.x, 1.5);
 }
 
-TEST(ViewWindow, EmptyDocumentPaintsNothing) {
+TEST(ViewWindow, EmptyDocumentSaysSo) {
   Workbench bench;
   EXPECT_EQ(bench.ActiveView().GetScrollSize(), (PixelSize{100, 100}));
-  QImage white(bench.ActiveWindow().viewport()->size(), QImage::Format_RGB32);
-  white.fill(Qt::white);
-  EXPECT_EQ(Painted(bench.ActiveWindow()), white);
+  EXPECT_EQ(WhyEmpty(bench.ActiveView()), "No TIN");
+  const QImage image = Painted(bench.ActiveWindow());
+  int nOther = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) nOther += image.pixel(x, y) != kWhite;
+  }
+  EXPECT_GT(nOther, 10);
+  EXPECT_LT(nOther, 2000);
+  EXPECT_EQ(image.pixel(5, 5), kWhite);
 }
 
 TEST(ViewKey, ArrowsLettersAndDigitsOnly) {

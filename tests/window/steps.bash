@@ -36,6 +36,15 @@ start_corvane() {
   started+=("$program")
 }
 
+# expect_status STATUS TEXT COMMAND...: the command ends with that status and says the text.
+expect_status() {
+  local wanted=$1 text=$2 status=0
+  shift 2
+  "$@" >"$work/corvane.out" 2>&1 || status=$?
+  ((status == wanted)) || fail "$* ended with status $status instead of $wanted"
+  grep -qF -- "$text" "$work/corvane.out" || fail "$* does not say \"$text\""
+}
+
 # The program has ended by itself, and well.
 wait_corvane() {
   until_true "the program ends" program_has_ended
