@@ -24,6 +24,7 @@ struct PointRecord {
 // Stored forms, without padding: a vertex is id, x, y, z, value; a point of a ".pts" file leaves out the id.
 constexpr std::size_t kVertexBytes = 36;
 constexpr std::size_t kPointBytes = 32;
+constexpr std::size_t kTriangleBytes = 3 * kVertexBytes;  // of a ".tin" file: its corners
 
 static_assert(offsetof(PointRecord, value) == offsetof(PointRecord, x) + 24, "x to value are one block");
 

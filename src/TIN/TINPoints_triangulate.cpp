@@ -29,7 +29,6 @@ constexpr double kLargest = 1e70;
 constexpr double kSmallest = 1e-60;
 
 constexpr std::size_t kBlockTriangles = 16384;
-constexpr std::size_t kTriangleBytes = 3 * kVertexBytes;
 
 // The lists that the library has allocated.
 struct LibraryLists : triangulateio {

@@ -18,8 +18,6 @@ namespace corvane {
 
 namespace {
 
-constexpr std::int64_t kTriangleBytes = 3 * kVertexBytes;
-
 bool WritePoint(OutputFile& file, const PointRecord& record) {
   std::array<char, kPointBytes> stored{};
   PackPoint(record, stored.data());
@@ -53,7 +51,7 @@ int TIN::ReadTIN(InputFile& file) {
   AppendInt(line, count);
   Ui().Print(line + "\n");
   if (count < 0) return FailRead(-1, "ReadTIN: Memory allocation error!");
-  const std::int64_t size = count * kTriangleBytes;
+  const std::int64_t size = count * static_cast<std::int64_t>(kTriangleBytes);
   if (size > file.BytesLeft().value_or(0)) return FailRead(-2, "ReadTIN: Read TIN error!");
   try {
     rawRecords = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));

@@ -19,7 +19,6 @@ namespace corvane {
 
 namespace {
 
-constexpr std::size_t kTriangleBytes = 3 * kVertexBytes;
 constexpr std::int32_t kBlock = 4096;  // triangles read at a time
 constexpr std::int32_t kMaxVertices = std::numeric_limits<std::int32_t>::max();
 
