@@ -51,6 +51,26 @@ void ForwardingFrontEnd::UpdateWindowFrame(WindowView& view) {
   inner_.UpdateWindowFrame(view);
 }
 
+bool ForwardingFrontEnd::ShowGraph(WindowView& view, const GraphView& graph) {
+  return inner_.ShowGraph(view, graph);
+}
+void ForwardingFrontEnd::PlotGraph(const GraphView& graph, int element) {
+  inner_.PlotGraph(graph, element);
+}
+void ForwardingFrontEnd::ResizeGraph(const GraphView& graph) {
+  inner_.ResizeGraph(graph);
+}
+
+void ForwardingFrontEnd::OpenLog(const LogView& log) {
+  inner_.OpenLog(log);
+}
+void ForwardingFrontEnd::AppendToLog(const LogView& log, const std::string& text) {
+  inner_.AppendToLog(log, text);
+}
+void ForwardingFrontEnd::CloseLog(const LogView& log) {
+  inner_.CloseLog(log);
+}
+
 void ForwardingFrontEnd::CommandStarted(const std::string& name) {
   inner_.CommandStarted(name);
 }

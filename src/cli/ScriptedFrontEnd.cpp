@@ -143,6 +143,10 @@ void ScriptedFrontEnd::Trace(const std::string& text) {
   if (options_.trace) console_.ErrorText(text);
 }
 
+void ScriptedFrontEnd::AppendToLog(const LogView&, const std::string& text) {
+  if (!options_.quiet) console_.ErrorText(text);
+}
+
 std::optional<std::string> ScriptedFrontEnd::NextAnswer(const std::string& prompt) {
   if (next_ == answers_.size()) {
     Report("no answer left for " + prompt);

@@ -141,6 +141,16 @@ void QtFrontEnd::UpdateWindowFrame(WindowView& view) {
   if (mainWindow_) mainWindow_->UpdateWindowFrame(view);
 }
 
+bool QtFrontEnd::ShowGraph(WindowView&, const GraphView&) {
+  return false;
+}
+void QtFrontEnd::PlotGraph(const GraphView&, int) {}
+void QtFrontEnd::ResizeGraph(const GraphView&) {}
+
+void QtFrontEnd::OpenLog(const LogView&) {}
+void QtFrontEnd::AppendToLog(const LogView&, const std::string&) {}
+void QtFrontEnd::CloseLog(const LogView&) {}
+
 void QtFrontEnd::CommandStarted(const std::string& name) {
   command_ = Shown(name).section(" > ", -1);
   if (mainWindow_) mainWindow_->CommandStarted();

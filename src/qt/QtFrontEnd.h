@@ -40,6 +40,12 @@ class QtFrontEnd : public FrontEnd {
   void ActivateWindow(WindowView& view) override;
   void RepaintWindow(WindowView& view, bool atOnce) override;
   void UpdateWindowFrame(WindowView& view) override;
+  bool ShowGraph(WindowView& view, const GraphView& graph) override;
+  void PlotGraph(const GraphView& graph, int element) override;
+  void ResizeGraph(const GraphView& graph) override;
+  void OpenLog(const LogView& log) override;
+  void AppendToLog(const LogView& log, const std::string& text) override;
+  void CloseLog(const LogView& log) override;
 
   void CommandStarted(const std::string& name) override;
   void CommandEnded(const std::string& name, CommandResult result) override;

@@ -76,8 +76,10 @@ bool CCorvaneView::OnMouseWheel(int notches) {
   return false;
 }
 
-// The drawing does not depend on the window's size.
-void CCorvaneView::OnSize(PixelSize) {}
+void CCorvaneView::OnSize(PixelSize clientArea) {
+  clientArea_ = clientArea;
+  graph.Resize(clientArea);
+}
 
 void CCorvaneView::Zoom(double factor) {
   // A step beyond the numbers is not taken: no step back would lead from infinity or 0.

@@ -21,6 +21,12 @@ class SilentFrontEnd : public FrontEnd {
   void ActivateWindow(WindowView&) override {}
   void RepaintWindow(WindowView&, bool) override {}
   void UpdateWindowFrame(WindowView&) override {}
+  bool ShowGraph(WindowView&, const GraphView&) override { return true; }
+  void PlotGraph(const GraphView&, int) override {}
+  void ResizeGraph(const GraphView&) override {}
+  void OpenLog(const LogView&) override {}
+  void AppendToLog(const LogView&, const std::string&) override {}
+  void CloseLog(const LogView&) override {}
   void CommandStarted(const std::string&) override {}
   void CommandEnded(const std::string&, CommandResult) override {}
   void FileGiven(const FileChooser&, const std::string&) override {}

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string>
+
+#include "ui/GraphView.h"
+#include "ui/LogView.h"
 #include "ui/WindowView.h"
 
 namespace corvane {
@@ -19,6 +23,21 @@ class Windows {
 
   // The view's scroll size, scroll position or title has changed.
   virtual void UpdateWindowFrame(WindowView& view) = 0;
+
+  // Makes the graph over a window's client area at the first call, and shows it in front of the drawing.
+  // False if it can't be made. It closes with its window.
+  virtual bool ShowGraph(WindowView& view, const GraphView& graph) = 0;
+
+  // A curve of the graph has new points, or the graph none at all (element -1): the axes fit all curves anew.
+  virtual void PlotGraph(const GraphView& graph, int element) = 0;
+
+  // The graph's size has changed with its window's client area.
+  virtual void ResizeGraph(const GraphView& graph) = 0;
+
+  // Shows the text window, and adds to its text; a log outlives its window.
+  virtual void OpenLog(const LogView& log) = 0;
+  virtual void AppendToLog(const LogView& log, const std::string& text) = 0;
+  virtual void CloseLog(const LogView& log) = 0;
 };
 
 }  // namespace corvane

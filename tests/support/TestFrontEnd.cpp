@@ -81,6 +81,26 @@ void TestFrontEnd::RepaintWindow(WindowView& view, bool) {
   events.push_back("repaint: " + view.GetTitle());
 }
 void TestFrontEnd::UpdateWindowFrame(WindowView&) {}
+bool TestFrontEnd::ShowGraph(WindowView&, const GraphView& graph) {
+  events.push_back("show-graph: " + graph.GetTitle());
+  return canMakeGraphs;
+}
+void TestFrontEnd::PlotGraph(const GraphView&, int element) {
+  events.push_back("plot: " + std::to_string(element));
+}
+void TestFrontEnd::ResizeGraph(const GraphView& graph) {
+  events.push_back("resize-graph: " + std::to_string(graph.GetSize().width) + " x " +
+                   std::to_string(graph.GetSize().height));
+}
+void TestFrontEnd::OpenLog(const LogView& log) {
+  events.push_back("open-log: " + log.GetTitle());
+}
+void TestFrontEnd::AppendToLog(const LogView&, const std::string& text) {
+  events.push_back("log: " + text);
+}
+void TestFrontEnd::CloseLog(const LogView& log) {
+  events.push_back("close-log: " + log.GetTitle());
+}
 void TestFrontEnd::CommandStarted(const std::string& name) {
   events.push_back("command: " + name);
 }

@@ -22,11 +22,12 @@ class TestFrontEnd : public FrontEnd {
 
   // "message warning: text" ("message warning ok-cancel: text" with two buttons), "open: filter", "value:
   // title 1", "form: ParamInput", "status 0: text", "print: text", "trace: text", "open-window: title",
-  // "command: name", "end: name done"
+  // "show-graph: title", "plot: element", "log: text", "command: name", "end: name done"
   std::vector<std::string> events;
   std::vector<FileChooser> choosers;
   std::vector<Form> shownForms;
   int waitDepth = 0;
+  bool canMakeGraphs = true;
 
   // The recorded lines that begin with `prefix`.
   std::vector<std::string> EventsWith(const std::string& prefix) const;
@@ -45,6 +46,12 @@ class TestFrontEnd : public FrontEnd {
   void ActivateWindow(WindowView& view) override;
   void RepaintWindow(WindowView& view, bool atOnce) override;
   void UpdateWindowFrame(WindowView& view) override;
+  bool ShowGraph(WindowView& view, const GraphView& graph) override;
+  void PlotGraph(const GraphView& graph, int element) override;
+  void ResizeGraph(const GraphView& graph) override;
+  void OpenLog(const LogView& log) override;
+  void AppendToLog(const LogView& log, const std::string& text) override;
+  void CloseLog(const LogView& log) override;
   void CommandStarted(const std::string& name) override;
   void CommandEnded(const std::string& name, CommandResult result) override;
   void FileGiven(const FileChooser& chooser, const std::string& path) override;

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <optional>
+#include <vector>
+
+#include "numerics/Truncate.h"
+
+namespace corvane {
+
+// Counts of values in bins of one width: bin i reaches from binStarts[i], which belongs to it, to the next.
+struct Histogram {
+  static constexpr std::int32_t kMaxBins = 10000000;
+
+  std::vector<double> binStarts;
+  std::vector<std::int32_t> counts;
+
+  std::int32_t GetBinCount() const { return static_cast<std::int32_t>(binStarts.size()); }
+};
+
+// int((max - min) / binSize) + 1 bins from `min` on, all empty. 1; -1, with the histogram empty: the bins
+// are no number, not a positive one or more than kMaxBins, or memory runs out.
+inline int MakeBins(double min, double max, double binSize, Histogram& histogram) {
+  histogram = {};
+  const std::optional<std::int32_t> whole = TruncateToInt((max - min) / binSize);
+  if (!whole || *whole < 0 || *whole >= Histogram::kMaxBins || !(binSize > 0.0)) return -1;
+  const auto nBins = static_cast<std::size_t>(*whole) + 1;
+  try {
+    histogram.binStarts.reserve(nBins);
+    histogram.counts.assign(nBins, 0);
+  } catch (const std::bad_alloc&) {
+    histogram = {};
+    return -1;
+  }
+  for (std::size_t i = 0; i < nBins; ++i)
+    histogram.binStarts.push_back(min + static_cast<double>(i) * binSize);
+  return 1;
+}
+
+// The histogram of value(item) over all items, a value v in bin int((v - min) / binSize). What lies in no
+// bin, or is no number, is not counted. Results as MakeBins.
+template <typename Items, typename Value>
+int MakeHistogram(const Items& items, Value value, double min, double max, double binSize,
+                  Histogram& histogram) {
+  if (MakeBins(min, max, binSize, histogram) < 0) return -1;
+  for (const auto& item : items) {
+    const std::optional<std::int32_t> bin = TruncateToInt((value(item) - min) / binSize);
+    if (bin && *bin >= 0 && *bin < histogram.GetBinCount())
+      ++histogram.counts[static_cast<std::size_t>(*bin)];
+  }
+  return 1;
+}
+
+}  // namespace corvane

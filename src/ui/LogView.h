@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace corvane {
+
+// The toolkit-free side of a modeless window that shows one read-only text.
+class LogView {
+ public:
+  virtual ~LogView() = default;
+
+  virtual std::string GetTitle() const = 0;
+  virtual const std::string& GetText() const = 0;
+};
+
+}  // namespace corvane
