@@ -4,6 +4,7 @@
 #include <cmath>
 #include <system_error>
 
+#include "io/GeneralText.h"
 #include "io/TextScanner.h"
 
 namespace corvane {
@@ -44,6 +45,11 @@ void AppendFixed(std::string& text, double value, int decimals) {
 }
 
 void AppendGeneral(std::string& text, double value, int precision) {
+  char buffer[kPlainGeneralRoom];
+  if (char* end = WritePlainGeneral(buffer, value, precision)) {
+    text.append(buffer, end);
+    return;
+  }
   AppendReal(text, value, std::chars_format::general, precision);
 }
 
