@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <new>
 #include <optional>
 #include <vector>
@@ -51,6 +52,24 @@ int MakeHistogram(const Items& items, Value value, double min, double max, doubl
       ++histogram.counts[static_cast<std::size_t>(*bin)];
   }
   return 1;
+}
+
+// What HistogramThreshold leaves where it finds none.
+constexpr double kNoThreshold = std::numeric_limits<double>::max();
+
+// Adds counts from the top bin down until they reach int(n * fraction) of `n` values, and gives the lower
+// edge of the bin reached; `threshold` stays as it is if they never do. Returns the sum.
+inline std::int64_t HistogramThreshold(std::int32_t n, const Histogram& histogram, double fraction,
+                                       double& threshold) {
+  const std::int64_t target = TruncateTo64(n * fraction);
+  std::int64_t sum = 0;
+  for (std::size_t i = histogram.counts.size(); i-- > 0;) {
+    sum += histogram.counts[i];  // Kept: before the test, so that a target of 0 is reached in the top bin
+    if (sum < target) continue;
+    threshold = histogram.binStarts[i];
+    break;
+  }
+  return sum;
 }
 
 }  // namespace corvane
