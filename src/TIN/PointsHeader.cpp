@@ -38,12 +38,16 @@ PointsHeader PointsHeader::Unpack(const std::array<char, kBytes>& bytes) {
   return header;
 }
 
-std::optional<PointsHeader> PointsHeader::ReadForUpdate(const std::string& path) {
-  InputFile file(path);
+std::optional<PointsHeader> PointsHeader::Read(InputFile& file) {
   std::array<char, kBytes> bytes{};
-  if (!file.IsOpen() || access(path.c_str(), W_OK) != 0) return std::nullopt;
   if (file.Read(bytes.data(), kBytes) != kBytes) return std::nullopt;
   return Unpack(bytes);
+}
+
+std::optional<PointsHeader> PointsHeader::ReadForUpdate(const std::string& path) {
+  InputFile file(path);
+  if (!file.IsOpen() || access(path.c_str(), W_OK) != 0) return std::nullopt;
+  return Read(file);
 }
 
 bool PointsHeader::Update(const std::string& path) const {

@@ -8,6 +8,8 @@
 
 namespace corvane {
 
+class InputFile;
+
 // The 52 bytes at the start of a points file, in their order.
 struct PointsHeader {
   static constexpr std::size_t kBytes = 52;
@@ -22,6 +24,9 @@ struct PointsHeader {
 
   std::array<char, kBytes> Pack() const;
   static PointsHeader Unpack(const std::array<char, kBytes>& bytes);
+
+  // The next 52 bytes of a file as a header; nothing if it has fewer.
+  static std::optional<PointsHeader> Read(InputFile& file);
 
   // The header of a file that is there and may be written; nothing otherwise, or for fewer than 52 bytes.
   static std::optional<PointsHeader> ReadForUpdate(const std::string& path);

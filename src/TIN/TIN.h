@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -9,6 +10,7 @@
 #include "TIN/GridIndex.h"
 #include "TIN/PointRecord.h"
 #include "numerics/Extent6.h"
+#include "numerics/Histogram.h"
 #include "numerics/Point3.h"
 
 namespace corvane {
@@ -36,6 +38,21 @@ struct TINGroup {
   double area = 0.0;                   // plan area of the group's inner triangles
   std::vector<std::int32_t> members;   // vertex indices
   std::vector<std::int32_t> boundary;  // vertices next to lower ones
+};
+
+// A vertex from which ReduceSurface floods a group.
+struct SlopeSeed {
+  double z = 0.0;
+  double slope = 0.0;  // a ratio, as in vertexSlopes
+  std::int32_t vertex = 0;
+};
+
+// What the search finds for one point.
+struct FoundTriangle {
+  int result = -1;             // as TIN::FindTriangle returns it
+  std::int32_t triangle = -1;  // the last one that was tested; -1: none
+
+  friend bool operator==(const FoundTriangle&, const FoundTriangle&) = default;
 };
 
 // A list of vertex indices for each vertex, all in one array.
@@ -88,8 +105,11 @@ class TIN {
   // The same from a path; -1, with a warning, also if it does not open.
   int StoreTriangle(const std::string& path);
 
+  // The same from the raw triangles in memory; 0 for a TIN that is stored already.
+  int StoreRawTriangles();
+
   // Writes the triangles that are not deleted, straight from the model, at the present position, which must
-  // be byte 0. 0, or -1 if a write fails or the TIN is raw.
+  // be byte 0; a raw TIN writes its raw triangles. 0, or -1 if a write fails.
   // Kept: with deleted triangles the count at byte 0 stays, and the real one overwrites the first corner's
   // id.
   int WriteTIN(OutputFile& file) const;
@@ -129,6 +149,10 @@ class TIN {
   // Cost: one grid cell and the few triangles that touch it.
   int FindTriangle(const Point3& p, std::int32_t& triangle) const;
 
+  // FindTriangle for each of the points; `found` is as long as they are. Points at random places of a large
+  // TIN take a fraction of the time, because what several of them need from memory comes at once.
+  void FindTriangles(std::span<const Point3> points, std::span<FoundTriangle> found) const;
+
   // The height at p of the triangle's plane, through its first corner; p.z if the plane stands upright
   // (|nz| < 1e-12).
   double InterpolateZ(const Point3& p, std::int32_t triangle) const;
@@ -155,6 +179,80 @@ class TIN {
   // Fills `neighbours`, once: for each vertex the other corners of its triangles, in the order in which they
   // are first seen. 1, or -1 without memory.
   int BuildNeighbours();
+
+  // The slope filter and the smoother change z, and nothing but z and (the filter) normals.
+
+  // One pass against spikes, then one against pits: the highest (lowest) corner of a triangle of at least
+  // `maxSlopeDegrees` that stands out from the other two by `minElevation` or more moves to NeighbourMeanZ,
+  // in the order of the triangles, and with it the normals around it. Returns the number of moves.
+  // Cost: one look at each triangle, and what moves.
+  std::int32_t SlopeFilter(double maxSlopeDegrees, double minElevation);
+
+  // The mean height of the vertex's neighbours, each counted once for each triangle that it shares with the
+  // vertex; kNoDataZ if the mean of its triangles' nz is above cosLimit: its surroundings are not steep.
+  double NeighbourMeanZ(std::int32_t vertex, double cosLimit) const;
+
+  // The corner 0 to 2 with the highest or lowest z, the first of equals.
+  int HighestCorner(const TINTriangle& triangle) const;
+  int LowestCorner(const TINTriangle& triangle) const;
+
+  // Takes every vertex halfway to the mean of its neighbours, weighted by 1 / distance and counted once for
+  // each shared triangle, all of them at once. Neighbours at no distance do not count; a vertex without any
+  // other becomes not-a-number. Normals stay as they were. 1, or -1 without memory.
+  int Smooth();
+
+  // The spacing for points files, in ground units; for 0 the mean distance of the points.
+  void SetPointInterval(double interval);
+
+  // Segmentation: groups are sets of connected vertices at or above a cut.
+
+  // Fills vertexSlopes, anew each time: the largest |dz| / plan distance to a neighbour. 1, or -1 without
+  // memory.
+  int ComputeSlopes();
+
+  // Floods `group` from the vertex over all connected vertices at or above `cutZ`, breadth first, and labels
+  // them, whatever label they had.
+  void FloodGroup(std::int32_t vertex, double cutZ, std::int32_t label, TINGroup& group);
+
+  // The plan area of the triangles whose corners all carry the group's label and one of which is a member.
+  // Also stores it. 0 without triangleAreas.
+  double GroupArea(TINGroup& group);
+
+  // Appends the groups at or above the cut, of the vertices that still carry the incoming label, in vertex
+  // order. New labels count on from it; the last one comes back.
+  void LabelAboveCut(double cutZ, std::int32_t& label);
+
+  // Appends the groups at or above the cut, of the members of group `index` that carry its own label, in
+  // the order of its members. Labels count on from `label`.
+  void SplitGroup(std::size_t index, double cutZ, std::int32_t& label);
+
+  // Groups the vertices above zStart + zStep; a group with more than areaLimit square ground units of plan
+  // area is split one step higher, until one would have to be split above zEnd. Groups that there are take
+  // part. Returns 1.
+  // Cost: for each cut, the members above it and their triangles.
+  int SegmentByPlaneCut(double zStart, double zEnd, double zStep, double areaLimit);
+
+  // Computes the slopes and drops the groups all of whose members have at most this slope. 1; -1, with
+  // nothing done, if there are slopes already, or without memory.
+  int DropFlatGroups(double slopeLimit);
+
+  // Appends the vertices with more than this slope (by vertexSlopes) none of whose neighbours is lower.
+  void FindPits(double slopeLimit, std::vector<std::int32_t>& list);
+
+  // Marks vertices as no ground: id -1.
+  void MarkVertices(std::span<const std::int32_t> list);
+  void MarkGroupMembers();
+
+  // Seeds are the vertices steeper than the steepest 5 % begin, in bins of 0.1; from the lowest one on each
+  // floods a group from its own height, which stays if its area is below areaLimit. The members of all groups
+  // are marked. 1; -1 without memory, or if the slopes make no histogram.
+  // Cost: a sort of the vertices by height, and the groups that stay.
+  int ReduceSurface(double areaLimit);
+
+  // Histograms of vertexSlopes and of the vertices' z (between the extent's minZ and maxZ). 1; -1 as
+  // MakeHistogram.
+  int SlopeHistogram(double binSize, Histogram& histogram) const;
+  int ZHistogram(double binSize, Histogram& histogram) const;
 
   std::int32_t nTriangles = 0;
   Extent6 extent;  // of all corners
@@ -192,15 +290,20 @@ class TIN {
 
   enum class StoreResult { Stored, NotRead, OnePoint, BadFile, LargeGrid, NoMemory };
 
+  // Gives stored triangles, from where it stands, as many bytes as are asked for; says how many there were.
+  using ReadStored = std::function<std::size_t(char* to, std::size_t size)>;
+
   TIN& operator=(TIN&&) = default;
 
   void Clear();
   int FailRead(int status, const char* text);
 
-  StoreResult BuildModel(InputFile& file);
+  StoreResult ScanRaw();
   void ScanExtent();
   void ShowStatistics() const;
-  StoreResult StoreTriangles(InputFile& file);
+  int Store(const ReadStored& read, bool keepRaw);
+  StoreResult BuildModel(const ReadStored& read);
+  StoreResult StoreTriangles(const ReadStored& read);
   StoreResult StoreVertex(const PointRecord& record, VertexTable& table, std::int32_t& vertex);
   void AddVertex(const PointRecord& record);
   void TakeCorners();
@@ -214,13 +317,34 @@ class TIN {
   void AppendNeighbours(std::int32_t vertex, std::vector<std::int32_t>& seenBy,
                         std::vector<std::int32_t>& list) const;
 
+  int LevelCorner(const TINTriangle& triangle, int corner, double sign, double cosLimit, double minElevation);
+  double BlendedZ(const TINVertex& vertex) const;
+
+  std::span<const std::int32_t> NeighboursOf(std::int32_t vertex) const {
+    return neighbours.empty() ? std::span<const std::int32_t>()
+                              : neighbours[static_cast<std::size_t>(vertex)];
+  }
+  double SlopeOf(std::int32_t vertex) const;
+  bool MakeLabels(std::int32_t label);
+  void AddGroup(std::int32_t vertex, double cutZ, std::int32_t label);
+  void NextMarkRound();
+  double SumArea(const TINGroup& group, double enough);
+  std::vector<SlopeSeed> CollectSeeds(double threshold) const;
+  bool FloodSmallGroup(const SlopeSeed& seed, std::int32_t label, double areaLimit);
+
+  bool WriteRawTriangles(OutputFile& file) const;
   std::int32_t WriteLiveTriangles(OutputFile& file) const;
   std::int32_t WriteAllPoints(OutputFile& file) const;
   int WriteChosenPoints(OutputFile& file, bool live) const;
 
   static int TestPoint(const Point3& p, const Corners& corners);
+  bool IsWithinExtent(const Point3& p) const;
+  int TestCandidates(const Point3& p, std::span<const std::int32_t> candidates, std::int32_t& triangle) const;
+  void FindBlock(std::span<const Point3> points, std::span<FoundTriangle> found) const;
 
-  std::vector<Corners> corners_;                   // by triangle
+  std::vector<Corners> corners_;         // by triangle
+  std::vector<std::uint32_t> markedIn_;  // by triangle: the last round of marking that met it
+  std::uint32_t markRound_ = 0;
   std::vector<std::int32_t> trianglesOfVertices_;  // the vertices' lists, one after the other
 };
 

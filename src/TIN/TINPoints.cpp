@@ -1,24 +1,37 @@
 #include "TIN/TINPoints.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "TIN/RecordExtent.h"
 #include "TIN/Resize.h"
+#include "TIN/Spacing.h"
+#include "numerics/Histogram.h"
 #include "numerics/Truncate.h"
 
 namespace corvane {
+
+namespace {
+
+// Of a grid: what scattered surveys need, while a wrong header alone takes no more than 800 MB.
+constexpr std::int64_t kCellsPerPoint = 100;
+constexpr std::int64_t kSpareCells = std::int64_t{1} << 25;
+
+}  // namespace
 
 TINPoints::TINPoints(std::int32_t n) {
   if (n <= 0 || !Resize(points, static_cast<std::size_t>(n))) return;
   nPoints = capacity = n;
 }
 
-TINPoints::TINPoints(double cellX, double cellY, const GroundRect& rect) {
-  if (!(rect.minX <= rect.maxX && rect.minY <= rect.maxY && cellX > 0.0 && cellY > 0.0)) return;
+TINPoints::TINPoints(double cellX, double cellY, const GroundRect& rect, std::int64_t nExpected) {
+  if (!(rect.minX <= rect.maxX && rect.minY <= rect.maxY) || !IsSpacing(cellX) || !IsSpacing(cellY)) return;
   const std::int32_t rows = TruncateToInt((rect.maxY - rect.minY) / cellY + 1.0).value_or(0);
   const std::int32_t cols = TruncateToInt((rect.maxX - rect.minX) / cellX + 1.0).value_or(0);
   const std::int64_t count = std::int64_t{rows} * cols;
-  if (count < 1 || count > INT32_MAX || !Resize(cells, static_cast<std::size_t>(count))) return;
+  const std::int64_t limit = kCellsPerPoint * std::clamp<std::int64_t>(nExpected, 0, INT32_MAX) + kSpareCells;
+  if (count < 1 || count > std::min<std::int64_t>(limit, INT32_MAX)) return;
+  if (!Resize(cells, static_cast<std::size_t>(count))) return;
 
   nRows = rows;
   nCols = cols;
@@ -93,6 +106,14 @@ void TINPoints::RecalcExtent() {
     Widen(minY, maxY, point.y);
     Widen(minZ, maxZ, point.z);
   }
+}
+
+int TINPoints::ValueHistogram(double binSize, Histogram& histogram) const {
+  double min = std::numeric_limits<double>::infinity();
+  double max = -min;
+  for (const PointRecord& point : InUse()) Widen(min, max, point.value);
+  const auto valueOf = [](const PointRecord& point) { return point.value; };
+  return MakeHistogram(InUse(), valueOf, min, max, binSize, histogram);
 }
 
 int TINPoints::AddPoint(const PointRecord& record) {

@@ -15,6 +15,8 @@ namespace corvane {
 
 class InputFile;
 class OutputFile;
+struct Histogram;
+struct PointsHeader;
 
 // The elevation that means "no data".
 constexpr double kNoDataZ = -4096.0;
@@ -56,8 +58,9 @@ class TINPoints {
 
   // Grid mode over `rect`, all cells empty: nRows = int((maxY - minY) / spacingY + 1.0), nCols likewise. The
   // object stays empty if the rectangle is crossed, a size is no positive number, or the cells do not fit
-  // 32-bit numbering or the memory.
-  TINPoints(double spacingX, double spacingY, const GroundRect& rect);
+  // 32-bit numbering or the memory, or are more than 100 for each of the `nExpected` points that they are to
+  // take and 2^25 besides.
+  TINPoints(double spacingX, double spacingY, const GroundRect& rect, std::int64_t nExpected = INT32_MAX);
 
   virtual ~TINPoints() = default;
   TINPoints(const TINPoints&) = default;
@@ -73,7 +76,7 @@ class TINPoints {
   int Read(InputFile& file);
   int Read(const std::string& path);
 
-  // The points that the file read last lacked, wholly or in part.
+  // The points that the file read or merged last lacked, wholly or in part.
   std::int32_t GetMissingCount() const { return nMissing_; }
 
   // Writes header and points as they stand, the deleted ones included. Returns the number of points written,
@@ -86,6 +89,19 @@ class TINPoints {
   // -1: no occupied cell, or the file does not open or take the bytes; the origin then stays.
   int WriteGrid(OutputFile& file);
   int WriteGrid(const std::string& path);
+
+  // Merges a points file into the grid, a point going to the cell row = int((y - gridMinY) / spacingY), col =
+  // int((x - gridMinX) / spacingX), cut towards zero: the cell takes over z and value if its own value is
+  // below the point's, so that of points in one cell the one with the highest value stays. Points outside
+  // the grid are left out. 1; -1: no grid; -2: the file does not open; -3: it can't be read as by Read, and
+  // the grid may hold a part of it.
+  int MergeFromFile(const std::string& path);
+
+  // Sets z and value of the cells at whose nodes points lie, those within `rect`, edges included. A point
+  // lies at a node if (x - gridMinX) / spacingX and (y - gridMinY) / spacingY are whole numbers without any
+  // rounding; others are left out. (0.3 / 0.1 is 2.9999999999999996.) Returns the number of points taken
+  // over; -1: no grid.
+  std::int32_t ReplaceFrom(const TINPoints& from, const GroundRect& rect);
 
   // Writes "id, x, y, z, value" a line, six significant digits. An empty path means "tinPoint.txt". If the
   // file can't be written, the debug stream says so.
@@ -145,6 +161,19 @@ class TINPoints {
   // ones leave a minimum of 1.7e+308 in the header.
   static int TextIdToBinary(const std::string& txtPath, const std::string& binPath, double spacing);
 
+  // Reads a text of points "id, x, y, z, value" in place of what the object held; z, or z and value, may be
+  // missing (0). The first line decides between commas and white space and on the number of fields; of more
+  // than five, x and y are the second and third, value is the last, and z is left 0. Fields are scanned as
+  // scanf does, records may run over line ends, and those of fewer than three fields are left out. Reading
+  // ends where the text does, or before something that is no number. Extents and spacing stay as they are.
+  // Tells in status pane 0 what was left out. 1, also without any points; -1: the text does not open or read,
+  // or does not fit the memory.
+  int ReadText(const std::string& path);
+
+  // The histogram of the points' values in bins of this width, from the smallest value on. Values that are no
+  // numbers do not count. 1; -1: no bins, as MakeHistogram, or no value at all.
+  int ValueHistogram(double binSize, Histogram& histogram) const;
+
   // The Delaunay triangulation of x and y of all points, deleted ones included. `attributes` and `markers`, a
   // number a point or null for none, go along to the triangulator. Of points at one (x, y) only one becomes a
   // corner; coordinates within 1e-60 of 0 count as 0. The triangulator reports on standard output.
@@ -163,7 +192,7 @@ class TINPoints {
   // outside.
   int BuildIndex(double density);
 
-  // The same with square cells of the given size.
+  // The same with square cells of the given size. One that is no positive number makes no grid.
   int BuildIndexWithCell(double cellSize);
 
   // The index, or null if none is built.
@@ -197,6 +226,14 @@ class TINPoints {
   // one of the row's runs.
   int CollectInRuns(const ScanShape& scanShape, std::vector<std::int32_t>& list) const;
 
+  // Writes to a points file what a grid of samples over the extents picks: rows int(int(maxY - minY) /
+  // spacing), columns int(int(maxX - minX) / spacing), from (minX, minY) on by repeated addition. Each sample
+  // takes one point of the index cell in which it lies, any of them at random, with its own coordinates.
+  // Cells are the index's: a spacing below theirs takes points more than once. The generator is the C
+  // library's, unseeded, so that runs in a new process pick alike. 0; -1: no index, a spacing that is no
+  // positive number, more than 2^31 - 1 samples, or the file can't be written.
+  int Resample(const std::string& path, double spacing) const;
+
   double minX = 0.0;
   double maxY = 0.0;
   double maxX = 0.0;
@@ -218,6 +255,8 @@ class TINPoints {
  private:
   std::span<const PointRecord> InUse() const { return {points.data(), static_cast<std::size_t>(nPoints)}; }
   std::span<PointRecord> InUse() { return {points.data(), static_cast<std::size_t>(nPoints)}; }
+  void MergeRecords(std::span<const char> records);
+  bool WriteSample(double x, double y, PointsHeader& header, OutputFile& file) const;
   bool HasPoint(std::int32_t i) const { return i >= 0 && i < nPoints; }
 
   std::int32_t nMissing_ = 0;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "TIN/Cross.h"
+#include "TIN/Spacing.h"
 #include "TIN/TINPoints.h"
 #include "numerics/Truncate.h"
 #include "ui/FrontEnd.h"
@@ -202,6 +203,10 @@ int TINPoints::BuildIndexWithCell(double cellSize) {
   const double extent4[4] = {minX, maxX, minY, maxY};
   index.Free();
   if (nPoints < 1) return -1;
+  if (!IsSpacing(cellSize)) {
+    ShowWarning(kExtensionError);
+    return -1;
+  }
   index.SizeWithCell(extent4, cellSize, nPoints);
   return IndexAll(*this);
 }

@@ -1,7 +1,8 @@
-// Texts in: point lists to points files, and masks.
+// Texts in: point lists to points files and to points, and masks.
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <optional>
 
 #include "TIN/PointsHeader.h"
@@ -27,6 +28,17 @@ struct TextRecord {
   bool hasField = false;
   int nNumbers = 0;                    // that were read
   std::array<double, 4> numbers = {};  // x, y, z, value
+
+  bool IsPoint() const { return nNumbers >= 3; }
+};
+
+// A record that begins with an id and has any number of fields.
+struct ValueRecord {
+  bool hasField = false;
+  int nNumbers = 0;  // that were read, the id not counted
+  PointRecord point;
+
+  bool IsPoint() const { return nNumbers >= 2; }
 };
 
 // The extents of a converted text. Kept: a coordinate that raises the maximum is not tested against the
@@ -65,6 +77,18 @@ RecordFormat FormatOf(std::string_view firstLine) {
   return format;
 }
 
+// An id, and a number for each further field of the line.
+RecordFormat ValueFormatOf(std::string_view firstLine) {
+  const int nFields = CountFields(firstLine);
+  RecordFormat format{.hasId = true, .hasCommas = true, .nNumbers = std::max(nFields - 1, 0)};
+  if (nFields <= 1) return format;
+  TextScanner scanner(firstLine);
+  std::int32_t id = 0;
+  double number = 0.0;
+  format.hasCommas = scanner.ScanInt(id) && scanner.MatchLiteral(',') && scanner.ScanDouble(number);
+  return format;
+}
+
 bool ScanSeparator(TextScanner& scanner, const RecordFormat& format) {
   if (format.hasCommas && !scanner.MatchLiteral(',')) return false;
   if (!format.hasCommas || format.hasId) scanner.SkipSpace();
@@ -84,6 +108,25 @@ TextRecord ScanRecord(TextScanner& scanner, const RecordFormat& format) {
     record.hasField = true;
     ++record.nNumbers;
   }
+  return record;
+}
+
+ValueRecord ScanValueRecord(TextScanner& scanner, const RecordFormat& format) {
+  ValueRecord record;
+  PointRecord& point = record.point;
+  record.hasField = scanner.ScanInt(point.id);
+  if (!record.hasField) return record;
+  std::array<double, 3> first = {};  // x, y, and what is z in a record of four numbers
+  double last = 0.0;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(format.nNumbers); ++i) {
+    if (!ScanSeparator(scanner, format) || !scanner.ScanDouble(last)) break;
+    if (i < first.size()) first[i] = last;
+    ++record.nNumbers;
+  }
+  point.x = first[0];
+  point.y = first[1];
+  if (record.nNumbers == 4) point.z = first[2];
+  if (record.nNumbers >= 3) point.value = last;
   return record;
 }
 
@@ -125,6 +168,35 @@ bool AppendPoint(TextRecord record, double& value, bool hasStart, OutputFile& ou
   return out.Write(record.numbers.data(), kPointBytes);
 }
 
+// Scans records until the text ends, or something is no number, and hands those that are points to
+// take(record), which returns false if it can't take any more. False then, and if the text can't be read to
+// its end.
+template <typename Scan, typename Take>
+bool TakePoints(RecordReader& reader, const RecordFormat& format, const std::string& txtPath,
+                Conversion& done, Scan scan, Take take) {
+  Progress progress(txtPath);
+  std::int64_t shortEnd = -1;  // where the last record with too few fields ends
+  while (!reader.AtEnd()) {
+    const std::int64_t start = reader.GetPosition();
+    const auto record = reader.Next([&](TextScanner& scanner) { return scan(scanner, format); });
+    const std::int64_t end = reader.GetPosition();
+    if (reader.HasFailed()) return false;
+    progress.Follow(end);
+    if (format.hasId ? !record.hasField : end == start) {
+      if (!reader.AtEnd()) done.stopLine = reader.GetLine();
+      if (end == shortEnd) --done.nShortRecords;  // it was this which cut the record short
+      break;
+    }
+    if (record.IsPoint()) {
+      if (!take(record)) return false;
+    } else if (record.hasField) {
+      ++done.nShortRecords;
+      shortEnd = end;
+    }
+  }
+  return true;
+}
+
 // Copies the records to `out`, from byte 52 on. Nothing if the text can't be read to its end, or the points
 // file not be written.
 std::optional<Conversion> ConvertRecords(RecordReader& reader, const RecordFormat& format, OutputFile& out,
@@ -132,28 +204,12 @@ std::optional<Conversion> ConvertRecords(RecordReader& reader, const RecordForma
   Conversion done;
   // Kept: without records these stay in the header.
   if (format.hasId) done.extent = {kFarAway, -kFarAway, kFarAway, -kFarAway};
-  Progress progress(txtPath);
   double value = 1.0;
-  std::int64_t shortEnd = -1;  // where the last record with too few fields ends
   out.Seek(PointsHeader::kBytes);
-  while (!reader.AtEnd()) {
-    const std::int64_t start = reader.GetPosition();
-    const auto record = reader.Next([&format](TextScanner& scanner) { return ScanRecord(scanner, format); });
-    const std::int64_t end = reader.GetPosition();
-    if (reader.HasFailed()) return std::nullopt;
-    progress.Follow(end);
-    if (format.hasId ? !record.hasField : end == start) {
-      if (!reader.AtEnd()) done.stopLine = reader.GetLine();
-      if (end == shortEnd) --done.nShortRecords;  // it was this which cut the record short
-      break;
-    }
-    if (record.nNumbers >= 3) {
-      if (!AppendPoint(record, value, format.hasId, out, done)) return std::nullopt;
-    } else if (record.hasField) {
-      ++done.nShortRecords;
-      shortEnd = end;
-    }
-  }
+  const auto append = [&](const TextRecord& record) {
+    return AppendPoint(record, value, format.hasId, out, done);
+  };
+  if (!TakePoints(reader, format, txtPath, done, ScanRecord, append)) return std::nullopt;
   return done;
 }
 
@@ -166,10 +222,10 @@ std::string Shown(std::string_view line) {
   return line.size() > kMaxLength ? text + "..." : text;
 }
 
-// How many points there are, what was left out and why.
+// How many points there are, "written" or "read", what was left out and why.
 std::string ReportOf(const Conversion& done, const RecordFormat& format, const std::string& firstLine,
-                     const std::string& txtPath) {
-  std::string text = "Points written: " + std::to_string(done.nPoints) + ".";
+                     const std::string& txtPath, const char* verb) {
+  std::string text = std::string("Points ") + verb + ": " + std::to_string(done.nPoints) + ".";
   if (done.nShortRecords == 1) text += " 1 record with too few fields was left out.";
   if (done.nShortRecords > 1) {
     text += " " + std::to_string(done.nShortRecords) + " records with too few fields were left out.";
@@ -210,7 +266,7 @@ int ConvertText(const std::string& txtPath, const std::string& binPath, double s
   out.Seek(0);
   out.Write(bytes.data(), bytes.size());
   if (!out.Commit()) return -1;
-  Ui().SetStatusText(0, ReportOf(*done, format, firstLine, txtPath));
+  Ui().SetStatusText(0, ReportOf(*done, format, firstLine, txtPath, "written"));
   return 0;
 }
 
@@ -239,6 +295,35 @@ int TINPoints::TextToBinary(const std::string& txtPath, const std::string& binPa
 
 int TINPoints::TextIdToBinary(const std::string& txtPath, const std::string& binPath, double spacing) {
   return ConvertText(txtPath, binPath, spacing, &kIdFormat);
+}
+
+int TINPoints::ReadText(const std::string& path) {
+  points = {};
+  nPoints = capacity = nMissing_ = 0;
+  index.Free();
+  InputFile file(path);
+  if (!file.IsOpen()) return -1;
+
+  RecordReader reader(file);
+  const std::string firstLine(FirstLine(reader.GetText()));
+  const RecordFormat format = ValueFormatOf(firstLine);
+  Conversion done;
+  std::vector<PointRecord> records;
+  const auto append = [&](const ValueRecord& record) {
+    if (done.nPoints == INT32_MAX) return false;
+    ++done.nPoints;
+    records.push_back(record.point);
+    return true;
+  };
+  try {
+    if (!TakePoints(reader, format, path, done, ScanValueRecord, append)) return -1;
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+  points = std::move(records);
+  nPoints = capacity = done.nPoints;
+  Ui().SetStatusText(0, ReportOf(done, format, firstLine, path, "read"));
+  return 1;
 }
 
 int TINPoints::ReadRegions(const std::string& path, std::vector<Region>& regions) {

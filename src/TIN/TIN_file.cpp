@@ -77,8 +77,8 @@ void TIN::Clear() {
 }
 
 int TIN::WriteTIN(OutputFile& file) const {
-  if (nTriangles > 0 && !IsStored()) return -1;
   if (!WriteCount(file, nTriangles)) return -1;
+  if (rawRecords) return WriteRawTriangles(file) ? 0 : -1;
   const std::int32_t written = WriteLiveTriangles(file);
   if (written < 0) return -1;
   // Kept: the real count lands on the first corner's id, and the count at byte 0 stays.
@@ -97,6 +97,10 @@ int TIN::WriteCompactTIN(OutputFile& file) const {
 int TIN::WriteCompactTIN(const std::string& path) const {
   OutputFile file(path);
   return file.IsOpen() && WriteCompactTIN(file) == 0 && file.Commit() ? 0 : -1;
+}
+
+bool TIN::WriteRawTriangles(OutputFile& file) const {
+  return file.Write(rawRecords.get(), static_cast<std::size_t>(nTriangles) * kTriangleBytes);
 }
 
 // The number of triangles written, or -1 if a write fails.

@@ -45,12 +45,34 @@ int TIN::StoreTriangle(const std::string& path) {
 }
 
 int TIN::StoreTriangle(InputFile& file) {
+  return Store([&file](char* to, std::size_t size) { return file.Read(to, size); }, false);
+}
+
+int TIN::StoreRawTriangles() {
+  if (IsStored()) return 0;
+  const auto fromMemory = [this, next = std::size_t{0}](char* to, std::size_t size) mutable {
+    std::memcpy(to, rawRecords.get() + next, size);
+    next += size;
+    return size;
+  };
+  return Store(fromMemory, true);
+}
+
+// The raw records, where they are not kept as the source, make room for the model.
+int TIN::Store(const ReadStored& read, bool keepRaw) {
   StoreResult result = StoreResult::NoMemory;
   try {
-    result = BuildModel(file);
+    result = ScanRaw();
+    if (result == StoreResult::Stored) {
+      if (!keepRaw) rawRecords.reset();
+      result = BuildModel(read);
+    }
   } catch (const std::bad_alloc&) {
   }
-  if (result == StoreResult::Stored) return 0;
+  if (result == StoreResult::Stored) {
+    rawRecords.reset();
+    return 0;
+  }
   if (result != StoreResult::NotRead) Clear();
   if (result == StoreResult::NotRead) ShowMessage("StoreTriangle: No TIN read");
   if (result == StoreResult::BadFile) ShowMessage("StoreTriangle: Read TIN error!");
@@ -59,13 +81,16 @@ int TIN::StoreTriangle(InputFile& file) {
   return result == StoreResult::NotRead || result == StoreResult::OnePoint ? -1 : -2;
 }
 
-TIN::StoreResult TIN::BuildModel(InputFile& file) {
+// Whether there is something to store: its extents are known then.
+TIN::StoreResult TIN::ScanRaw() {
   if (nTriangles == 0 || !rawRecords) return StoreResult::NotRead;
   ScanExtent();
   ShowStatistics();
-  rawRecords.reset();
-  if (extent.maxX == extent.minX && extent.maxY == extent.minY) return StoreResult::OnePoint;
+  const bool isOnePoint = extent.maxX == extent.minX && extent.maxY == extent.minY;
+  return isOnePoint ? StoreResult::OnePoint : StoreResult::Stored;
+}
 
+TIN::StoreResult TIN::BuildModel(const ReadStored& read) {
   const auto count = static_cast<std::size_t>(nTriangles);
   ReserveLarge(triangles, count);
   ReserveLarge(corners_, count);
@@ -74,7 +99,7 @@ TIN::StoreResult TIN::BuildModel(InputFile& file) {
   const double extent4[4] = {extent.minX, extent.maxX, extent.minY, extent.maxY};
   triangleGrid.Size(extent4, nTriangles, 1.0);
   vertexGrid.Size(extent4, nTriangles, 1.0);
-  const StoreResult stored = StoreTriangles(file);
+  const StoreResult stored = StoreTriangles(read);
   if (stored != StoreResult::Stored) return stored;
   TakeCorners();
   if (!HasRoomForGrids()) return StoreResult::LargeGrid;
@@ -113,14 +138,14 @@ void TIN::ShowStatistics() const {
   ShowInformation(text);
 }
 
-// Reads the file on from its present position; what it does not hold any more is zeros.
-TIN::StoreResult TIN::StoreTriangles(InputFile& file) {
+// What a file does not hold any more is zeros.
+TIN::StoreResult TIN::StoreTriangles(const ReadStored& read) {
   VertexTable table(static_cast<std::size_t>(nTriangles));
   std::vector<char> block(kBlock * kTriangleBytes);
   for (std::int32_t i = 0; i < nTriangles; ++i) {
     const std::int32_t inBlock = i % kBlock;
     if (inBlock == 0) {
-      const std::size_t got = file.Read(block.data(), BlockBytes(nTriangles - i));
+      const std::size_t got = read(block.data(), BlockBytes(nTriangles - i));
       std::memset(block.data() + got, 0, block.size() - got);
     }
     const char* const stored = block.data() + static_cast<std::size_t>(inBlock) * kTriangleBytes;

@@ -1,6 +1,9 @@
 #include "commands/TinMenu.h"
 
 #include "TIN/TINPoints.h"
+#include "commands/Choosers.h"
+#include "commands/Failures.h"
+#include "commands/PointsInput.h"
 #include "io/InputFile.h"
 #include "io/OutputFile.h"
 #include "shell/CommandShapes.h"
@@ -9,7 +12,6 @@ namespace corvane {
 
 namespace {
 
-const FileChooser kOpenPoints{.filter = "Points Files (*.pts)|*.pts|All Files (*.*)|*.*|"};
 const FileChooser kSaveTin{.mode = FileChooser::Mode::Save,
                            .filter = "TIN Files (*.tin)|*.tin|All Files (*.*)|*.*|",
                            .defaultExtension = "tin"};
@@ -23,18 +25,6 @@ constexpr const char* kNoMemory = "There is not enough memory to triangulate the
 std::string TooManyText(const TINPoints& points) {
   return "There are " + std::to_string(points.GetCount()) + " points; no more than " +
          std::to_string(TINPoints::kMaxTriangulated) + " can be triangulated.\n";
-}
-
-void TellMissing(const TINPoints& points) {
-  const std::int32_t nMissing = points.GetMissingCount();
-  if (nMissing == 0) return;
-  Ui().SetStatusText(0, "The points file is cut short: " + std::to_string(points.GetCount() - nMissing) +
-                            " of " + std::to_string(points.GetCount()) + " points are there.");
-}
-
-CommandResult FailWith(const std::string& text) {
-  ShowMessage(text);
-  return CommandResult::Failed;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "TIN/PointsHeader.h"
 #include "TIN/TINPoints.h"
+#include "commands/Choosers.h"
 #include "forms/ExtentInput.h"
 #include "forms/ValueInput.h"
 #include "shell/CommandShapes.h"
@@ -13,11 +14,10 @@ namespace {
 const FileChooser kOpenText{.filter = "Text Files (*.txt)|*.txt|All Files (*.*)|*.*|",
                             .defaultExtension = "TXT",
                             .defaultName = "*.txt"};
-const FileChooser kSavePoints{.mode = FileChooser::Mode::Save,
+const FileChooser kSaveBinary{.mode = FileChooser::Mode::Save,
                               .filter = "Binary Points Files (*.pts)|*.pts|All Files (*.*)|*.*|",
                               .defaultExtension = "BIN",
                               .defaultName = "*.pts"};
-const FileChooser kOpenPoints{.filter = "Points Files (*.pts)|*.pts|All Files (*.*)|*.*|"};
 
 // Asks until the value is above 0. Kept: Cancel does not end the loop, it keeps the last value entered.
 double AskSpacing(const ValueInput& prompt) {
@@ -31,7 +31,7 @@ double AskSpacing(const ValueInput& prompt) {
 using Converter = int (*)(const std::string& txtPath, const std::string& binPath, double spacing);
 
 CommandResult ConvertText(const ValueInput& spacingPrompt, Converter convert) {
-  const auto paths = ChooseInOrder({kOpenText, kSavePoints});
+  const auto paths = ChooseInOrder({kOpenText, kSaveBinary});
   if (!paths) return CommandResult::Cancelled;
   const double spacing = AskSpacing(spacingPrompt);
   WaitCursor wait;

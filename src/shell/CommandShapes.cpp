@@ -1,12 +1,12 @@
 #include "shell/CommandShapes.h"
 
 #include "io/InputFile.h"
-#include "io/TextScanner.h"
 
 namespace corvane {
 
 bool HasLoadedTin(CCorvaneView& view) {
-  if (view.GetDocument().GetTIN().GetTriangleCount() >= 1) return true;
+  TIN& tin = view.GetDocument().GetTIN();
+  if (tin.GetTriangleCount() >= 1 && tin.StoreRawTriangles() >= 0) return true;
   ShowWarning("No TIN Read! Please load a TIN first!");
   return false;
 }
@@ -14,6 +14,10 @@ bool HasLoadedTin(CCorvaneView& view) {
 void ShowChangedTin(CCorvaneView& view) {
   view.GetDocument().SetModifiedFlag(true);
   Ui().UpdateWindowFrame(view);
+  RedrawTin(view);
+}
+
+void RedrawTin(CCorvaneView& view) {
   view.Invalidate();
   view.UpdateWindow();
   Ui().ActivateWindow(view);
@@ -53,6 +57,7 @@ CommandResult LoadTinOnDemand(CCorvaneView& view) {
     if (document.OnOpenDocument(path) <= 0) return CommandResult::Failed;
     if (document.GetTIN().GetTriangleCount() < 1) return CommandResult::Failed;
   }
+  if (document.GetTIN().StoreRawTriangles() < 0) return CommandResult::Failed;
   view.paintEnabled = false;  // Kept: also where the TIN was loaded and painted before
   document.SetPathName(path, true);
   return CommandResult::Done;
@@ -64,21 +69,21 @@ std::optional<std::string> ChooseBatchFile() {
                      .mustExist = true});
 }
 
-CommandResult RunBatchLines(const std::string& batchPath,
-                            const std::function<void(const std::string&, const std::string&)>& job) {
-  const auto content = ReadWholeFile(batchPath);
+bool BatchLines::Open(const std::string& path) {
+  auto content = ReadWholeFile(path);
   if (!content) {
-    ShowWarning(OpenErrorText(batchPath));
-    return CommandResult::Failed;
+    ShowWarning(OpenErrorText(path));
+    return false;
   }
-  TextScanner scanner(*content);
-  std::string first;
-  std::string second;
-  while (scanner.ScanWord(first) && scanner.ScanWord(second)) {
-    scanner.SkipSpace();
-    job(first, second);
-  }
-  return CommandResult::Done;
+  content_ = std::move(*content);
+  scanner_ = TextScanner(content_);
+  return true;
+}
+
+bool BatchLines::Next(std::string& first, std::string& second) {
+  if (!scanner_.ScanWord(first) || !scanner_.ScanWord(second)) return false;
+  scanner_.SkipSpace();
+  return true;
 }
 
 }  // namespace corvane

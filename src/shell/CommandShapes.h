@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "io/TextScanner.h"
 #include "shell/CorvaneView.h"
 #include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"
@@ -19,9 +20,12 @@ namespace corvane {
 CommandResult RunOnLoadedTin(CCorvaneView& view, const std::function<bool()>& ask,
                              const std::function<int(TIN&)>& operation);
 
-// Its parts, for commands that differ in between. The guard shows "No TIN Read! Please load a TIN first!".
+// Its parts, for commands that differ in between. The guard builds the model of a TIN that is still raw; it
+// shows "No TIN Read! Please load a TIN first!" where there is none.
 bool HasLoadedTin(CCorvaneView& view);
 void ShowChangedTin(CCorvaneView& view);
+// Repaints the view and gives it the focus, with the document's modified flag as it was.
+void RedrawTin(CCorvaneView& view);
 
 // Shape B, the file-to-file command: shows the choosers in order. Nothing as soon as one is cancelled.
 std::optional<std::vector<std::string>> ChooseInOrder(const std::vector<FileChooser>& choosers);
@@ -32,9 +36,23 @@ CommandResult LoadTinOnDemand(CCorvaneView& view);
 
 // Shape D, the batch command: the chooser for the batch file. Nothing on Cancel.
 std::optional<std::string> ChooseBatchFile();
-// Runs `job` on the two words of each line ("%s %s\n") until the end of the file. Failed, after the
-// composed open text with the warning icon, if the file does not open.
-CommandResult RunBatchLines(const std::string& batchPath,
-                            const std::function<void(const std::string&, const std::string&)>& job);
+
+// The lines of a batch file, read as "%s %s\n" each.
+class BatchLines {
+ public:
+  BatchLines() = default;
+  BatchLines(const BatchLines&) = delete;
+  BatchLines& operator=(const BatchLines&) = delete;
+
+  // False, after the composed open text with the warning icon, if the file does not open.
+  bool Open(const std::string& path);
+
+  // The two words of the next line; false at the end of the file.
+  bool Next(std::string& first, std::string& second);
+
+ private:
+  std::string content_;
+  TextScanner scanner_{{}};
+};
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "TIN/TIN.h"
@@ -8,6 +9,8 @@
 namespace corvane {
 
 class InputFile;
+class OutputFile;
+class PointComparison;
 
 // The TIN document.
 class CCorvaneDoc : public CDocument {
@@ -27,6 +30,20 @@ class CCorvaneDoc : public CDocument {
   // is not overwritten: what it holds may still be rescued by other means.
   int OnSaveDocument(const std::string& path) override;
 
+  // Measure the TIN against the check points of a points file, and write the log beside the document: its
+  // path with ".log" in place of the extension. At the end two boxes tell the time that it took, and mean,
+  // standard deviation and RMS of the differences, TIN height minus point height. A failure has been told,
+  // Cancel has not, and both leave an old log as it was. The first takes the points in a rectangle that is
+  // asked for, in the order of the file; a row holds i, x, y, z and the difference, i being the point's place
+  // in the file. 1; -1: no points file; -2: Cancel; -3: no point can be in the rectangle; -4: no memory, or
+  // the file can't hold as many points as it announces; -5: the log can't be written.
+  int CompareWithPoints(const std::string& pointsPath);
+
+  // The second takes the points in the regions of a mask that is asked for, region by region; a row holds x,
+  // y and the difference. 1; -1: no points file, or Cancel; -2: no mask; -3: no point in the regions; -4: no
+  // memory; -5: the log can't be written.
+  int CompareInRegions(const std::string& pointsPath);
+
   TIN tin;
 
  private:
@@ -35,6 +52,7 @@ class CCorvaneDoc : public CDocument {
   int ReadAndStore(InputFile& file);
   bool SaveTin(const std::string& path);
   int SavePoints(const std::string& path);
+  int RunComparison(PointComparison& comparison, OutputFile& log, const std::function<void()>& measure);
 };
 
 }  // namespace corvane

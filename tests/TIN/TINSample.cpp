@@ -23,17 +23,10 @@ std::string TinBytes(const std::vector<SampleTriangle>& triangles) {
   return TinBytes(static_cast<std::int32_t>(triangles.size()), triangles);
 }
 
-std::vector<SampleTriangle> JitteredMesh(int rows, int cols, unsigned seed) {
-  std::mt19937 random(seed);
-  const auto jitter = [&random] { return (static_cast<double>(random()) / 4294967296.0 - 0.5) * 0.6; };
-  std::vector<PointRecord> points;
-  for (int row = 0; row < rows; ++row) {
-    for (int col = 0; col < cols; ++col) {
-      const double x = 1000.0 + col + jitter();
-      const double y = -500.0 + row + jitter();
-      points.push_back({row * cols + col, x, y, 5.0 * jitter(), 1.0});
-    }
-  }
+namespace {
+
+// rows x cols points, row by row, as triangles.
+std::vector<SampleTriangle> MeshOf(int rows, int cols, const std::vector<PointRecord>& points) {
   std::vector<SampleTriangle> triangles;
   for (int row = 0; row + 1 < rows; ++row) {
     for (int col = 0; col + 1 < cols; ++col) {
@@ -45,6 +38,33 @@ std::vector<SampleTriangle> JitteredMesh(int rows, int cols, unsigned seed) {
     }
   }
   return triangles;
+}
+
+}  // namespace
+
+std::vector<SampleTriangle> JitteredMesh(int rows, int cols, unsigned seed) {
+  std::mt19937 random(seed);
+  const auto jitter = [&random] { return (static_cast<double>(random()) / 4294967296.0 - 0.5) * 0.6; };
+  std::vector<PointRecord> points;
+  for (int row = 0; row < rows; ++row) {
+    for (int col = 0; col < cols; ++col) {
+      const double x = 1000.0 + col + jitter();
+      const double y = -500.0 + row + jitter();
+      points.push_back({row * cols + col, x, y, 5.0 * jitter(), 1.0});
+    }
+  }
+  return MeshOf(rows, cols, points);
+}
+
+std::vector<SampleTriangle> GridMesh(int rows, int cols, double spacing,
+                                     const std::function<double(int row, int col)>& height) {
+  std::vector<PointRecord> points;
+  for (int row = 0; row < rows; ++row) {
+    for (int col = 0; col < cols; ++col) {
+      points.push_back({row * cols + col, col * spacing, row * spacing, height(row, col), 1.0});
+    }
+  }
+  return MeshOf(rows, cols, points);
 }
 
 std::vector<SampleTriangle> TwoTriangles() {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -23,6 +24,10 @@ std::string TinBytes(std::int32_t count, const std::vector<SampleTriangle>& tria
 // rows x cols points about a unit apart, each moved at random by less than a third of that, with ids row by
 // row, split into 2 * (rows - 1) * (cols - 1) counter-clockwise triangles. The same for the same seed.
 std::vector<SampleTriangle> JitteredMesh(int rows, int cols, unsigned seed);
+
+// A regular mesh of rows x cols points `spacing` apart from (0, 0) on, with ids row by row and these heights.
+std::vector<SampleTriangle> GridMesh(int rows, int cols, double spacing,
+                                     const std::function<double(int row, int col)>& height);
 
 // The square (0, 0), (10, 0), (10, 10), (0, 10) with ids 0 to 3 and heights 1 to 4, as the triangles 0 1 2
 // and 0 2 3.

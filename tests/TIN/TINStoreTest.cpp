@@ -277,13 +277,16 @@ TEST_F(TINStore, StoreFromAMissingPathWarns) {
   EXPECT_EQ(tin.StoreTriangle("a.tin"), 0);
 }
 
-TEST_F(TINStore, ARawTinIsNotWritten) {
-  WriteFileBytes("a.tin", TinBytes(TwoTriangles()));
+TEST_F(TINStore, ARawTinWritesItsRawTriangles) {
+  WriteFileBytes("a.tin", TinBytes(TwoTriangles()) + "tail");
   EXPECT_EQ(tin.ReadTIN("a.tin"), 0);
   EXPECT_FALSE(tin.IsStored());
   OutputFile file("b.tin");
-  EXPECT_EQ(tin.WriteTIN(file), -1);
-  EXPECT_EQ(tin.WriteCompactTIN(file), -1);
+  EXPECT_EQ(tin.WriteTIN(file), 0);
+  EXPECT_TRUE(file.Commit());
+  EXPECT_EQ(ReadFileBytes("b.tin"), TinBytes(TwoTriangles()));
+  OutputFile compact("c.tin");
+  EXPECT_EQ(tin.WriteCompactTIN(compact), -1);
 }
 
 TEST_F(TINStore, CoordinatesThatAreNoNumbersAreRefused) {

@@ -121,13 +121,15 @@ TEST_F(CommandShapesTest, BatchFileMustExist) {
   EXPECT_TRUE(ui.choosers.at(0).mustExist);
 }
 
-TEST_F(CommandShapesTest, BatchRunsItsLines) {
+TEST_F(CommandShapesTest, BatchGivesTwoWordsALine) {
   WriteFileBytes("batch.txt", "a.tin b.tin\n\n  c.tin\td.tin\r\nlast");
-  std::vector<std::string> lines;
-  EXPECT_EQ(RunBatchLines("batch.txt", [&](const auto& a, const auto& b) { lines.push_back(a + "+" + b); }),
-            CommandResult::Done);
-  EXPECT_THAT(lines, ElementsAre("a.tin+b.tin", "c.tin+d.tin"));
-  EXPECT_EQ(RunBatchLines("none.txt", [](const auto&, const auto&) {}), CommandResult::Failed);
+  BatchLines lines;
+  ASSERT_TRUE(lines.Open("batch.txt"));
+  std::vector<std::string> read;
+  for (std::string a, b; lines.Next(a, b);) read.push_back(a + "+" + b);
+  EXPECT_THAT(read, ElementsAre("a.tin+b.tin", "c.tin+d.tin"));
+  BatchLines none;
+  EXPECT_FALSE(none.Open("none.txt"));
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message warning: Open file none.txt error!"));
 }
 

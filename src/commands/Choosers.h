@@ -1,0 +1,16 @@
+#pragma once
+
+#include "shell/MaskChooser.h"
+#include "ui/FileChooser.h"
+
+namespace corvane {
+
+// The file choosers that several commands show.
+
+inline constexpr const char* kPointsFilter = "Points Files (*.pts)|*.pts|All Files (*.*)|*.*|";
+
+inline const FileChooser kOpenPoints{.filter = kPointsFilter};
+inline const FileChooser kSavePoints{
+    .mode = FileChooser::Mode::Save, .filter = kPointsFilter, .defaultExtension = "pts"};
+
+}  // namespace corvane

@@ -1,0 +1,130 @@
+// The commands on the TIN menu that tell objects from ground.
+
+#include "commands/TinMenu.h"
+#include "forms/ValueInput.h"
+#include "io/Paths.h"
+#include "shell/CommandShapes.h"
+#include "shell/RunTimer.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr double kCutStep = 0.1;    // ground units
+constexpr double kHeightBin = 0.1;  // ground units
+constexpr double kHighestShare = 0.05;
+
+std::string OutputName(CCorvaneView& view, const char* suffix) {
+  return DerivedName(view.GetDocument().GetPathName(), suffix);
+}
+
+// Writes the vertices with these marks beside the document.
+bool WritePointsBeside(CCorvaneView& view, const char* suffix, int mode) {
+  const std::string path = OutputName(view, suffix);
+  const std::int32_t written = view.GetDocument().GetTIN().WritePoints(path, mode);
+  if (written == -2) ShowWarning(WriteErrorText(path));
+  return written >= 0;
+}
+
+// Marks what belongs to groups, and writes ground and objects apart.
+CommandResult WriteSplit(CCorvaneView& view) {
+  view.GetDocument().GetTIN().MarkGroupMembers();
+  const bool ground = WritePointsBeside(view, "_Grd.pts", 1);
+  const bool objects = WritePointsBeside(view, "_NonGrd.pts", 2);
+  return ground && objects ? CommandResult::Done : CommandResult::Failed;
+}
+
+// The largest plan area of an object, in square ground units; nothing on Cancel.
+std::optional<double> AskAreaLimit(double shown) {
+  ValueInput input;
+  input.value = shown;
+  if (!input.Ask()) return std::nullopt;
+  return input.value;
+}
+
+}  // namespace
+
+CommandResult OnTinSegmentation(CCorvaneView& view) {
+  if (!HasLoadedTin(view)) return CommandResult::Failed;
+  const auto areaLimit = AskAreaLimit(50000.0);
+  if (!areaLimit) return CommandResult::Cancelled;
+  TIN& tin = view.GetDocument().GetTIN();
+  RunTimer timer;
+  WaitCursor wait;
+  const int segmented = tin.SegmentByPlaneCut(tin.extent.minZ, tin.extent.maxZ, kCutStep, *areaLimit);
+  wait.End();
+
+  tin.DropFlatGroups(0.0);
+  std::vector<std::int32_t> pits;
+  tin.FindPits(0.0, pits);
+  tin.MarkVertices(pits);
+  timer.Stop();
+  timer.ShowTotal();
+  if (segmented < 0) {
+    ShowWarning("Failed to do the TIN segmentation!");
+    return CommandResult::Failed;
+  }
+  // The marks don't count as a change of the document.
+  const CommandResult result = WriteSplit(view);
+  RedrawTin(view);
+  return result;
+}
+
+CommandResult OnSurfaceReduction(CCorvaneView& view) {
+  if (!HasLoadedTin(view)) return CommandResult::Failed;
+  const auto areaLimit = AskAreaLimit(10000.0);
+  if (!areaLimit) return CommandResult::Cancelled;
+  RunTimer timer;
+  WaitCursor wait;
+  const int reduced = view.GetDocument().GetTIN().ReduceSurface(*areaLimit);
+  wait.End();
+  timer.Stop();
+  timer.ShowTotal();
+  RedrawTin(view);
+  const CommandResult result = WriteSplit(view);
+  if (reduced >= 0) return result;
+  Ui().SetStatusText(0, "The slopes could not be evaluated; no objects were found.");
+  return CommandResult::Failed;
+}
+
+// Kept: it classifies nothing and writes nothing.
+CommandResult OnTinClassification(CCorvaneView& view) {
+  if (!HasLoadedTin(view)) return CommandResult::Failed;
+  { WaitCursor wait; }
+  RedrawTin(view);
+  return CommandResult::Done;
+}
+
+// Kept: slopes live in memory only, so the file holds the triangles and heights of the document.
+CommandResult OnTinDifferential(CCorvaneView& view) {
+  if (!HasLoadedTin(view)) return CommandResult::Failed;
+  TIN& tin = view.GetDocument().GetTIN();
+  WaitCursor wait;
+  if (tin.ComputeSlopes() < 0) {
+    ShowWarning("Failed to create the differential TIN!");
+    return CommandResult::Failed;
+  }
+  const std::string path = OutputName(view, "_Diff.tin");
+  const int written = tin.WriteCompactTIN(path);
+  wait.End();
+  if (written < 0) ShowWarning(WriteErrorText(path));
+  RedrawTin(view);
+  return written < 0 ? CommandResult::Failed : CommandResult::Done;
+}
+
+CommandResult OnTinZHistogram(CCorvaneView& view) {
+  if (!HasLoadedTin(view)) return CommandResult::Failed;
+  TIN& tin = view.GetDocument().GetTIN();
+  WaitCursor wait;
+  tin.RecalcZExtent();
+  Histogram histogram;
+  const int counted = tin.ZHistogram(kHeightBin, histogram);
+  const int plotted = counted < 0 ? -1 : view.PlotHistogram(0, histogram.binStarts, histogram.counts);
+  double threshold = kNoThreshold;
+  HistogramThreshold(tin.GetPointCount(), histogram, kHighestShare, threshold);
+  wait.End();
+  if (threshold == kNoThreshold) ShowWarning("HistogramThresh:Histogram has error!");
+  return plotted < 0 || threshold == kNoThreshold ? CommandResult::Failed : CommandResult::Done;
+}
+
+}  // namespace corvane
