@@ -1,4 +1,5 @@
-// Any bytes as a ".tin" file: read, store, search, link, write. What is refused leaves no triangles.
+// Any bytes as a ".tin" file: read, store, search, link, filter, segment, write. What is refused leaves no
+// triangles.
 
 #include <cstdlib>
 
@@ -8,6 +9,21 @@
 
 namespace corvane {
 namespace {
+
+void FilterTin(TIN& tin) {
+  tin.SlopeFilter(30.0, 1.0);
+  tin.Smooth();
+  tin.RecalcZExtent();
+  const double zStep = (tin.extent.maxZ - tin.extent.minZ) / 20.0;
+  tin.SegmentByPlaneCut(tin.extent.minZ, tin.extent.maxZ, zStep, 10.0);
+  tin.DropFlatGroups(0.0);
+  std::vector<std::int32_t> pits;
+  tin.FindPits(0.0, pits);
+  tin.MarkVertices(pits);
+  tin.ReduceSurface(10.0);
+  Histogram histogram;
+  tin.ZHistogram(0.1, histogram);
+}
 
 void UseTin(TIN& tin) {
   const Extent6& extent = tin.GetExtent();
@@ -21,6 +37,7 @@ void UseTin(TIN& tin) {
     tin.RecomputeNormals(v);
     tin.NormalizeNormals(v);
   }
+  FilterTin(tin);
   OutputFile file(FuzzPath("out.tin"));
   tin.WriteTIN(file);
   for (int mode = 0; mode < 3; ++mode) tin.WritePoints(FuzzPath("out.pts"), mode);
