@@ -37,19 +37,23 @@ bool PictureBook::MakeFolder() const {
   return OutputFile((std::filesystem::path(folder_) / kProbe).string()).IsOpen();
 }
 
+bool PictureBook::Window::SaveTo(const std::string& path) const {
+  return graph ? SavePicture(*graph, path) : SavePicture(*view, path);
+}
+
 PictureBook::SavedPictures PictureBook::Save() {
   SavedPictures saved;
   for (Window& window : windows_) {
-    const std::string title = window.view->GetTitle();
+    const std::string title = window.GetTitle();
     const bool changed = window.changed || title != window.savedTitle;
-    if (!changed || !window.view->HasPicture()) continue;
+    if (!changed || !window.HasPicture()) continue;
     window.changed = false;
     window.savedTitle = title;
     if (window.number == 0) window.number = ++nNumbered_;
     gui_.Start();
     const std::string name = PictureFileName(window.number, title);
     const std::string path = (std::filesystem::path(folder_) / name).string();
-    if (SavePicture(*window.view, path)) {
+    if (window.SaveTo(path)) {
       saved.paths.push_back(path);
     } else {
       saved.failures.push_back("The picture " + path + " could not be written.");
@@ -70,9 +74,31 @@ void PictureBook::CloseWindow(WindowView& view) {
 
 void PictureBook::RepaintWindow(WindowView& view, bool atOnce) {
   for (Window& window : windows_) {
-    if (window.view == &view) window.changed = true;
+    if (window.view == &view && !window.graph) window.changed = true;
   }
   ForwardingFrontEnd::RepaintWindow(view, atOnce);
+}
+
+bool PictureBook::ShowGraph(WindowView& view, const GraphView& graph) {
+  if (!ForwardingFrontEnd::ShowGraph(view, graph)) return false;
+  if (!FindGraph(graph)) windows_.push_back({&view, &graph});
+  return true;
+}
+
+void PictureBook::PlotGraph(const GraphView& graph, int element) {
+  if (Window* window = FindGraph(graph)) window->changed = true;
+  ForwardingFrontEnd::PlotGraph(graph, element);
+}
+
+void PictureBook::ResizeGraph(const GraphView& graph) {
+  if (Window* window = FindGraph(graph)) window->changed = true;
+  ForwardingFrontEnd::ResizeGraph(graph);
+}
+
+PictureBook::Window* PictureBook::FindGraph(const GraphView& graph) {
+  const auto found = std::find_if(windows_.begin(), windows_.end(),
+                                  [&](const Window& window) { return window.graph == &graph; });
+  return found == windows_.end() ? nullptr : &*found;
 }
 
 std::string PictureFileName(int number, const std::string& title) {

@@ -1,6 +1,7 @@
 #include "cli/Transcript.h"
 
 #include <cmath>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "io/NumberText.h"
@@ -33,6 +34,13 @@ Json FieldsJson(const Form& form) {
   Json fields = Json::object();
   for (const FormField& field : form.fields) fields[field.name] = ValueJson(field);
   return fields;
+}
+
+// "#ff0000" of red.
+std::string ColourText(Colour colour) {
+  char text[8];
+  std::snprintf(text, sizeof text, "#%02x%02x%02x", colour.red, colour.green, colour.blue);
+  return text;
 }
 
 // Asks a prompt and writes it with its answer. A session that the prompt stops has cancelled it.
@@ -112,13 +120,42 @@ void Transcript::Trace(const std::string& text) {
 }
 
 void Transcript::OpenWindow(WindowView& view) {
-  const PixelSize size = view.GetScrollSize();
-  Write({{"event", "window"},
-         {"kind", WindowKindName(view.GetKind())},
-         {"title", view.GetTitle()},
-         {"width", size.width},
-         {"height", size.height}});
+  WriteWindow(view.GetKind(), view.GetTitle(), view.GetScrollSize());
   ForwardingFrontEnd::OpenWindow(view);
+}
+
+void Transcript::CloseWindow(WindowView& view) {
+  graphs_.erase(&view);
+  ForwardingFrontEnd::CloseWindow(view);
+}
+
+bool Transcript::ShowGraph(WindowView& view, const GraphView& graph) {
+  if (!ForwardingFrontEnd::ShowGraph(view, graph)) return false;
+  if (graphs_.insert(&view).second) WriteWindow(WindowKind::Graph, graph.GetTitle(), graph.GetSize());
+  return true;
+}
+
+void Transcript::PlotGraph(const GraphView& graph, int element) {
+  const auto elements = graph.GetElements();
+  if (element >= 0 && static_cast<std::size_t>(element) < elements.size()) {
+    const GraphElement& plotted = elements[static_cast<std::size_t>(element)];
+    Write({{"event", "plot"},
+           {"element", element},
+           {"count", plotted.points.size()},
+           {"colour", ColourText(plotted.colour)},
+           {"width", plotted.width}});
+  }
+  ForwardingFrontEnd::PlotGraph(graph, element);
+}
+
+void Transcript::OpenLog(const LogView& log) {
+  WriteWindow(WindowKind::Log, log.GetTitle(), kLogWindowSize);
+  ForwardingFrontEnd::OpenLog(log);
+}
+
+void Transcript::AppendToLog(const LogView& log, const std::string& text) {
+  Write({{"event", "print"}, {"stream", "log"}, {"text", text}});
+  ForwardingFrontEnd::AppendToLog(log, text);
 }
 
 void Transcript::CommandStarted(const std::string& name) {
@@ -138,6 +175,14 @@ void Transcript::FileGiven(const FileChooser& chooser, const std::string& path) 
 
 void Transcript::Write(const Json& event) {
   file_ << event.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n' << std::flush;
+}
+
+void Transcript::WriteWindow(WindowKind kind, const std::string& title, PixelSize size) {
+  Write({{"event", "window"},
+         {"kind", WindowKindName(kind)},
+         {"title", title},
+         {"width", size.width},
+         {"height", size.height}});
 }
 
 void Transcript::WriteChoice(const FileChooser& chooser, const Json& answer) {

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <nlohmann/json_fwd.hpp>
+#include <set>
 #include <string>
 
 #include "cli/ForwardingFrontEnd.h"
@@ -28,16 +29,24 @@ class Transcript : public ForwardingFrontEnd {
   void Print(const std::string& text) override;
   void Trace(const std::string& text) override;
   void OpenWindow(WindowView& view) override;
+  void CloseWindow(WindowView& view) override;
+  // A graph is a window of its own, written when it is first shown.
+  bool ShowGraph(WindowView& view, const GraphView& graph) override;
+  void PlotGraph(const GraphView& graph, int element) override;
+  void OpenLog(const LogView& log) override;
+  void AppendToLog(const LogView& log, const std::string& text) override;
   void CommandStarted(const std::string& name) override;
   void CommandEnded(const std::string& name, CommandResult result) override;
   void FileGiven(const FileChooser& chooser, const std::string& path) override;
 
  private:
   void Write(const nlohmann::ordered_json& event);
+  void WriteWindow(WindowKind kind, const std::string& title, PixelSize size);
   void WriteChoice(const FileChooser& chooser, const nlohmann::ordered_json& answer);
 
   std::ofstream file_;
   int waitDepth_ = 0;
+  std::set<const WindowView*> graphs_;  // the windows that have one
 };
 
 }  // namespace corvane

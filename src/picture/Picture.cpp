@@ -1,8 +1,8 @@
 #include "picture/Picture.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QByteArray>
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <clocale>
@@ -10,6 +10,7 @@
 
 #include "io/OutputFile.h"
 #include "picture/QtCanvas.h"
+#include "plot/GraphPlot.h"
 
 namespace corvane {
 
@@ -45,7 +46,7 @@ struct OffscreenGui::Application {
   char platform[10] = "offscreen";
   char* arguments[4] = {name, option, platform, nullptr};
   int nArguments = 3;
-  QGuiApplication gui{nArguments, arguments};
+  QApplication gui{nArguments, arguments};
 };
 
 OffscreenGui::OffscreenGui() = default;
@@ -66,7 +67,18 @@ void OffscreenGui::Start() {
 bool SavePicture(WindowView& view, const std::string& path) {
   const PixelSize size = view.GetPictureSize();
   if (!view.HasPicture() || size.width <= 0 || size.height <= 0) return false;
-  const QImage image = DrawImage(view, size);
+  return WritePng(DrawImage(view, size), path);
+}
+
+bool SavePicture(const GraphView& graph, const std::string& path) {
+  const PixelSize size = graph.GetSize();
+  if (size.width <= 0 || size.height <= 0) return false;
+  GraphPlot plot;
+  plot.Plot(graph, -1);
+  return WritePng(plot.DrawPicture({size.width, size.height}, 1.0), path);
+}
+
+bool WritePng(const QImage& image, const std::string& path) {
   QByteArray bytes;
   QBuffer buffer(&bytes);
   if (image.isNull() || !image.save(&buffer, "PNG", kPngQuality)) return false;

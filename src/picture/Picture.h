@@ -3,7 +3,10 @@
 #include <memory>
 #include <string>
 
+#include "ui/GraphView.h"
 #include "ui/WindowView.h"
+
+class QImage;
 
 namespace corvane {
 
@@ -27,5 +30,11 @@ class OffscreenGui {
 // False if the view has no picture, the picture does not fit into memory or the file can't be written.
 // Qt must be running.
 bool SavePicture(WindowView& view, const std::string& path);
+
+// The same of a graph, all of its curves, in its size.
+bool SavePicture(const GraphView& graph, const std::string& path);
+
+// Writes an image as a PNG file. False if it is a null image, or the file can't be written.
+bool WritePng(const QImage& image, const std::string& path);
 
 }  // namespace corvane

@@ -117,6 +117,7 @@ QMdiSubWindow* CMainWindow::FindSubWindow(const WindowView& view) const {
 void CMainWindow::OpenWindow(WindowView& view) {
   auto* window = new CViewWindow(view);
   window->onZoom = [this, &view] { ShowScale(view); };
+  window->onReadout = [this](const QString& text) { ShowReadout(text); };
   auto* subWindow = new CSubWindow(window, [this, &view] { OnSubWindowClose(view); });
   windows_[&view] = subWindow;
   {
@@ -167,6 +168,35 @@ void CMainWindow::RepaintWindow(WindowView& view, bool atOnce) {
 void CMainWindow::UpdateWindowFrame(WindowView& view) {
   if (CViewWindow* window = FindWindow(view)) window->UpdateScrollBars();
   RefreshTitles();
+}
+
+bool CMainWindow::ShowGraph(WindowView& view, const GraphView& graph, const CGraphWindow::Browser& browse) {
+  CViewWindow* window = FindWindow(view);
+  if (!window) return false;
+  window->ShowGraph(graph, browse);
+  return true;
+}
+
+void CMainWindow::PlotGraph(const GraphView& graph, int element) {
+  if (CGraphWindow* window = FindGraph(graph)) window->Plot(element);
+}
+
+void CMainWindow::ResizeGraph(const GraphView& graph) {
+  const PixelSize size = graph.GetSize();
+  if (CGraphWindow* window = FindGraph(graph)) window->resize(size.width, size.height);
+}
+
+CGraphWindow* CMainWindow::FindGraph(const GraphView& graph) const {
+  for (const auto& [view, subWindow] : windows_) {
+    CGraphWindow* window = ViewWindowOf(*subWindow).GetGraph();
+    if (window && window->GetGraph() == &graph) return window;
+  }
+  return nullptr;
+}
+
+// Over the message pane, whose text comes back when the pointer leaves the graph.
+void CMainWindow::ShowReadout(const QString& text) {
+  statusBar()->showMessage(text);
 }
 
 void CMainWindow::SetStatusText(int pane, const std::string& text) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "qt/GraphWindow.h"
 #include "qt/Menus.h"
 #include "qt/Printing.h"
 #include "qt/StatusPanes.h"
@@ -38,6 +39,11 @@ class CMainWindow : public QMainWindow {
   void RepaintWindow(WindowView& view, bool atOnce);
   void UpdateWindowFrame(WindowView& view);
   void SetStatusText(int pane, const std::string& text);
+
+  // False if the view has no window. `browse` asks for the path of a file to save the graph in.
+  bool ShowGraph(WindowView& view, const GraphView& graph, const CGraphWindow::Browser& browse);
+  void PlotGraph(const GraphView& graph, int element);
+  void ResizeGraph(const GraphView& graph);
 
   // While a command runs no other one starts. The message pane begins empty, and tells how a command ended
   // that has failed or has said nothing itself.
@@ -71,6 +77,8 @@ class CMainWindow : public QMainWindow {
   void RunRow(const CommandRow& row);
   void RunItem(const std::string& name);
   QMdiSubWindow* FindSubWindow(const WindowView& view) const;
+  CGraphWindow* FindGraph(const GraphView& graph) const;
+  void ShowReadout(const QString& text);
 
   void OnSubWindowActivated(QMdiSubWindow* subWindow);
   void OnSubWindowClose(WindowView& view);

@@ -9,6 +9,7 @@
 
 #include "qt/ChooserDialog.h"
 #include "qt/FormDialog.h"
+#include "qt/LogWindow.h"
 #include "qt/MainWindow.h"
 #include "qt/QtText.h"
 
@@ -141,15 +142,39 @@ void QtFrontEnd::UpdateWindowFrame(WindowView& view) {
   if (mainWindow_) mainWindow_->UpdateWindowFrame(view);
 }
 
-bool QtFrontEnd::ShowGraph(WindowView&, const GraphView&) {
-  return false;
+bool QtFrontEnd::ShowGraph(WindowView& view, const GraphView& graph) {
+  // Saving a graph is no command: its chooser is not one that a record knows.
+  const auto browse = [this](const FileChooser& chooser) { return Browse(chooser); };
+  return mainWindow_ && mainWindow_->ShowGraph(view, graph, browse);
 }
-void QtFrontEnd::PlotGraph(const GraphView&, int) {}
-void QtFrontEnd::ResizeGraph(const GraphView&) {}
 
-void QtFrontEnd::OpenLog(const LogView&) {}
-void QtFrontEnd::AppendToLog(const LogView&, const std::string&) {}
-void QtFrontEnd::CloseLog(const LogView&) {}
+void QtFrontEnd::PlotGraph(const GraphView& graph, int element) {
+  if (mainWindow_) mainWindow_->PlotGraph(graph, element);
+}
+
+void QtFrontEnd::ResizeGraph(const GraphView& graph) {
+  if (mainWindow_) mainWindow_->ResizeGraph(graph);
+}
+
+void QtFrontEnd::OpenLog(const LogView& log) {
+  if (!mainWindow_) return;
+  auto* window = new CLogWindow(Shown(log.GetTitle()), mainWindow_);
+  logs_[&log] = window;
+  window->show();
+  mainWindow_->ShowUncovered();
+}
+
+void QtFrontEnd::AppendToLog(const LogView& log, const std::string& text) {
+  const auto found = logs_.find(&log);
+  if (found != logs_.end() && found->second) found->second->Append(Shown(text));
+}
+
+void QtFrontEnd::CloseLog(const LogView& log) {
+  const auto found = logs_.find(&log);
+  if (found == logs_.end()) return;
+  if (found->second) found->second->close();
+  logs_.erase(found);
+}
 
 void QtFrontEnd::CommandStarted(const std::string& name) {
   command_ = Shown(name).section(" > ", -1);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QPointer>
 #include <QString>
+#include <map>
 #include <string>
 
 #include "ui/FrontEnd.h"
@@ -10,6 +12,7 @@ class QWidget;
 
 namespace corvane {
 
+class CLogWindow;
 class CMainWindow;
 
 // The front end in windows: dialogs, boxes, the main window.
@@ -59,6 +62,7 @@ class QtFrontEnd : public FrontEnd {
   CMainWindow* mainWindow_ = nullptr;
   QString folder_;   // where the next chooser opens
   QString command_;  // the item of the running command, "" for none
+  std::map<const LogView*, QPointer<CLogWindow>> logs_;
   bool tracing_ = false;
   int waiting_ = 0;
 };

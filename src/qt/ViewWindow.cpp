@@ -1,6 +1,8 @@
 #include "qt/ViewWindow.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -10,6 +12,7 @@
 #include <cstdlib>
 
 #include "picture/QtCanvas.h"
+#include "qt/PlotPane.h"
 #include "shell/CorvaneView.h"
 
 namespace corvane {
@@ -67,6 +70,46 @@ CViewWindow::CViewWindow(WindowView& view) : view_(&view) {
 
 QSize CViewWindow::sizeHint() const {
   return kFirstSize;
+}
+
+void CViewWindow::Detach() {
+  view_ = nullptr;
+  if (graph_) graph_->Detach();
+}
+
+void CViewWindow::ShowGraph(const GraphView& graph, const CGraphWindow::Browser& browse) {
+  if (!graph_) MakeGraph(graph, browse);
+  CoverWithGraph();
+}
+
+// The scroll bars are those of the drawing.
+void CViewWindow::CoverWithGraph() {
+  SetScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  graph_->setGeometry(viewport()->geometry());
+  graph_->show();
+  graph_->raise();
+}
+
+void CViewWindow::MakeGraph(const GraphView& graph, const CGraphWindow::Browser& browse) {
+  graph_ = new CGraphWindow(graph, browse, this);
+  graph_->onHide = [this] { HideGraph(); };
+  CPlotPane& pane = graph_->GetPane();
+  pane.takeWheel = [this](int angle) { return PassWheel(angle); };
+  pane.onReadout = [this](const QString& text) {
+    if (onReadout) onReadout(text);
+  };
+}
+
+void CViewWindow::HideGraph() {
+  if (!graph_) return;
+  graph_->hide();
+  SetScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  UpdateScrollBars();
+}
+
+void CViewWindow::SetScrollBarPolicy(Qt::ScrollBarPolicy policy) {
+  setHorizontalScrollBarPolicy(policy);
+  setVerticalScrollBarPolicy(policy);
 }
 
 void CViewWindow::UpdateScrollBars() {
@@ -131,6 +174,8 @@ void CViewWindow::scrollContentsBy(int dx, int dy) {
 
 void CViewWindow::keyPressEvent(QKeyEvent* event) {
   const int key = ViewKey(*event);
+  const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+  if (plain && IsGraphShown() && graph_->OnKey(event->key())) return;
   if (view_ && key != 0 && PassKey(key, event->count())) return;
   if (ScrollByKey(event->key())) return;
   QAbstractScrollArea::keyPressEvent(event);
@@ -153,16 +198,27 @@ bool CViewWindow::ScrollByKey(int key) {
 
 // The wheel goes to the view, zooms with Ctrl, and scrolls where the view leaves it free.
 void CViewWindow::wheelEvent(QWheelEvent* event) {
-  wheelAngle_ += event->angleDelta().y();
-  const int notches = wheelAngle_ / kAnglePerNotch;
-  wheelAngle_ %= kAnglePerNotch;
   if (!view_) return;
+  const int angle = event->angleDelta().y();
   if (event->modifiers() & Qt::ControlModifier) {
+    const int notches = WholeNotches(angle);
     for (int i = 0; i < std::abs(notches); ++i) PassKey(notches > 0 ? Key::kUp : Key::kDown, 1);
     event->accept();
-  } else if (notches == 0 || !view_->OnMouseWheel(notches)) {
+  } else if (!PassWheel(angle)) {
     QAbstractScrollArea::wheelEvent(event);
   }
+}
+
+bool CViewWindow::PassWheel(int angle) {
+  const int notches = WholeNotches(angle);
+  return view_ && notches != 0 && view_->OnMouseWheel(notches);
+}
+
+int CViewWindow::WholeNotches(int angle) {
+  wheelAngle_ += angle;
+  const int notches = wheelAngle_ / kAnglePerNotch;
+  wheelAngle_ %= kAnglePerNotch;
+  return notches;
 }
 
 void CViewWindow::mousePressEvent(QMouseEvent* event) {
@@ -183,6 +239,15 @@ void CViewWindow::mouseMoveEvent(QMouseEvent* event) {
 void CViewWindow::mouseReleaseEvent(QMouseEvent*) {
   dragging_ = false;
   viewport()->unsetCursor();
+}
+
+// The way back to a graph that has been hidden.
+void CViewWindow::contextMenuEvent(QContextMenuEvent* event) {
+  if (!graph_ || IsGraphShown()) return;
+  QMenu menu(this);
+  QAction* show = menu.addAction("Show Graph");
+  connect(show, &QAction::triggered, this, &CViewWindow::CoverWithGraph);
+  menu.exec(event->globalPos());
 }
 
 }  // namespace corvane

@@ -3,6 +3,7 @@
 #include <QAbstractScrollArea>
 #include <functional>
 
+#include "qt/GraphWindow.h"
 #include "ui/WindowView.h"
 
 class QKeyEvent;
@@ -10,18 +11,27 @@ class QKeyEvent;
 namespace corvane {
 
 // The window on a view: shows its drawing, or why there is none, scrolls it, and passes keys and wheel on to
-// it.
+// it. A graph covers the drawing and its scroll bars while it shows; it then has the keys first.
 class CViewWindow : public QAbstractScrollArea {
  public:
   explicit CViewWindow(WindowView& view);
 
   // Hears of a key or the wheel having changed the scale.
   std::function<void()> onZoom;
+  // Hears of the coordinates under the pointer in the graph, and of "" when it leaves the graph.
+  std::function<void(const QString& text)> onReadout;
 
   // Null after Detach.
   WindowView* GetView() const { return view_; }
   // The view is about to end, perhaps before this window does: it is not touched any more.
-  void Detach() { view_ = nullptr; }
+  void Detach();
+
+  // Shows the graph over the drawing, which makes its window at the first call.
+  void ShowGraph(const GraphView& graph, const CGraphWindow::Browser& browse);
+  void HideGraph();
+  bool IsGraphShown() const { return graph_ && !graph_->isHidden(); }
+  // Null before the first ShowGraph.
+  CGraphWindow* GetGraph() const { return graph_; }
 
   // Takes scroll size and scroll position over from the view.
   void UpdateScrollBars();
@@ -37,14 +47,22 @@ class CViewWindow : public QAbstractScrollArea {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   QSize ShownSize() const;
   void SetScrollBars(QSize shown);
+  void MakeGraph(const GraphView& graph, const CGraphWindow::Browser& browse);
+  void CoverWithGraph();
+  void SetScrollBarPolicy(Qt::ScrollBarPolicy policy);
+  // Takes the wheel's whole notches to the view; true if it has used them.
+  bool PassWheel(int angle);
+  int WholeNotches(int angle);
   bool PassKey(int key, int repeatCount);
   bool ScrollByKey(int key);
 
   WindowView* view_;
+  CGraphWindow* graph_ = nullptr;
   bool updating_ = false;  // the scroll bars follow the view, not a person
   int wheelAngle_ = 0;     // turned so far towards a whole notch, in eighths of a degree
   QPoint grabbed_;         // where a drag was last, in the viewport

@@ -5,6 +5,8 @@
 namespace corvane {
 
 void LogWnd::Open() {
+  if (open_) return;
+  text_.clear();
   open_ = true;
   Ui().OpenLog(*this);
 }
@@ -15,8 +17,9 @@ void LogWnd::Close() {
 }
 
 void LogWnd::Append(const std::string& text) {
+  if (!open_) return;
   text_ += text;
-  if (open_) Ui().AppendToLog(*this, text);
+  Ui().AppendToLog(*this, text);
 }
 
 }  // namespace corvane

@@ -15,11 +15,12 @@ class LogWnd : public LogView {
   LogWnd(const LogWnd&) = delete;
   LogWnd& operator=(const LogWnd&) = delete;
 
+  // Opens the window, or does nothing where it is open. The text begins empty.
   void Open();
   void Close();
   bool IsOpen() const { return open_; }
 
-  // Line ends included.
+  // Adds to the text of the open window, line ends included.
   void Append(const std::string& text);
 
   std::string GetTitle() const override { return "Log Window"; }

@@ -5,15 +5,17 @@
 namespace corvane {
 
 int CNTGraph::Show(WindowView& view, const std::string& title, PixelSize clientArea) {
-  if (!created_) {
+  const bool existed = created_;
+  if (!existed) {
     title_ = title;
     if (clientArea.width > 0 && clientArea.height > 0) size_ = clientArea;
   }
+  created_ = true;  // its making may resize it
   if (!Ui().ShowGraph(view, *this)) {
+    created_ = existed;
     ShowWarning("Can not create the graph window! Please register NTGraph.ocx");
     return -1;
   }
-  created_ = true;
   return 0;
 }
 
@@ -29,6 +31,11 @@ void CNTGraph::SetElement(int element) {
   }
   current_ = GetElementCount();
   elements_.emplace_back();
+}
+
+GraphElement& CNTGraph::Current() {
+  if (current_ < 0) SetElement(-1);
+  return elements_[static_cast<std::size_t>(current_)];
 }
 
 void CNTGraph::Redraw() {

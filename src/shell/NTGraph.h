@@ -15,7 +15,8 @@ class CNTGraph : public GraphView {
   int Show(WindowView& view, const std::string& title, PixelSize clientArea);
   bool IsCreated() const { return created_; }
 
-  // Elements are numbered from 0. What belongs to one element goes to the current one.
+  // Elements are numbered from 0. What belongs to one element goes to the current one, or to a new one where
+  // there is none.
   void ClearGraph();
   int GetElementCount() const { return static_cast<int>(elements_.size()); }
   // Makes an element the current one: the given one, or a new one for -1 or a number that there is not yet.
@@ -25,7 +26,7 @@ class CNTGraph : public GraphView {
   void SetElementStyle(GraphElement::Style style) { Current().style = style; }
   void PlotXY(double x, double y) { Current().points.push_back({x, y}); }
 
-  // Paints the current element, with axes that fit all elements.
+  // Paints the current element, with axes that fit all elements; without one, the empty axes.
   void Redraw();
   void Resize(PixelSize clientArea);
 
@@ -34,7 +35,7 @@ class CNTGraph : public GraphView {
   PixelSize GetSize() const override { return size_; }
 
  private:
-  GraphElement& Current() { return elements_[static_cast<std::size_t>(current_)]; }
+  GraphElement& Current();
 
   bool created_ = false;
   std::string title_;

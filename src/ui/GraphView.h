@@ -20,7 +20,7 @@ struct GraphPoint {
 struct GraphElement {
   enum class Style {
     Line,  // from point to point
-    Bars,  // a bar from 0 up to each point, as wide as the points are apart
+    Bars,  // a bar from 0 up to each point, which begins at its x and is as wide as two points are apart
   };
 
   std::vector<GraphPoint> points;

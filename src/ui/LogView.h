@@ -2,7 +2,12 @@
 
 #include <string>
 
+#include "ui/WindowView.h"
+
 namespace corvane {
+
+// The size in which a log window opens.
+constexpr PixelSize kLogWindowSize{640, 420};
 
 // The toolkit-free side of a modeless window that shows one read-only text.
 class LogView {

@@ -34,7 +34,8 @@ class Windows {
   // The graph's size has changed with its window's client area.
   virtual void ResizeGraph(const GraphView& graph) = 0;
 
-  // Shows the text window, and adds to its text; a log outlives its window.
+  // Opens a text window, which is empty at first, adds to its text, and closes it. A person may have closed
+  // it before. A log outlives its window.
   virtual void OpenLog(const LogView& log) = 0;
   virtual void AppendToLog(const LogView& log, const std::string& text) = 0;
   virtual void CloseLog(const LogView& log) = 0;

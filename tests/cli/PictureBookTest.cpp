@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "FakeView.h"
+#include "support/GraphData.h"
 #include "support/Pixels.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
@@ -85,6 +86,46 @@ TEST_F(PictureBookTest, FailureIsReported) {
   WriteFileBytes("out", "");
   book_.OpenWindow(a_);
   EXPECT_EQ(book_.Save().failures, Paths{"The picture out/01-a.lan.png could not be written."});
+}
+
+TEST_F(PictureBookTest, GraphIsAPictureOfItsOwn) {
+  GraphData graph({{{{0, 0}, {10, 10}}, kRed}});
+  book_.OpenWindow(a_);
+  EXPECT_TRUE(book_.ShowGraph(a_, graph));
+  EXPECT_EQ(book_.Save().paths, (Paths{"out/01-a.lan.png", "out/02-Data Graph.png"}));
+  EXPECT_EQ(QImage("out/02-Data Graph.png").size(), QSize(400, 300));
+  EXPECT_EQ(inner_.EventsWith("show-graph"), Paths{"show-graph: Data Graph"});
+}
+
+TEST_F(PictureBookTest, GraphIsSavedAgainWhenItIsPlottedAgain) {
+  GraphData graph({{{{0, 0}, {10, 10}}, kRed}});
+  book_.OpenWindow(a_);
+  book_.ShowGraph(a_, graph);
+  book_.PlotGraph(graph, 0);
+  book_.Save();
+  book_.ShowGraph(a_, graph);
+  EXPECT_TRUE(book_.Save().paths.empty()) << "shown, but nothing new in it";
+  book_.RepaintWindow(a_, false);
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-a.lan.png"});
+  book_.PlotGraph(graph, 0);
+  EXPECT_EQ(book_.Save().paths, Paths{"out/02-Data Graph.png"});
+}
+
+TEST_F(PictureBookTest, GraphClosesWithItsWindow) {
+  GraphData graph;
+  book_.OpenWindow(a_);
+  book_.OpenWindow(b_);
+  book_.ShowGraph(a_, graph);
+  book_.CloseWindow(a_);
+  book_.PlotGraph(graph, -1);
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-b.lan.png"});
+}
+
+TEST_F(PictureBookTest, GraphThatCanNotBeMadeHasNoPicture) {
+  inner_.canMakeGraphs = false;
+  GraphData graph;
+  EXPECT_FALSE(book_.ShowGraph(a_, graph));
+  EXPECT_TRUE(book_.Save().paths.empty());
 }
 
 TEST(PictureFileName, HoldsWhatAFileNameCan) {

@@ -42,6 +42,22 @@ TEST_F(ProgramTest, RunsTheRoadFromTextToPictureWithoutADisplay) {
   EXPECT_THAT(ReadFileBytes("err"), HasSubstr("picture: pictures/01-my survey.tin.png\n"));
 }
 
+// Heights 1 to 9 in bins of 0.1.
+TEST_F(ProgramTest, GraphIsAPictureAndAnEvent) {
+  WriteFileBytes("survey.txt", "0 0 1\n10 0 2\n10 10 3\n0 10 4\n5 5 9\n");
+  ASSERT_EQ(Call("run 'Text Points(XYZ) to Bin' survey.txt survey.pts 1.0"), 0);
+  ASSERT_EQ(Call("run 'Create TIN' survey.pts survey.tin"), 0);
+  ASSERT_EQ(Call("run --open survey.tin --transcript t.jsonl --pictures pictures 'TIN Points Z Histgram'"), 0)
+      << ReadFileBytes("err");
+  EXPECT_THAT(ReadFileBytes("t.jsonl"),
+              HasSubstr(R"({"event":"window","kind":"graph","title":"Data Graph","width":960,"height":640})"
+                        "\n"
+                        R"({"event":"plot","element":0,"count":81,"colour":"#ff0000","width":1})"
+                        "\n"));
+  EXPECT_EQ(ReadFileBytes("pictures/01-survey.tin.png").substr(1, 3), "PNG");
+  EXPECT_EQ(ReadFileBytes("pictures/02-Data Graph.png").substr(1, 3), "PNG");
+}
+
 TEST_F(ProgramTest, CreateTinWithoutAnswersNamesThePrompt) {
   EXPECT_EQ(Call("run 'Create TIN'"), 3);
   EXPECT_THAT(ReadFileBytes("err"), HasSubstr("no answer left for the file to open, Points Files (*.pts)\n"));

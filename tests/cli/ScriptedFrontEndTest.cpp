@@ -201,6 +201,23 @@ TEST_F(ScriptedFrontEndTest, TraceGoesToStandardErrorOnRequest) {
   EXPECT_EQ(err_.str(), "deep\n");
 }
 
+struct FakeLog : LogView {
+  std::string GetTitle() const override { return "Log Window"; }
+  const std::string& GetText() const override { return text; }
+  std::string text;
+};
+
+TEST_F(ScriptedFrontEndTest, LogGoesToStandardErrorUnlessQuiet) {
+  const FakeLog log;
+  frontEnd_.OpenLog(log);
+  frontEnd_.AppendToLog(log, "1, 2\n");
+  frontEnd_.CloseLog(log);
+  ScriptedFrontEnd quiet(console_, {.quiet = true}, [] {});
+  quiet.AppendToLog(log, "3, 4\n");
+  EXPECT_EQ(err_.str(), "1, 2\n");
+  EXPECT_EQ(out_.str(), "");
+}
+
 TEST(Console, PrintOnATerminalClearsTheStatusTextFirst) {
   std::ostringstream terminal;
   Console console(terminal, terminal, true, true);

@@ -1,10 +1,12 @@
 #include "cli/Transcript.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "FakeView.h"
+#include "support/GraphData.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 
@@ -199,6 +201,58 @@ TEST(Transcript, TellsThatItsFileCantBeWritten) {
   const TempFolder folder;
   TestFrontEnd inner;
   EXPECT_FALSE(Transcript(inner, "no/such/folder/t.jsonl").IsGood());
+}
+
+TEST_F(TranscriptTest, GraphWithItsPlots) {
+  FakeView view("a.tin");
+  GraphData graph({{std::vector<GraphPoint>(256), kRed, 1}, {{{1, 2}}, Colour{0, 10, 171}, 3}});
+  transcript_.ShowGraph(view, graph);
+  transcript_.PlotGraph(graph, 0);
+  transcript_.ShowGraph(view, graph);
+  transcript_.PlotGraph(graph, 1);
+  transcript_.PlotGraph(graph, -1);
+  EXPECT_EQ(Text(), R"({"event":"window","kind":"graph","title":"Data Graph","width":400,"height":300})"
+                    "\n"
+                    R"({"event":"plot","element":0,"count":256,"colour":"#ff0000","width":1})"
+                    "\n"
+                    R"({"event":"plot","element":1,"count":1,"colour":"#000aab","width":3})"
+                    "\n");
+  EXPECT_EQ(inner_.EventsWith("plot").size(), 3u);
+}
+
+TEST_F(TranscriptTest, GraphOfAWindowThatCameInAClosedOnesPlaceIsNew) {
+  FakeView view("a.tin");
+  GraphData graph;
+  transcript_.ShowGraph(view, graph);
+  transcript_.CloseWindow(view);
+  transcript_.ShowGraph(view, graph);
+  EXPECT_THAT(Text(), testing::HasSubstr("}\n{"));
+  EXPECT_EQ(inner_.EventsWith("close-window").size(), 1u);
+}
+
+TEST_F(TranscriptTest, GraphThatCanNotBeMadeIsNotWritten) {
+  FakeView view("a.tin");
+  inner_.canMakeGraphs = false;
+  EXPECT_FALSE(transcript_.ShowGraph(view, GraphData()));
+  EXPECT_EQ(Text(), "");
+}
+
+struct FakeLog : LogView {
+  std::string GetTitle() const override { return "Log Window"; }
+  const std::string& GetText() const override { return text; }
+  std::string text;
+};
+
+TEST_F(TranscriptTest, LogWithItsText) {
+  FakeLog log;
+  transcript_.OpenLog(log);
+  transcript_.AppendToLog(log, "1, 2\n");
+  transcript_.CloseLog(log);
+  EXPECT_EQ(Text(), R"({"event":"window","kind":"log","title":"Log Window","width":640,"height":420})"
+                    "\n"
+                    R"({"event":"print","stream":"log","text":"1, 2\n"})"
+                    "\n");
+  EXPECT_EQ(inner_.EventsWith("log"), std::vector<std::string>{"log: 1, 2\n"});
 }
 
 }  // namespace

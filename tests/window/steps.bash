@@ -88,6 +88,15 @@ choose_menu() {
   key Return
 }
 
+# point_at X Y: moves the pointer to that place on screen.
+point_at() {
+  xdotool mousemove "$1" "$2"
+  sleep 0.2
+}
+point_away() { point_at 1279 899; }
+wheel_forward() { xdotool click 4; }
+right_click() { xdotool click 3; }
+
 picture() {
   sleep 0.4
   import -window root "$pictures/$1.png"
@@ -107,6 +116,7 @@ expect_red() {
 expect_same_red() {
   [[ $(red_pixels "$1") == "$(red_pixels "$2")" ]] || fail "$1 and $2 show a different number of red pixels"
 }
+expect_line() { [[ $(head -n 1 "$1") == "$2" ]] || fail "$1 does not begin with \"$2\""; }
 expect_other() {
   [[ $(signature "$1") != "$(signature "$2")" ]] || fail "$1 and $2 show the same"
 }
