@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QScopedValueRollback>
 #include <QTimer>
+#include <utility>
 
 namespace corvane {
 
@@ -32,6 +33,9 @@ void ModalScript::Tick() {
   QTimer::singleShot(kTick, this, [this] { Tick(); });
   QWidget* dialog = QApplication::activeModalWidget();
   if (!dialog || dialog == acting_) return;
+  // The one before may have closed just now, and what follows from that not be done yet.
+  if (std::exchange(seen_, dialog) != dialog) return;
+  seen_ = nullptr;
   if (steps_.empty()) {
     ADD_FAILURE() << "unexpected dialog: " << dialog->windowTitle().toStdString() << ": "
                   << BoxText(*dialog).toStdString();

@@ -24,6 +24,7 @@ class ModalScript : public QObject {
 
   std::deque<Step> steps_;
   QWidget* acting_ = nullptr;  // the dialog that a step is under way on
+  QWidget* seen_ = nullptr;    // the dialog that was in front at the last look
 };
 
 // Types a text into the dialog's edit box of that name, in place of what stands there.
