@@ -5,7 +5,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include <vector>
+#include <cstdint>
+#include <cstring>
 
 #include "TakingTurns.h"
 #include "Terrain.h"

@@ -97,15 +97,16 @@ class TIN {
 
   // Builds the model after ReadTIN, reading the file a second time from byte 4 on, at which it must stand,
   // and shows count and extents in a box. Corners that the file has lost in between read as zeros. 0; -1:
-  // nothing has been read (with a box), or all corners are at one (x, y); -2, with a box: a corner is no
-  // point of the ground, its triangles need too large a grid, or memory runs out. A failure leaves the TIN
-  // empty, unless it is that of a stored TIN which nothing has been read for.
+  // nothing has been read (with a box), or all corners are at one (x, y), and the TIN stays as it was; -2,
+  // with a box, and the TIN is empty then: a corner is no point of the ground, its triangles need too large a
+  // grid, or memory runs out.
   int StoreTriangle(InputFile& file);
 
   // The same from a path; -1, with a warning, also if it does not open.
   int StoreTriangle(const std::string& path);
 
-  // The same from the raw triangles in memory; 0 for a TIN that is stored already.
+  // The same from the raw triangles in memory; 0 for a TIN that is stored already. A failure leaves the TIN
+  // raw.
   int StoreRawTriangles();
 
   // Writes the triangles that are not deleted, straight from the model, at the present position, which must
@@ -228,7 +229,8 @@ class TIN {
 
   // Groups the vertices above zStart + zStep; a group with more than areaLimit square ground units of plan
   // area is split one step higher, until one would have to be split above zEnd. Groups that there are take
-  // part. Returns 1.
+  // part. A group more than 20 million steps above zStart does not split any more. Tells in status pane 0,
+  // now and then, how high the cuts have come. Returns 1.
   // Cost: for each cut, the members above it and their triangles.
   int SegmentByPlaneCut(double zStart, double zEnd, double zStep, double areaLimit);
 
@@ -296,6 +298,7 @@ class TIN {
   TIN& operator=(TIN&&) = default;
 
   void Clear();
+  void ClearModel();
   int FailRead(int status, const char* text);
 
   StoreResult ScanRaw();
@@ -327,8 +330,10 @@ class TIN {
   double SlopeOf(std::int32_t vertex) const;
   bool MakeLabels(std::int32_t label);
   void AddGroup(std::int32_t vertex, double cutZ, std::int32_t label);
+  double RaiseWhole(TINGroup& group, double cut, double zStep, double zEnd, std::int32_t& label);
   void NextMarkRound();
   double SumArea(const TINGroup& group, double enough);
+  int FloodFromSeeds(double areaLimit);
   std::vector<SlopeSeed> CollectSeeds(double threshold) const;
   bool FloodSmallGroup(const SlopeSeed& seed, std::int32_t label, double areaLimit);
 

@@ -332,7 +332,10 @@ int TINPoints::ReadRegions(const std::string& path, std::vector<Region>& regions
   if (!text) return -1;
   TextScanner scanner(*text);
   std::int32_t nRegions = 0;
-  scanner.ScanInt(nRegions);
+  scanner.SkipSpace();
+  if (!scanner.AtEnd() && !scanner.ScanInt(nRegions)) {
+    Ui().SetStatusText(0, "The mask begins with no number of regions.");
+  }
   std::int32_t nRead = 0;
   for (; nRead < nRegions; ++nRead) {
     auto region = ScanRegion(scanner);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 #include "TIN/CutAreas.h"
 #include "TIN/TIN.h"
@@ -45,6 +46,14 @@ std::vector<SlopeSeed> TIN::CollectSeeds(double threshold) const {
 }
 
 int TIN::ReduceSurface(double areaLimit) {
+  try {
+    return FloodFromSeeds(areaLimit);
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+}
+
+int TIN::FloodFromSeeds(double areaLimit) {
   if (ComputeSlopes() < 0) return -1;
   Histogram histogram;
   double threshold = kNoThreshold;

@@ -1,18 +1,40 @@
 // Objects from horizontal plane cuts: connected groups of vertices at or above a height.
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <new>
 
 #include "TIN/TIN.h"
+#include "io/NumberText.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
 namespace {
 
-// Nothing on earth is as many cuts high. Beyond, a group counts as one that does not split.
-constexpr double kMaxCuts = 1e6;
+// Two thousand kilometres in steps of 0.1. Beyond, a group counts as one that does not split.
+constexpr double kMaxCuts = 2e7;
+
+// Tells in status pane 0, now and then, how high the cuts have come.
+class CutProgress {
+ public:
+  explicit CutProgress(double zEnd) : zEnd_(zEnd) {}
+
+  void Follow(double cut) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now < next_) return;
+    next_ = now + kInterval;
+    Ui().SetStatusText(0, "Cutting at height " + FixedText(cut, 1) + " of " + FixedText(zEnd_, 1));
+  }
+
+ private:
+  static constexpr std::chrono::seconds kInterval{1};
+
+  double zEnd_;
+  std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + kInterval;
+};
 
 std::size_t Index(std::int32_t i) {
   return static_cast<std::size_t>(i);
@@ -130,21 +152,29 @@ void TIN::AddGroup(std::int32_t vertex, double cutZ, std::int32_t label) {
 int TIN::SegmentByPlaneCut(double zStart, double zEnd, double zStep, double areaLimit) {
   BuildNeighbours();
   CalcTrianglesArea();
+  const bool isFirstRun = groups.empty() && labels.empty();
+  const double highestCut = zStart + kMaxCuts * zStep;
   std::int32_t label = -1;
   double cut = zStart + zStep;
   LabelAboveCut(cut, label);
 
+  CutProgress progress(zEnd);
   std::size_t kept = 0;  // groups before this place stay; from there to `next` they have been split up
   std::size_t next = 0;
   for (; next < groups.size() && cut <= zEnd; ++next) {
+    progress.Follow(cut);
     bool splits = false;
     groups[next].area = SumArea(groups[next], areaLimit);
     if (!(groups[next].area <= areaLimit)) {
+      if (isFirstRun && next + 1 == groups.size()) {
+        cut = RaiseWhole(groups[next], cut, zStep, std::min(zEnd, highestCut), label);
+        if (!(cut <= zEnd)) break;
+      }
       // Kept: one running value for all groups; the first one to reach zEnd ends the whole loop.
       const double cutHeight = groups[next].cutHeight;
       cut = zStep + cutHeight;
       const std::int32_t lastLabel = label;
-      if (cut > cutHeight && cut - zStart <= kMaxCuts * zStep) SplitGroup(next, cut, label);
+      if (cut > cutHeight && cut <= highestCut) SplitGroup(next, cut, label);
       splits = label != lastLabel;
       if (!splits) GroupArea(groups[next]);
     }
@@ -158,6 +188,25 @@ int TIN::SegmentByPlaneCut(double zStart, double zEnd, double zStep, double area
   groups.erase(groups.begin() + static_cast<std::ptrdiff_t>(kept),
                groups.begin() + static_cast<std::ptrdiff_t>(next));
   return 1;
+}
+
+// Splits the last group for as long as that gives it back whole: no member lies below the next cut, so the
+// flood from its first member meets the same members in the same order, and the child stands where the parent
+// stood. One low outlier can lie a million cuts below everything else. Returns the last cut made.
+double TIN::RaiseWhole(TINGroup& group, double cut, double zStep, double zEnd, std::int32_t& label) {
+  double lowest = std::numeric_limits<double>::infinity();
+  for (const std::int32_t member : group.members) lowest = std::min(lowest, vertices[Index(member)].z);
+  const std::int32_t firstLabel = label;
+  for (;;) {
+    const double next = zStep + group.cutHeight;
+    if (!(next > group.cutHeight && next <= lowest && cut <= zEnd)) break;
+    group.cutHeight = cut = next;
+    group.label = ++label;
+  }
+  if (label == firstLabel) return cut;
+  group.area = 0.0;
+  for (const std::int32_t member : group.members) labels[Index(member)] = label;
+  return cut;
 }
 
 int TIN::DropFlatGroups(double slopeLimit) {

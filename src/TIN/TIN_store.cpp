@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 #include <numeric>
+#include <utility>
 
 #include "TIN/LargePages.h"
 #include "TIN/RecordExtent.h"
@@ -73,12 +74,21 @@ int TIN::Store(const ReadStored& read, bool keepRaw) {
     rawRecords.reset();
     return 0;
   }
-  if (result != StoreResult::NotRead) Clear();
+  if (result != StoreResult::NotRead) ClearModel();
   if (result == StoreResult::NotRead) ShowMessage("StoreTriangle: No TIN read");
   if (result == StoreResult::BadFile) ShowMessage("StoreTriangle: Read TIN error!");
   if (result == StoreResult::LargeGrid) ShowMessage("StoreTriangle: The triangles need too large a grid!");
   if (result == StoreResult::NoMemory) ShowMessage("StoreTriangle: Memory allocation error!");
   return result == StoreResult::NotRead || result == StoreResult::OnePoint ? -1 : -2;
+}
+
+// Drops what has been built. A TIN whose raw triangles are still there stays raw, so that it can be saved.
+void TIN::ClearModel() {
+  auto raw = std::move(rawRecords);
+  const std::int32_t count = raw ? nTriangles : 0;
+  Clear();
+  rawRecords = std::move(raw);
+  nTriangles = count;
 }
 
 // Whether there is something to store: its extents are known then.
@@ -223,12 +233,7 @@ bool TIN::FillGrids() {
 
   std::vector<CellRange> ranges;
   ReserveLarge(ranges, triangles.size());
-  std::int64_t entriesLeft = kCellsPerTriangle * nTriangles + kSpareCells;
-  for (std::int32_t i = 0; i < nTriangles; ++i) {
-    ranges.push_back(CellsOfTriangle(i));
-    entriesLeft -= ranges.back().GetCount();
-    if (entriesLeft < 0) return false;
-  }
+  for (std::int32_t i = 0; i < nTriangles; ++i) ranges.push_back(CellsOfTriangle(i));
   const auto rangeAt = [&ranges](std::int32_t i) { return ranges[static_cast<std::size_t>(i)]; };
   return triangleGrid.FillCells(nTriangles, rangeAt) >= 0;
 }

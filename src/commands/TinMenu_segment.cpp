@@ -1,5 +1,6 @@
 // The commands on the TIN menu that tell objects from ground.
 
+#include "commands/Failures.h"
 #include "commands/TinMenu.h"
 #include "forms/ValueInput.h"
 #include "io/Paths.h"
@@ -29,6 +30,8 @@ bool WritePointsBeside(CCorvaneView& view, const char* suffix, int mode) {
 // Marks what belongs to groups, and writes ground and objects apart.
 CommandResult WriteSplit(CCorvaneView& view) {
   view.GetDocument().GetTIN().MarkGroupMembers();
+  Ui().SetStatusText(0,
+                     "Groups of objects: " + std::to_string(view.GetDocument().GetTIN().groups.size()) + ".");
   const bool ground = WritePointsBeside(view, "_Grd.pts", 1);
   const bool objects = WritePointsBeside(view, "_NonGrd.pts", 2);
   return ground && objects ? CommandResult::Done : CommandResult::Failed;
@@ -60,10 +63,7 @@ CommandResult OnTinSegmentation(CCorvaneView& view) {
   tin.MarkVertices(pits);
   timer.Stop();
   timer.ShowTotal();
-  if (segmented < 0) {
-    ShowWarning("Failed to do the TIN segmentation!");
-    return CommandResult::Failed;
-  }
+  if (segmented < 0) return FailWithWarning("Failed to do the TIN segmentation!");
   // The marks don't count as a change of the document.
   const CommandResult result = WriteSplit(view);
   RedrawTin(view);
@@ -83,8 +83,9 @@ CommandResult OnSurfaceReduction(CCorvaneView& view) {
   RedrawTin(view);
   const CommandResult result = WriteSplit(view);
   if (reduced >= 0) return result;
-  Ui().SetStatusText(0, "The slopes could not be evaluated; no objects were found.");
-  return CommandResult::Failed;
+  return FailWithWarning(
+      "Surface Reduction: no objects were looked for. The slopes reach too far for a histogram, or memory "
+      "ran out.");
 }
 
 // Kept: it classifies nothing and writes nothing.
@@ -100,10 +101,7 @@ CommandResult OnTinDifferential(CCorvaneView& view) {
   if (!HasLoadedTin(view)) return CommandResult::Failed;
   TIN& tin = view.GetDocument().GetTIN();
   WaitCursor wait;
-  if (tin.ComputeSlopes() < 0) {
-    ShowWarning("Failed to create the differential TIN!");
-    return CommandResult::Failed;
-  }
+  if (tin.ComputeSlopes() < 0) return FailWithWarning("Failed to create the differential TIN!");
   const std::string path = OutputName(view, "_Diff.tin");
   const int written = tin.WriteCompactTIN(path);
   wait.End();
@@ -123,6 +121,7 @@ CommandResult OnTinZHistogram(CCorvaneView& view) {
   double threshold = kNoThreshold;
   HistogramThreshold(tin.GetPointCount(), histogram, kHighestShare, threshold);
   wait.End();
+  RedrawTin(view);
   if (threshold == kNoThreshold) ShowWarning("HistogramThresh:Histogram has error!");
   return plotted < 0 || threshold == kNoThreshold ? CommandResult::Failed : CommandResult::Done;
 }

@@ -103,7 +103,7 @@ double BarWidth(const std::vector<GraphPoint>& points) {
 }
 
 // The outline of bars, all sides from the axis up and back. With many bars only the steps, without the sides
-// between bars that touch.
+// between bars that touch and the tops that go on.
 QVector<QCPGraphData> BarOutline(const std::vector<GraphPoint>& points, double width) {
   const bool sides = points.size() <= kMostOutlinedBars;
   QVector<QCPGraphData> outline;
@@ -115,6 +115,8 @@ QVector<QCPGraphData> BarOutline(const std::vector<GraphPoint>& points, double w
     const double end = std::min(x + width, next);
     const bool gap = next > x + width * 1.5;
     const bool startsHere = i == 0 || x > points[i - 1].x + width * 1.5;
+    const bool goesOn = !startsHere && !gap && !last && points[i - 1].y == y && points[i + 1].y == y;
+    if (!sides && goesOn) continue;
     if (sides || startsHere) outline.append({x, 0.0});
     outline.append({x, y});
     outline.append({end, y});

@@ -122,7 +122,8 @@ void DrawTriangles(Canvas& canvas, const TIN& tin, double scale) {
   painter.Flush();
 }
 
-// The edges between members of a group and their neighbours of the same label.
+// The edges between members of a group and their neighbours that carry the label of its first member. After
+// several runs a group's members may carry others.
 void DrawGroups(EdgePainter& painter, TIN& tin) {
   if (tin.groups.empty() || tin.labels.size() != tin.vertices.size()) return;
   if (tin.BuildNeighbours() < 0) return;

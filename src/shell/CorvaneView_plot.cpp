@@ -25,6 +25,7 @@ int CCorvaneView::PlotHistogram(int element, std::span<const double> xs,
   graph.SetElementColour(kHistogramColour);
   graph.SetElementStyle(GraphElement::Style::Bars);
   const std::size_t n = std::min(xs.size(), counts.size());
+  graph.Reserve(n);
   for (std::size_t i = 0; i < n; ++i) graph.PlotXY(xs[i], counts[i]);
   graph.Redraw();
   return 0;

@@ -24,6 +24,7 @@ class CNTGraph : public GraphView {
   void SetElementColour(Colour colour) { Current().colour = colour; }
   void SetElementWidth(int width) { Current().width = width; }
   void SetElementStyle(GraphElement::Style style) { Current().style = style; }
+  void Reserve(std::size_t nPoints) { Current().points.reserve(Current().points.size() + nPoints); }
   void PlotXY(double x, double y) { Current().points.push_back({x, y}); }
 
   // Paints the current element, with axes that fit all elements; without one, the empty axes.

@@ -192,12 +192,24 @@ TEST_F(TINFilter, VertexThatIsSteepOnOneSideOnlyStays) {
 }
 
 TEST_F(TINFilter, MinimumElevation0LetsFlatToppedTrianglesPass) {
-  // The centre is as high as the east, and the first of the two: its difference to the other is 0.
-  LoadTriangles(Tent(50.0, {50.0, 0.0, 0.0, 0.0}));
-  EXPECT_EQ(tin.HighestCorner(tin.triangles[0]), 0);
-  TIN copy;
-  ASSERT_TRUE(Load(copy, "a.tin"));
-  EXPECT_EQ(tin.SlopeFilter(30.0, 0.0), copy.SlopeFilter(30.0, 1e-300) + 1);
+  const PointRecord a = {0, 0.0, 0.0, 50.0, 1.0};
+  const PointRecord b = {1, 10.0, 0.0, 50.0, 1.0};
+  const PointRecord c = {2, 0.0, 10.0, 0.0, 1.0};
+  LoadTriangles({{a, b, c}});
+  EXPECT_EQ(tin.SlopeFilter(30.0, 0.0), 2);
+  EXPECT_EQ(Z(0), 25.0);  // as a spike, to the mean of 50 and 0
+  EXPECT_EQ(Z(1), 50.0);
+  EXPECT_EQ(Z(2), 37.5);  // as a pit, to the mean of 25 and 50
+}
+
+TEST_F(TINFilter, UprightTriangleQualifiesAt90Degrees) {
+  const PointRecord a = {0, 0.0, 0.0, 0.0, 1.0};
+  const PointRecord b = {1, 10.0, 0.0, 0.0, 1.0};
+  const PointRecord c = {2, 5.0, 0.0, 8.0, 1.0};
+  LoadTriangles({{a, b, c}});
+  EXPECT_EQ(tin.triangles[0].nz, 0.0);
+  EXPECT_EQ(tin.SlopeFilter(90.0, 1.0), 1);
+  EXPECT_EQ(Z(2), 0.0);
 }
 
 TEST_F(TINFilter, TwoEqualHighCornersPassOnlyWithElevation0) {

@@ -56,14 +56,15 @@ double TableAndMast(int row, int col) {
   return row == 6 && col == 6 ? 4.0 : 0.0;
 }
 
-// Rough ground: hills with steps and spikes.
-std::vector<SampleTriangle> RoughMesh(unsigned seed) {
+// Rough ground: hills with steps and spikes; vertex 1000 lies `pit` deeper.
+std::vector<SampleTriangle> RoughMesh(unsigned seed, double pit = 0.0) {
   auto triangles = JitteredMesh(45, 60, seed);
   for (SampleTriangle& triangle : triangles) {
     for (PointRecord& corner : triangle) {
       const double hill = 6.0 * std::sin(corner.x / 9.0) * std::cos(corner.y / 7.0);
       const double step = (corner.id / 60 / 4 + corner.id % 60 / 5) % 3 == 0 ? 3.0 : 0.0;
       corner.z = 0.2 * corner.z + hill + step + (corner.id % 41 == 0 ? 5.0 : 0.0);
+      if (corner.id == 1000) corner.z -= pit;
     }
   }
   return triangles;
@@ -146,6 +147,7 @@ class PlainSegmentation {
   }
 
   void Reduce(double areaLimit) {
+    std::ranges::fill(labels, -1);
     std::vector<double> slopes;
     for (std::int32_t v = 0; v < tin_.nPoints; ++v) slopes.push_back(Slope(v));
     const double min = *std::ranges::min_element(slopes);
@@ -329,33 +331,62 @@ TEST_F(TINSegment, InfiniteHeightsEnd) {
   EXPECT_EQ(tin.groups.size(), 1u);
 }
 
+// Also in further runs, on the labels and groups of those before, with a reduction between them.
 TEST_F(TINSegment, EqualsThePlainSegmentation) {
-  for (const double areaLimit : {0.0, 1.0, 12.0, 300.0, 1e9}) {
-    TIN fast;
-    TIN slow;
-    LoadInto(fast, RoughMesh(3));
-    LoadInto(slow, RoughMesh(3));
-    const double zStart = fast.extent.minZ;
-    fast.SegmentByPlaneCut(zStart, fast.extent.maxZ, 0.1, areaLimit);
-    PlainSegmentation plain(slow);
-    plain.SegmentByPlaneCut(zStart, slow.extent.maxZ, 0.1, areaLimit);
-    ExpectSame(fast, plain);
+  for (const double pit : {0.0, 70.0}) {
+    for (const double areaLimit : {0.0, 1.0, 12.0, 300.0, 1e9}) {
+      TIN fast;
+      TIN slow;
+      LoadInto(fast, RoughMesh(3, pit));
+      LoadInto(slow, RoughMesh(3, pit));
+      const double zStart = fast.extent.minZ;
+      const double zEnd = fast.extent.maxZ;
+      PlainSegmentation plain(slow);
+      fast.SegmentByPlaneCut(zStart, zEnd, 0.1, areaLimit);
+      plain.SegmentByPlaneCut(zStart, zEnd, 0.1, areaLimit);
+      ExpectSame(fast, plain);
+      fast.SegmentByPlaneCut(zStart, zEnd, 0.25, areaLimit / 2.0);
+      plain.SegmentByPlaneCut(zStart, zEnd, 0.25, areaLimit / 2.0);
+      ExpectSame(fast, plain);
+      ASSERT_EQ(fast.ReduceSurface(areaLimit), 1);
+      plain.Reduce(areaLimit);
+      ExpectSame(fast, plain);
+      fast.SegmentByPlaneCut(zStart, zEnd, 0.1, areaLimit / 3.0);
+      plain.SegmentByPlaneCut(zStart, zEnd, 0.1, areaLimit / 3.0);
+      ExpectSame(fast, plain);
+    }
+  }
+}
+
+TEST_F(TINSegment, CutsFromADeepPitUpEndAtTheSameGroups) {
+  // A vertex without a height, -99999, makes 800,000 cuts in which nothing else happens.
+  TIN shallow;
+  LoadInto(shallow, RoughMesh(3, 10.0));
+  shallow.SegmentByPlaneCut(-30.0, shallow.extent.maxZ, 0.125, 12.0);
+  LoadTriangles(RoughMesh(3, 99999.0));
+  tin.SegmentByPlaneCut(-100000.0, tin.extent.maxZ, 0.125, 12.0);
+  ASSERT_EQ(tin.groups.size(), shallow.groups.size());
+  for (std::size_t i = 0; i < tin.groups.size(); ++i) {
+    EXPECT_EQ(tin.groups[i].members, shallow.groups[i].members);
+    EXPECT_EQ(tin.groups[i].cutHeight, shallow.groups[i].cutHeight);  // steps of 1/8 add up exactly
   }
 }
 
 TEST_F(TINSegment, SecondRunGivesAnotherResult) {
-  LoadTriangles(GridMesh(8, 8, 10.0, TableAndMast));
-  tin.SegmentByPlaneCut(0.0, 6.0, 1.0, 100.0);
-  EXPECT_EQ(tin.DropFlatGroups(0.0), 1);
-  const auto once = tin.groups.size();
-  tin.SegmentByPlaneCut(0.0, 6.0, 1.0, 100.0);
-  EXPECT_EQ(tin.DropFlatGroups(0.0), -1);
-  EXPECT_EQ(tin.groups.size(), once);
-  EXPECT_EQ(tin.groups[1].cutHeight, 6.0);
-  // lower ground than before is labelled only where no label stands yet
-  tin.vertices[0].z = 2.0;
-  tin.SegmentByPlaneCut(0.0, 6.0, 1.0, 100.0);
-  EXPECT_EQ(tin.groups.size(), once + 1);
+  // The first run ends with the first group that would have to be split above zEnd, and leaves the others
+  // whole: until the next run.
+  LoadTriangles(RoughMesh(8));
+  const double zEnd = tin.extent.minZ + 6.0;
+  const auto run = [&] {
+    tin.SegmentByPlaneCut(tin.extent.minZ, zEnd, 0.5, 12.0);
+    tin.DropFlatGroups(0.0);
+    std::vector<List> members;
+    for (const TINGroup& group : tin.groups) members.push_back(group.members);
+    return members;
+  };
+  const auto once = run();
+  const auto twice = run();
+  EXPECT_NE(twice, once);
 }
 
 TEST_F(TINSegment, DropFlatGroupsOf0DropsOnlyWhatHasNoSlopeAtAll) {

@@ -232,6 +232,25 @@ TEST_F(TINStore, AllVerticesAtOnePointFailWithoutABoxOfTheirOwn) {
   EXPECT_EQ(
       ui.events.back(),
       "message information: triangles: 2\nmin: 4.000000 4.000000 1.000000\nmax: 4.000000 4.000000 4.000000");
+  // Its triangles are not lost.
+  EXPECT_FALSE(tin.IsStored());
+  EXPECT_TRUE(tin.vertices.empty());
+  EXPECT_EQ(tin.GetTriangleCount(), 2);
+  OutputFile file("b.tin");
+  EXPECT_EQ(tin.WriteTIN(file), 0);
+  EXPECT_TRUE(file.Commit());
+  EXPECT_EQ(ReadFileBytes("b.tin"), TinBytes(triangles));
+}
+
+TEST_F(TINStore, ARawTinThatCanNotBeStoredStaysRaw) {
+  auto triangles = TwoTriangles();
+  triangles[1][2].x = kNaN;
+  WriteFileBytes("a.tin", TinBytes(triangles));
+  ASSERT_EQ(tin.ReadTIN("a.tin"), 0);
+  EXPECT_EQ(tin.StoreRawTriangles(), -2);
+  EXPECT_FALSE(tin.IsStored());
+  EXPECT_EQ(tin.GetTriangleCount(), 2);
+  EXPECT_EQ(tin.StoreTriangle("a.tin"), -2);  // whose file form gives the raw triangles up
   ExpectEmpty();
 }
 

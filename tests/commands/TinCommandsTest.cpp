@@ -86,6 +86,7 @@ TEST_F(TinCommandsTest, SlopeFilterAsksFiltersAndMarksTheDocument) {
   EXPECT_EQ(ui.shownForms[0].GetReal("minElevation"), 1.0);
   EXPECT_EQ(ui.shownForms[0].GetReal("pointsInterval"), 1.0);
   EXPECT_EQ(Heights(), (std::vector<double>{2.5, 1.0, 2.0, 3.0, 4.0}));
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Vertices moved, pass by pass: 1, 0."));
   EXPECT_TRUE(Document().IsModified());
   EXPECT_THAT(ui.EventsWith("repaint"), testing::Not(IsEmpty()));
   EXPECT_EQ(ui.waitDepth, 0);
@@ -206,11 +207,10 @@ TEST_F(TinCommandsTest, SegmentationKeepsItsMarksForTheNextRun) {
   Open("m.tin", MastBytes());
   ui.values = {50000.0, 50000.0};
   Run("TIN Segmentation");
-  const auto once = ReadFileBytes("m_NonGrd.pts");
-  Tin().vertices[0].z = 5.0;
+  for (TINVertex& vertex : Tin().vertices) vertex.z = 1.0;  // nothing is left to find
   Run("TIN Segmentation");
-  EXPECT_NE(ReadFileBytes("m_NonGrd.pts"), once);
-  EXPECT_EQ(Tin().groups.size(), 2u);
+  EXPECT_EQ(HeightsIn("m_NonGrd.pts").size(), 7u);
+  EXPECT_EQ(Tin().groups.size(), 1u);
 }
 
 TEST_F(TinCommandsTest, CancelOfASegmentationWritesNothing) {
@@ -245,7 +245,11 @@ TEST_F(TinCommandsTest, SurfaceReductionOfAbsurdSlopesFails) {
   Open("t.tin", MeshBytes([](int i) { return i == 12 ? 1e12 : 1.0; }));
   ui.values = {10000.0};
   EXPECT_EQ(Run("Surface Reduction"), CommandResult::Failed);
-  EXPECT_THAT(ui.EventsWith("message"), ElementsAre(kTotal));
+  EXPECT_THAT(
+      ui.EventsWith("message"),
+      ElementsAre(kTotal,
+                  "message warning: Surface Reduction: no objects were looked for. The slopes reach too "
+                  "far for a histogram, or memory ran out."));
   EXPECT_EQ(HeightsIn("t_Grd.pts").size(), 25u);
 }
 
@@ -318,6 +322,27 @@ TEST_F(TinCommandsTest, RawTinThatCanNotBeStoredCountsAsNone) {
   ui.events.clear();
   EXPECT_EQ(Run("Smooth"), CommandResult::Failed);
   EXPECT_THAT(ui.EventsWith("message warning"), ElementsAre(kNoTin));
+}
+
+TEST_F(TinCommandsTest, SaveOfATinAtOnePlaceLosesNothing) {
+  const std::string bytes = TinBytes({{0, 1, 1, 1, 1.0}, {1, 1, 1, 2, 1.0}, {2, 1, 1, 3, 1.0}}, {{0, 1, 2}});
+  Open("m.tin", bytes);
+  EXPECT_EQ(Run("Smooth"), CommandResult::Failed);
+  EXPECT_EQ(Run("File > Save"), CommandResult::Failed);  // there are no points for "m_filted.pts"
+  EXPECT_EQ(ReadFileBytes("m.tin"), bytes);
+}
+
+TEST_F(TinCommandsTest, FilterBatchNamesATinAtOnePlace) {
+  WriteFileBytes("m.tin", TinBytes({{0, 1, 1, 1, 1.0}, {1, 1, 1, 2, 1.0}, {2, 1, 1, 3, 1.0}}, {{0, 1, 2}}));
+  WriteFileBytes("empty.tin", std::string(4, '\0'));
+  WriteFileBytes("batch.txt", "m.tin m_out.tin\nempty.tin empty_out.tin\n");
+  ui.forms = {[](Form&) { return true; }};
+  ui.files = {{"batch.txt"}};
+  EXPECT_EQ(Run("Filter (Batch)"), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("message warning"),
+              ElementsAre("message warning: m.tin: All vertices are at one place, so it is left out."));
+  EXPECT_EQ(ReadFileBytes("m_out.tin"), "");
+  EXPECT_EQ(ReadFileBytes("empty_out.tin"), std::string(4, '\0'));
 }
 
 }  // namespace
