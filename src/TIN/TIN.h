@@ -330,6 +330,7 @@ class TIN {
   double SlopeOf(std::int32_t vertex) const;
   bool MakeLabels(std::int32_t label);
   void AddGroup(std::int32_t vertex, double cutZ, std::int32_t label);
+  bool SplitAt(std::size_t index, double cut, std::int32_t& label);
   double RaiseWhole(TINGroup& group, double cut, double zStep, double zEnd, std::int32_t& label);
   void NextMarkRound();
   double SumArea(const TINGroup& group, double enough);

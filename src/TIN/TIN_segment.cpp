@@ -163,31 +163,33 @@ int TIN::SegmentByPlaneCut(double zStart, double zEnd, double zStep, double area
   std::size_t next = 0;
   for (; next < groups.size() && cut <= zEnd; ++next) {
     progress.Follow(cut);
-    bool splits = false;
     groups[next].area = SumArea(groups[next], areaLimit);
-    if (!(groups[next].area <= areaLimit)) {
-      if (isFirstRun && next + 1 == groups.size()) {
-        cut = RaiseWhole(groups[next], cut, zStep, std::min(zEnd, highestCut), label);
-        if (!(cut <= zEnd)) break;
-      }
-      // Kept: one running value for all groups; the first one to reach zEnd ends the whole loop.
-      const double cutHeight = groups[next].cutHeight;
-      cut = zStep + cutHeight;
-      const std::int32_t lastLabel = label;
-      if (cut > cutHeight && cut <= highestCut) SplitGroup(next, cut, label);
-      splits = label != lastLabel;
-      if (!splits) GroupArea(groups[next]);
+    const bool isTooLarge = !(groups[next].area <= areaLimit);
+    if (isTooLarge && isFirstRun && next + 1 == groups.size()) {
+      cut = RaiseWhole(groups[next], cut, zStep, std::min(zEnd, highestCut), label);
+      if (!(cut <= zEnd)) break;
     }
-    if (splits) {
+    // Kept: one running value for all groups; the first one to reach zEnd ends the whole loop.
+    if (isTooLarge) cut = zStep + groups[next].cutHeight;
+    if (isTooLarge && cut <= highestCut && SplitAt(next, cut, label)) {
       groups[next] = {};
-    } else {
-      if (kept != next) groups[kept] = std::move(groups[next]);
-      ++kept;
+      continue;
     }
+    if (isTooLarge) GroupArea(groups[next]);
+    if (kept != next) groups[kept] = std::move(groups[next]);
+    ++kept;
   }
   groups.erase(groups.begin() + static_cast<std::ptrdiff_t>(kept),
                groups.begin() + static_cast<std::ptrdiff_t>(next));
   return 1;
+}
+
+// Whether new groups have arisen from the group. A cut that does not rise above the last one makes none.
+bool TIN::SplitAt(std::size_t index, double cut, std::int32_t& label) {
+  if (!(cut > groups[index].cutHeight)) return false;
+  const std::int32_t lastLabel = label;
+  SplitGroup(index, cut, label);
+  return label != lastLabel;
 }
 
 // Splits the last group for as long as that gives it back whole: no member lies below the next cut, so the
