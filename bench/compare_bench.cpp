@@ -1,5 +1,7 @@
-// Measuring a TIN of about 2,000,000 triangles against 1,000,000 check points in memory: lookup, differences,
-// log written and put in place, statistics.
+// Measuring a TIN of about 2,000,000 triangles against 1,000,000 check points: lookup, differences, log
+// written and put in place, statistics. CheckTin has the points in memory; CompareWithPoints is the whole
+// command on an open TIN, which reads them from their file and tests them against the rectangle, and so does
+// its yardstick.
 //   "points": check points a second (wanted: 1,500,000 or more)
 //   "of plain program": the same over that of a program with FindTriangle and a stream of precision 15
 // Random points are the hard case: each one needs another part of the TIN. Points in scan order are what
@@ -13,13 +15,18 @@
 #include <fstream>
 #include <iomanip>
 #include <random>
+#include <sstream>
 #include <vector>
 
 #include "RandomSurvey.h"
 #include "TIN/PointComparison.h"
+#include "TIN/PointsHeader.h"
 #include "TIN/StoredPoints.h"
 #include "TakingTurns.h"
+#include "cli/ScriptedFrontEnd.h"
 #include "io/OutputFile.h"
+#include "shell/CorvaneApp.h"
+#include "shell/CorvaneView.h"
 
 namespace corvane {
 namespace {
@@ -34,11 +41,28 @@ const RandomSurvey& Survey() {
   return survey;
 }
 
-const TIN& Tin() {
-  static TIN tin;
-  const std::string path = Survey().GetTinPath();
-  if (!tin.IsStored() && (tin.ReadTIN(path) < 0 || tin.StoreTriangle(path) < 0)) std::abort();
+// The program on the survey's TIN, with a front end that accepts every form as it is shown.
+struct OpenTin {
+  std::ostringstream out;
+  std::ostringstream err;
+  Console console{out, err, false};
+  ScriptedFrontEnd frontEnd{console, {.quiet = true}, [] { std::abort(); }};
+  InstalledFrontEnd installed{frontEnd};
+  CCorvaneApp app{{}, ""};
+
+  OpenTin() {
+    if (!app.InitInstance(Survey().GetTinPath()) || !Document().GetTIN().IsStored()) std::abort();
+  }
+  CCorvaneDoc& Document() { return app.GetMainFrame().GetActiveTinView()->GetDocument(); }
+};
+
+OpenTin& SharedTin() {
+  static OpenTin tin;
   return tin;
+}
+
+const TIN& Tin() {
+  return SharedTin().Document().GetTIN();
 }
 
 // Within the TIN's extents; in scan order along rows of about a unit.
@@ -97,6 +121,50 @@ BENCHMARK_CAPTURE(CheckTin, random, Order::Random)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(6);
 BENCHMARK_CAPTURE(CheckTin, scan, Order::Scan)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(6);
+
+std::string WritePoints(Order order) {
+  const std::vector<StoredPoint> points = CheckPoints(order);
+  const Extent6& extent = Tin().GetExtent();
+  const PointsHeader header = {
+      static_cast<std::int32_t>(points.size()), extent.minX, extent.maxY, extent.maxX, extent.minY, 1.0, 1.0};
+  const auto bytes = header.Pack();
+  std::string path = Survey().PathOf("checks.pts");
+  OutputFile file(path);
+  file.Write(bytes.data(), bytes.size());
+  file.Write(points.data(), points.size() * kPointBytes);
+  if (!file.Commit()) std::abort();
+  return path;
+}
+
+// The rectangle is the TIN's, which holds all points.
+bool ReadAndMeasurePlainly(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  file.seekg(PointsHeader::kBytes);
+  std::vector<StoredPoint> points(kChecks);
+  file.read(reinterpret_cast<char*>(points.data()), static_cast<std::streamsize>(kChecks * kPointBytes));
+  return file.good() && MeasurePlainly(points);
+}
+
+void CompareWithPoints(benchmark::State& state, Order order) {
+  const std::string path = WritePoints(order);
+  OpenTin& open = SharedTin();
+  const auto compare = [&] {
+    open.frontEnd.SetAnswers({"@ok"});
+    return open.Document().CompareWithPoints(path) > 0;
+  };
+  const Seconds seconds = Compare(state, compare, [&] { return ReadAndMeasurePlainly(path); });
+  const double nMeasured = static_cast<double>(kChecks) * static_cast<double>(state.iterations());
+  state.counters["points"] = nMeasured / seconds.ours;
+  state.counters["of plain program"] = seconds.yardstick / seconds.ours;
+}
+BENCHMARK_CAPTURE(CompareWithPoints, random, Order::Random)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(6);
+BENCHMARK_CAPTURE(CompareWithPoints, scan, Order::Scan)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(6);
 
 }  // namespace
 }  // namespace corvane

@@ -5,6 +5,7 @@
 #include "TIN/PointRecord.h"
 #include "TIN/Resize.h"
 #include "io/InputFile.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
@@ -46,6 +47,12 @@ std::span<const char> PointBlocks::Next() {
 
 std::int32_t PointBlocks::GetMissingCount() const {
   return nHanded_ - static_cast<std::int32_t>(nBytes_ / static_cast<std::int64_t>(kPointBytes));
+}
+
+void TellMissing(std::int32_t nMissing, std::int32_t nPoints) {
+  if (nMissing == 0) return;
+  Ui().SetStatusText(0, "The points file is cut short: " + std::to_string(nPoints - nMissing) + " of " +
+                            std::to_string(nPoints) + " points are there.");
 }
 
 }  // namespace corvane

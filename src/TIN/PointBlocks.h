@@ -45,4 +45,7 @@ class PointBlocks {
   std::vector<char> block_;
 };
 
+// Tells in status pane 0 that a file of `nPoints` points has been cut short, if any are missing.
+void TellMissing(std::int32_t nMissing, std::int32_t nPoints);
+
 }  // namespace corvane

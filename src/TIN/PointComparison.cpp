@@ -8,6 +8,7 @@
 #include "TIN/Resize.h"
 #include "io/NumberText.h"
 #include "io/OutputFile.h"
+#include "io/Paths.h"
 #include "numerics/ArrayStatistics.h"
 
 namespace corvane {
@@ -111,6 +112,7 @@ void PointComparison::AppendNumbers(std::initializer_list<double> numbers) {
 ComparisonSummary PointComparison::Finish() {
   CompareBlock();
   ComparisonSummary summary;
+  summary.nPoints = static_cast<std::int64_t>(differences_.size());
   summary.count = count_;
   summary.mean = ArrayMean(differences_, kNoDataZ);
   summary.stdDev = ArrayStdDev(differences_, summary.mean, kNoDataZ);
@@ -126,10 +128,17 @@ ComparisonSummary PointComparison::Finish() {
   return summary;
 }
 
+bool OpenLog(OutputFile& log, const std::string& path, const std::vector<std::string>& inputs) {
+  return !IsOneOfFiles(path, inputs) && log.Open(path);
+}
+
 bool CollectInRegions(const TINPoints& points, std::span<const Region> regions,
                       std::vector<std::int32_t>& list) {
   try {
-    for (const Region& region : regions) points.CollectInRegion(region, list);
+    for (const Region& region : regions) {
+      points.CollectInRegion(region, list);
+      if (list.size() > INT32_MAX) return false;
+    }
   } catch (const std::bad_alloc&) {
     return false;
   } catch (const std::length_error&) {

@@ -26,7 +26,8 @@ int HeightAt(const TIN& tin, const Point3& p, double& z);
 
 // The measure of a TIN against check points: statistics of the differences, TIN height minus point height.
 struct ComparisonSummary {
-  std::int64_t count = 0;  // of the points that have a height
+  std::int64_t nPoints = 0;  // all that were to be measured
+  std::int64_t count = 0;    // of the points that have a height
   double min = 0.0;
   double max = 0.0;
   double mean = 0.0;
@@ -49,10 +50,12 @@ class PointComparison {
   // `log` need not be open, or take all that is written; its own Commit tells.
   PointComparison(const TIN& tin, Row row, OutputFile& log);
 
-  // Makes room for `n` differences, each "no data" until it is measured. False without the memory.
+  // Makes room for `n` differences, each "no data" until it is measured. Comes before the first Compare().
+  // False without the memory.
   bool Allocate(std::size_t n);
 
-  // Measures the point of difference `i`. Points are measured block by block: Finish ends the last one.
+  // Measures the point of difference `i`, which is below n. Points are measured block by block: Finish ends
+  // the last one.
   void Compare(std::size_t i, const Point3& p);
 
   // Writes the last line.
@@ -77,9 +80,13 @@ class PointComparison {
   std::string text_;
 };
 
+// Opens the log of a comparison of these input files. False if it can't be written, or would take the place
+// of one of them.
+bool OpenLog(OutputFile& log, const std::string& path, const std::vector<std::string>& inputs);
+
 // The points in any of the regions, as positions in the set: region by region, so that a point in two of them
 // is there twice. Regions that select nothing because they are none are passed over. False without the
-// memory.
+// memory, or if they would be more than 2^31 - 1.
 bool CollectInRegions(const TINPoints& points, std::span<const Region> regions,
                       std::vector<std::int32_t>& list);
 

@@ -8,7 +8,8 @@
 
 namespace corvane {
 
-std::optional<std::vector<StoredPoint>> ReadStoredPoints(InputFile& file, std::int32_t nPoints) {
+std::optional<std::vector<StoredPoint>> ReadStoredPoints(InputFile& file, std::int32_t nPoints,
+                                                         std::int32_t* nMissing) {
   PointBlocks blocks(file, nPoints);
   if (!blocks.IsBelievable() || !blocks.Allocate()) return std::nullopt;
   try {
@@ -19,7 +20,9 @@ std::optional<std::vector<StoredPoint>> ReadStoredPoints(InputFile& file, std::i
       points.resize(first + block.size() / kPointBytes);
       std::memcpy(points.data() + first, block.data(), block.size());
     }
-    if (blocks.IsComplete()) return points;
+    if (!blocks.IsComplete()) return std::nullopt;
+    if (nMissing) *nMissing = blocks.GetMissingCount();
+    return points;
   } catch (const std::bad_alloc&) {
   }
   return std::nullopt;

@@ -19,8 +19,10 @@ struct StoredPoint {
 };
 static_assert(sizeof(StoredPoint) == kPointBytes);
 
-// The next `nPoints` points of a file, zeros for those that a cut one lacks (as PointBlocks has them).
-// Nothing if the file can't hold so many, memory runs out or a read fails.
-std::optional<std::vector<StoredPoint>> ReadStoredPoints(InputFile& file, std::int32_t nPoints);
+// The next `nPoints` points of a file, zeros for those that a cut one lacks (as PointBlocks has them), whose
+// number goes to `nMissing` where it is wanted. Nothing if the file can't hold so many, memory runs out or a
+// read fails.
+std::optional<std::vector<StoredPoint>> ReadStoredPoints(InputFile& file, std::int32_t nPoints,
+                                                         std::int32_t* nMissing = nullptr);
 
 }  // namespace corvane

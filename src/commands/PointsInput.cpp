@@ -1,14 +1,12 @@
 #include "commands/PointsInput.h"
 
+#include "TIN/PointBlocks.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
 
 void TellMissing(const TINPoints& points) {
-  const std::int32_t nMissing = points.GetMissingCount();
-  if (nMissing == 0) return;
-  Ui().SetStatusText(0, "The points file is cut short: " + std::to_string(points.GetCount() - nMissing) +
-                            " of " + std::to_string(points.GetCount()) + " points are there.");
+  TellMissing(points.GetMissingCount(), points.GetCount());
 }
 
 bool ReadPoints(const std::string& path, const std::string& failure, TINPoints& points) {

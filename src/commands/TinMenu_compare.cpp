@@ -1,5 +1,9 @@
 // The comparisons with check points on the TIN menu.
 
+#include <new>
+#include <optional>
+#include <stdexcept>
+
 #include "TIN/PointComparison.h"
 #include "commands/Choosers.h"
 #include "commands/Failures.h"
@@ -40,10 +44,18 @@ std::string SummaryRow(const std::string& tinPath, const std::string& maskPath,
   return row += '\n';
 }
 
+// What all lines of a batch share.
+struct CheckPoints {
+  std::string path;
+  std::string tag;
+  TINPoints points;
+};
+
 // Measures a TIN against the points in the regions of a mask and writes the log of that. Returns its row of
-// the batch's summary, "" for a line that is passed over. What went wrong has been told.
-std::string CompareBatchLine(const TINPoints& points, const std::string& tag, const std::string& tinPath,
-                             const std::string& maskPath) {
+// the batch's summary, "" for a line that is passed over, for a reason that has been told. Nothing, or
+// std::bad_alloc, without the memory.
+std::optional<std::string> CompareLine(const CheckPoints& checks, const std::string& tinPath,
+                                       const std::string& maskPath) {
   TIN tin;
   // A TIN without any extent (-1) has no heights, which shows in the row.
   if (tin.ReadTIN(tinPath) < 0 || tin.StoreTriangle(tinPath) < -1) return "";
@@ -55,16 +67,28 @@ std::string CompareBatchLine(const TINPoints& points, const std::string& tag, co
   OutputFile log;
   PointComparison comparison(tin, PointComparison::Row::WithHeights, log);
   std::vector<std::int32_t> list;
-  if (!CollectInRegions(points, regions, list) || !comparison.Allocate(list.size())) {
-    ShowMessage(kPointsMemoryError);
-    return "";
+  if (!CollectInRegions(checks.points, regions, list) || !comparison.Allocate(list.size())) {
+    return std::nullopt;
   }
-  const std::string logPath = DerivedName(tinPath, "_" + tag + ".log");
-  log.Open(logPath);
-  CompareListed(comparison, points, list);
+  const std::string logPath = DerivedName(tinPath, "_" + checks.tag + ".log");
+  OpenLog(log, logPath, {tinPath, maskPath, checks.path});
+  CompareListed(comparison, checks.points, list);
   const ComparisonSummary summary = comparison.Finish();
   if (!log.Commit()) ShowWarning(WriteErrorText(logPath));
   return SummaryRow(tinPath, maskPath, summary);
+}
+
+// The same, with a shortage of memory told as well: the next line may need less.
+std::string CompareBatchLine(const CheckPoints& checks, const std::string& tinPath,
+                             const std::string& maskPath) {
+  std::optional<std::string> row;
+  try {
+    row = CompareLine(checks, tinPath, maskPath);
+  } catch (const std::bad_alloc&) {
+  } catch (const std::length_error&) {
+  }
+  if (!row) ShowMessage(kPointsMemoryError);
+  return row.value_or("");
 }
 
 }  // namespace
@@ -87,19 +111,19 @@ CommandResult OnTinPtsCompareBatch(CCorvaneView&) {
   if (!summary.IsOpen()) return FailWithWarning(OpenErrorText(summaryPath));
 
   WaitCursor wait;
-  std::string pointsPath;
-  std::string tag;
-  lines.Next(pointsPath, tag);  // a line that lacks one leaves it empty
-  TINPoints points;
-  if (!ReadPoints(pointsPath, "Read points file error!\n", points)) return CommandResult::Failed;
-  points.BuildIndex(1);
+  CheckPoints checks;
+  lines.Next(checks.path, checks.tag);  // a line that lacks one leaves it empty
+  if (!ReadPoints(checks.path, "Read points file error!\n", checks.points)) return CommandResult::Failed;
+  if (checks.points.BuildIndex(1) < 0) return CommandResult::Failed;
+  std::vector<std::string> inputs = {*batchPath, checks.path};
   std::string tinPath;
   std::string maskPath;
   while (lines.Next(tinPath, maskPath)) {
     Ui().SetStatusText(0, "Comparing " + tinPath);
-    summary.Write(CompareBatchLine(points, tag, tinPath, maskPath));
+    summary.Write(CompareBatchLine(checks, tinPath, maskPath));
+    inputs.insert(inputs.end(), {tinPath, maskPath});
   }
-  if (summary.Commit()) return CommandResult::Done;
+  if (!IsOneOfFiles(summaryPath, inputs) && summary.Commit()) return CommandResult::Done;
   return FailWithWarning(WriteErrorText(summaryPath));
 }
 

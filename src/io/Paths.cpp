@@ -1,5 +1,6 @@
 #include "io/Paths.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -58,6 +59,16 @@ bool FileExists(const std::string& path) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
+
+bool IsSameFile(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+bool IsOneOfFiles(const std::string& path, const std::vector<std::string>& files) {
+  return std::any_of(files.begin(), files.end(),
+                     [&path](const std::string& file) { return IsSameFile(file, path); });
 }
 
 bool IsDevice(const std::string& path) {

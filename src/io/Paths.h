@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace corvane {
 
@@ -30,6 +31,12 @@ std::string AbsolutePath(std::string_view path);
 
 // Whether there is something on this path that is not a folder.
 bool FileExists(const std::string& path);
+
+// Whether both paths lead to one file that is there, by whatever name or link.
+bool IsSameFile(const std::string& a, const std::string& b);
+
+// Whether the path leads to one of these files.
+bool IsOneOfFiles(const std::string& path, const std::vector<std::string>& files);
 
 // Whether there is a device or a pipe on this path.
 bool IsDevice(const std::string& path);

@@ -53,11 +53,9 @@ CommandResult LoadTinOnDemand(CCorvaneView& view) {
     if (!chosen) return CommandResult::Cancelled;
     path = *chosen;
   }
-  if (document.GetTIN().GetTriangleCount() < 1) {
-    if (document.OnOpenDocument(path) <= 0) return CommandResult::Failed;
-    if (document.GetTIN().GetTriangleCount() < 1) return CommandResult::Failed;
-  }
-  if (document.GetTIN().StoreRawTriangles() < 0) return CommandResult::Failed;
+  const bool isLoaded = document.GetTIN().GetTriangleCount() >= 1;
+  if (!isLoaded && document.OnOpenDocument(path) <= 0) return CommandResult::Failed;
+  if (!HasLoadedTin(view)) return CommandResult::Failed;
   view.paintEnabled = false;  // Kept: also where the TIN was loaded and painted before
   document.SetPathName(path, true);
   return CommandResult::Done;
@@ -81,7 +79,11 @@ bool BatchLines::Open(const std::string& path) {
 }
 
 bool BatchLines::Next(std::string& first, std::string& second) {
-  if (!scanner_.ScanWord(first) || !scanner_.ScanWord(second)) return false;
+  if (!scanner_.ScanWord(first)) return false;
+  if (!scanner_.ScanWord(second)) {
+    Ui().SetStatusText(0, "The batch ends with one word alone: " + first);
+    return false;
+  }
   scanner_.SkipSpace();
   return true;
 }

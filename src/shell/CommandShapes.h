@@ -31,7 +31,8 @@ void RedrawTin(CCorvaneView& view);
 std::optional<std::vector<std::string>> ChooseInOrder(const std::vector<FileChooser>& choosers);
 
 // Shape C, the TIN-on-demand command: the document's path, or one from a chooser; loads the TIN where none
-// is loaded, with painting off. Done when the TIN is at hand, otherwise the command's result.
+// is loaded, with painting off. Done when the TIN is at hand, otherwise the command's result. A file that
+// opens and gives no TIN ends in the text of the guard.
 CommandResult LoadTinOnDemand(CCorvaneView& view);
 
 // Shape D, the batch command: the chooser for the batch file. Nothing on Cancel.
@@ -47,7 +48,8 @@ class BatchLines {
   // False, after the composed open text with the warning icon, if the file does not open.
   bool Open(const std::string& path);
 
-  // The two words of the next line; false at the end of the file.
+  // The two words of the next line; false at the end of the file. A word that stands there alone is told in
+  // status pane 0.
   bool Next(std::string& first, std::string& second);
 
  private:

@@ -1,7 +1,5 @@
 #include "shell/CorvaneDoc.h"
 
-#include <filesystem>
-
 #include "io/InputFile.h"
 #include "io/OutputFile.h"
 #include "io/Paths.h"
@@ -10,15 +8,6 @@
 #include "ui/FrontEnd.h"
 
 namespace corvane {
-
-namespace {
-
-bool IsSameFile(const std::string& a, const std::string& b) {
-  std::error_code error;
-  return std::filesystem::equivalent(a, b, error) && !error;
-}
-
-}  // namespace
 
 int CCorvaneDoc::OnOpenDocument(const std::string& path) {
   if (CDocument::OnOpenDocument(path) <= 0) return 0;

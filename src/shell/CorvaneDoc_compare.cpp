@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "TIN/PointBlocks.h"
 #include "TIN/PointComparison.h"
 #include "TIN/PointsHeader.h"
 #include "TIN/StoredPoints.h"
@@ -12,6 +13,7 @@
 #include "io/OutputFile.h"
 #include "io/Paths.h"
 #include "shell/CorvaneDoc.h"
+#include "shell/MainFrm.h"
 #include "shell/MaskChooser.h"
 #include "shell/RunTimer.h"
 #include "ui/ErrorTexts.h"
@@ -21,7 +23,7 @@ namespace corvane {
 
 namespace {
 
-int FailWith(const char* text, int status) {
+int TellAndReturn(const char* text, int status) {
   ShowMessage(text);
   return status;
 }
@@ -54,23 +56,32 @@ std::string StatisticsText(const ComparisonSummary& summary) {
   return text;
 }
 
+// "3 of 4 points measured; log: a.log"
+std::string MeasuredText(const ComparisonSummary& summary, const std::string& logPath) {
+  return std::to_string(summary.count) + " of " + std::to_string(summary.nPoints) +
+         " points measured; log: " + logPath;
+}
+
 }  // namespace
 
 int CCorvaneDoc::CompareWithPoints(const std::string& pointsPath) {
   InputFile file(pointsPath);
   auto header = PointsHeader::Read(file);
-  if (!header) return FailWith("Open file error!\n", -1);
+  if (!header) return TellAndReturn("Open file error!\n", -1);
   if (header->maxY < header->minY) std::swap(header->minY, header->maxY);
   const auto window = AskWindow(tin.GetExtent());
   if (!window) return -2;
-  if (Misses(*window, *header)) return FailWith("There is no overlap between TIN and Points!\n", -3);
+  if (Misses(*window, *header)) return TellAndReturn("There is no overlap between TIN and Points!\n", -3);
 
+  TellComparing(pointsPath);
   OutputFile log;
   PointComparison comparison(tin, PointComparison::Row::Numbered, log);
-  const auto points = ReadStoredPoints(file, header->nPoints);
-  if (!points || !comparison.Allocate(points->size())) return FailWith(kPointsMemoryError, -4);
+  std::int32_t nMissing = 0;
+  const auto points = ReadStoredPoints(file, header->nPoints, &nMissing);
+  if (!points || !comparison.Allocate(points->size())) return TellAndReturn(kPointsMemoryError, -4);
   file.Close();
-  return RunComparison(comparison, log, [&] {
+  TellMissing(nMissing, header->nPoints);
+  return RunComparison(comparison, log, {GetPathName(), pointsPath}, [&] {
     for (std::size_t i = 0; i < points->size(); ++i) {
       const StoredPoint& point = (*points)[i];
       if (IsIn(*window, point)) comparison.Compare(i, {point.x, point.y, point.z});
@@ -80,31 +91,38 @@ int CCorvaneDoc::CompareWithPoints(const std::string& pointsPath) {
 
 int CCorvaneDoc::CompareInRegions(const std::string& pointsPath) {
   TINPoints points;
-  if (points.Read(pointsPath) < 0) return FailWith("Read points file error!\n", -1);
-  points.BuildIndex(1);  // points outside their extents have been told, and no region finds any then
+  if (points.Read(pointsPath) < 0) return TellAndReturn("Read points file error!\n", -1);
+  TellMissing(points.GetMissingCount(), points.GetCount());
+  if (points.BuildIndex(1) < 0) return -1;
   const auto maskPath = ChooseFile(kOpenMask);
   if (!maskPath) return -1;
   std::vector<Region> regions;
-  if (TINPoints::ReadRegions(*maskPath, regions) < 1) return FailWith("Read region file error!\n", -2);
+  if (TINPoints::ReadRegions(*maskPath, regions) < 1) return TellAndReturn("Read region file error!\n", -2);
 
   OutputFile log;
   PointComparison comparison(tin, PointComparison::Row::Plan, log);
   std::vector<std::int32_t> list;
   if (!CollectInRegions(points, regions, list) || !comparison.Allocate(list.size())) {
-    return FailWith(kPointsMemoryError, -4);
+    return TellAndReturn(kPointsMemoryError, -4);
   }
-  if (list.empty()) return FailWith("There is no Points in the comparing area!\n", -3);
-  return RunComparison(comparison, log, [&] { CompareListed(comparison, points, list); });
+  if (list.empty()) return TellAndReturn("There is no Points in the comparing area!\n", -3);
+  TellComparing(pointsPath);
+  return RunComparison(comparison, log, {GetPathName(), pointsPath, *maskPath},
+                       [&] { CompareListed(comparison, points, list); });
+}
+
+void CCorvaneDoc::TellComparing(const std::string& pointsPath) {
+  GetMainFrame().GetStatusBar().SetPaneText(0, "Comparing with " + pointsPath);
 }
 
 // What both forms do once the points are there. `measure` gives them to the comparison.
 int CCorvaneDoc::RunComparison(PointComparison& comparison, OutputFile& log,
-                               const std::function<void()>& measure) {
+                               const std::vector<std::string>& inputs, const std::function<void()>& measure) {
   constexpr int kNoLog = -5;
   const std::string logPath = DerivedName(GetPathName(), ".log");
   RunTimer timer;
   WaitCursor wait;
-  if (log.Open(logPath)) measure();
+  if (OpenLog(log, logPath, inputs)) measure();
   wait.End();
   timer.Stop();
   const ComparisonSummary summary = comparison.Finish();
@@ -112,6 +130,7 @@ int CCorvaneDoc::RunComparison(PointComparison& comparison, OutputFile& log,
     ShowWarning(WriteErrorText(logPath));
     return kNoLog;
   }
+  GetMainFrame().GetStatusBar().SetPaneText(0, MeasuredText(summary, logPath));
   timer.ShowTotal();
   ShowInformation(StatisticsText(summary));
   return 1;

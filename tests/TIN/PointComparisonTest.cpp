@@ -6,7 +6,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <iomanip>
 #include <random>
+#include <sstream>
 
 #include "TIN/StoredPoints.h"
 #include "TINSample.h"
@@ -88,15 +91,23 @@ TEST_F(PointComparisonTest, RowsHaveThreeForms) {
 TEST_F(PointComparisonTest, PointsWithoutAHeightLeaveNoTraceButTheirNumber) {
   LoadTriangles({TwoTriangles()[0]});
   const double nan = std::nan("");
-  // the first one counts as -4096 for the maximum
   EXPECT_EQ(LogOf(Row::Numbered, {{0, 10, 0}, {0, 0, 3}, {20, 20, 0}, {10, 0, 6}, {nan, 0, 0}}),
             "1, 0, 0, 3, -2\n3, 10, 0, 6, -4\n2, -4, -2, -3, 1.4142135623731, 3.16227766016838\n");
+}
+
+TEST_F(PointComparisonTest, MaxStartsAtNoDataWhereTheFirstPointHasNoHeight) {
+  LoadTriangles({TwoTriangles()[0]});
+  const ComparisonSummary summary = Compare(Row::Plan, {{0, 10, 0}, {0, 0, 5001}, {10, 0, 5004}});
+  EXPECT_EQ(summary.max, -4096.0);  // above both differences, -5000 and -5002
+  EXPECT_EQ(summary.min, -5002.0);
+  EXPECT_EQ(summary.mean, -5001.0);
 }
 
 TEST_F(PointComparisonTest, WithOneMatchTheDeviationIsZeroAndRmsTheAbsoluteDifference) {
   LoadTriangles(TwoTriangles());
   const ComparisonSummary summary = Compare(Row::Plan, {{50, 50, 0}, {0, 0, 3.5}});
   EXPECT_EQ(summary.count, 1);
+  EXPECT_EQ(summary.nPoints, 2);
   EXPECT_EQ(summary.mean, -2.5);
   EXPECT_EQ(summary.stdDev, 0.0);
   EXPECT_EQ(summary.rms, 2.5);
@@ -151,19 +162,53 @@ bool PlainHeight(const std::vector<SampleTriangle>& triangles, const Point3& p, 
   return false;
 }
 
-TEST_F(PointComparisonTest, EqualsAnIndependentInterpolationOnRandomPoints) {
-  const auto triangles = JitteredMesh(20, 20, 8);
-  LoadTriangles(triangles);
+// Some of them beside the TIN.
+std::vector<Point3> RandomPoints(const Extent6& extent, std::size_t n) {
   std::mt19937_64 random(4);
   const auto uniform = [&random](double from, double to) {
     return from + (to - from) * static_cast<double>(random() >> 11) * 0x1p-53;
   };
-  std::vector<Point3> points(5000);
-  const Extent6& extent = tin.GetExtent();
+  std::vector<Point3> points(n);
   for (Point3& p : points) {
     p = {uniform(extent.minX - 1.0, extent.maxX), uniform(extent.minY - 1.0, extent.maxY),
          uniform(0.0, 50.0)};
   }
+  return points;
+}
+
+void WriteRow(std::ostream& log, Row row, std::size_t i, const Point3& p, double height) {
+  const double difference = height - p.z;
+  if (row == Row::Numbered) log << i << ", ";
+  log << p.x << ", " << p.y << ", ";
+  if (row == Row::Numbered) log << p.z << ", ";
+  if (row == Row::WithHeights) log << p.z << ", " << height << " ,";
+  log << difference << "\n";
+}
+
+TEST_F(PointComparisonTest, LogsAreThoseOfAPlainLoopAndAStream) {
+  const auto triangles = JitteredMesh(20, 20, 8);
+  LoadTriangles(triangles);
+  std::vector<Point3> points = RandomPoints(tin.GetExtent(), 4000);
+  for (const SampleTriangle& t : triangles) points.push_back({t[0].x, t[0].y, t[0].z + 1e-7});
+  for (const Row row : {Row::Numbered, Row::Plan, Row::WithHeights}) {
+    const ComparisonSummary all = Compare(row, points);
+    std::ostringstream log;
+    log << std::setprecision(15);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      double height = 0.0;
+      if (HeightAt(tin, points[i], height) >= 0) WriteRow(log, row, i, points[i], height);
+    }
+    log << all.count << ", " << all.min << ", " << all.max << ", " << all.mean << ", " << all.stdDev << ", "
+        << all.rms << "\n";
+    EXPECT_TRUE(ReadFileBytes("a.log") == log.str());
+    EXPECT_GT(all.count, 3000);
+  }
+}
+
+TEST_F(PointComparisonTest, EqualsAnIndependentInterpolationOnRandomPoints) {
+  const auto triangles = JitteredMesh(20, 20, 8);
+  LoadTriangles(triangles);
+  const std::vector<Point3> points = RandomPoints(tin.GetExtent(), 5000);
   const ComparisonSummary summary = Compare(Row::WithHeights, points);
 
   std::vector<long double> differences;
@@ -207,6 +252,18 @@ TEST_F(PointComparisonTest, PointsOfTwoRegionsAreListedTwice) {
   EXPECT_THAT(list, testing::ElementsAre(0, 1, 1, 2));
 }
 
+TEST_F(PointComparisonTest, LogTakesThePlaceOfNoInput) {
+  WriteFileBytes("p.pts", "points");
+  std::filesystem::create_symlink("p.pts", "link.log");
+  for (const char* path : {"p.pts", "./p.pts", "link.log"}) {
+    OutputFile log;
+    EXPECT_FALSE(OpenLog(log, path, {"none.tin", "p.pts"}));
+    EXPECT_FALSE(log.IsOpen());
+  }
+  OutputFile log;
+  EXPECT_TRUE(OpenLog(log, "new.log", {"none.tin", "p.pts", "new.log"}));  // no input is there
+}
+
 // A points file of `count` announced points that holds `numbers`.
 std::string StoredBytes(const std::vector<double>& numbers) {
   std::string bytes(numbers.size() * sizeof(double), '\0');
@@ -227,8 +284,10 @@ TEST_F(PointComparisonTest, StoredPointsReadAsTheyStand) {
 TEST_F(PointComparisonTest, StoredPointsThatAreMissingAreZero) {
   WriteFileBytes("p", StoredBytes({1, 2, 3, 4, 5, 6}));
   InputFile file("p");
-  const auto points = ReadStoredPoints(file, 3);
+  std::int32_t nMissing = 0;
+  const auto points = ReadStoredPoints(file, 3, &nMissing);
   ASSERT_TRUE(points);
+  EXPECT_EQ(nMissing, 2);  // the second one in part
   EXPECT_EQ((*points)[1].y, 6.0);
   EXPECT_EQ((*points)[1].z, 0.0);
   EXPECT_EQ((*points)[2].x, 0.0);

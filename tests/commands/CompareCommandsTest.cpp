@@ -1,5 +1,11 @@
 // The comparisons of TINs with check points, as whole commands.
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <sstream>
+
+#include "cli/CommandLine.h"
 #include "commands/CommandsFixture.h"
 #include "support/PointsBytes.h"
 
@@ -10,6 +16,7 @@ using testing::ElementsAre;
 using testing::StartsWith;
 
 constexpr const char* kFailed = "message stop: Failed to compare TIN/Points";
+constexpr const char* kExtension = "message warning: There is error in points extension!!";
 constexpr const char* kTime = "message message: Total hrs: 00 mins: 00, secs: 0";
 constexpr const char* kLoaded = "message information: triangles: 2\nmin: 100.0";
 
@@ -229,11 +236,15 @@ TEST_F(CompareTest, CountThatTheFileCanNotHoldIsRefused) {
   EXPECT_THAT(Files(), ElementsAre("p.pts", "t.tin"));
 }
 
-TEST_F(CompareTest, PointsThatACutFileLacksAreAtTheOrigin) {
+TEST_F(CompareTest, PointsThatACutFileLacksAreAtTheOriginAndTold) {
   OpenTin();
   WriteFileBytes("p.pts", BytesOf({.minX = 0, .minY = 0}, 3, {100, 200, 0}));
   EnterWindow(0, 0, 110, 210);
   EXPECT_EQ(Compare(), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: Comparing with p.pts",
+                          "status 0: The points file is cut short: 1 of 3 points are there.",
+                          "status 0: 1 of 3 points measured; log: t.log"));
   EXPECT_EQ(ReadFileBytes("t.log"), "0, 100, 200, 0, 1\n1, 1.7e+308, 1, 1, 0, 1\n");
 }
 
@@ -262,6 +273,29 @@ TEST_F(CompareTest, LogOfAFullDiskIsTold) {
   AcceptForm();
   EXPECT_EQ(Compare(), CommandResult::Failed);
   EXPECT_THAT(Boxes(), ElementsAre("message warning: Write file t.log error!", kFailed));
+}
+
+TEST_F(CompareTest, LogDoesNotTakeThePlaceOfAnInput) {
+  WritePoints({100, 200, 0});
+  std::filesystem::create_symlink("p.pts", "t.log");
+  OpenTin();
+  AcceptForm();
+  EXPECT_EQ(Compare(), CommandResult::Failed);  // the points
+  WriteFileBytes("u.log", SquareTinBytes());
+  OpenTin("u.log");
+  AcceptForm();
+  EXPECT_EQ(Compare(), CommandResult::Failed);  // the TIN
+  EXPECT_THAT(Boxes(), ElementsAre("message warning: Write file u.log error!", kFailed));
+  WriteFileBytes("v.tin", SquareTinBytes());
+  const std::string mask = "1\n0 2\n90 190\n120 220\n";
+  WriteFileBytes("v.log", mask);
+  OpenTin("v.tin");
+  EXPECT_EQ(CompareInMask("p.pts", "v.log"), CommandResult::Failed);  // the mask
+  EXPECT_THAT(Boxes(), ElementsAre("message warning: Write file v.log error!", kFailed));
+  EXPECT_EQ(ui.waitDepth, 0);
+  EXPECT_EQ(ReadFileBytes("p.pts"), BytesOf({}, 1, {100, 200, 0}));
+  EXPECT_EQ(ReadFileBytes("u.log"), SquareTinBytes());
+  EXPECT_EQ(ReadFileBytes("v.log"), mask);
 }
 
 TEST_F(CompareTest, OldLogIsReplaced) {
@@ -301,6 +335,8 @@ TEST_F(CompareTest, MaskFormAsksInOrderAndLogsThreeColumns) {
                                    "1.802776"));
   EXPECT_EQ(ReadFileBytes("t.log"),
             "100, 200, 1\n110, 200, 2\n110, 210, 2\n110, 210, 2\n4, 2, 2, 1.75, 0.5, 1.80277563773199\n");
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: Comparing with p.pts", "status 0: 4 of 4 points measured; log: t.log"));
   EXPECT_EQ(ui.waitDepth, 0);
 }
 
@@ -350,13 +386,62 @@ TEST_F(CompareTest, MaskFormWithoutAPointInTheRegions) {
   EXPECT_THAT(Files(), ElementsAre("m.msk", "p.pts", "t.tin"));
 }
 
-TEST_F(CompareTest, MaskFormWithPointsOutsideTheirHeadersExtents) {
+TEST_F(CompareTest, MaskFormEndsWithPointsOutsideTheirHeadersExtents) {
   OpenTin();
   WritePoints({100, 200, 0, 500, 500, 0});
   WriteFileBytes("m.msk", "1\n0 2\n90 190\n120 220\n");
   EXPECT_EQ(CompareInMask(), CommandResult::Failed);
-  EXPECT_THAT(Boxes(), ElementsAre("message warning: There is error in points extension!!",
-                                   "message message: There is no Points in the comparing area!\n", kFailed));
+  EXPECT_THAT(Boxes(), ElementsAre(kExtension, kFailed));
+  EXPECT_THAT(ui.choosers, testing::SizeIs(1));  // the mask is not asked for
+}
+
+TEST_F(CompareTest, MaskFormTellsThatThePointsFileIsCutShort) {
+  OpenTin();
+  WriteFileBytes("p.pts", BytesOf({.minX = 0, .minY = 0}, 3, {100, 200, 0}));
+  WriteFileBytes("m.msk", "1\n0 2\n90 190\n120 220\n");
+  EXPECT_EQ(CompareInMask(), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: The points file is cut short: 1 of 3 points are there.",
+                          "status 0: Comparing with p.pts", "status 0: 1 of 1 points measured; log: t.log"));
+  EXPECT_EQ(ReadFileBytes("t.log"), "100, 200, 1\n1, 1.7e+308, 1, 1, 0, 1\n");
+}
+
+TEST_F(CompareTest, MaskThatBeginsWithNoNumberIsTold) {
+  OpenTin();
+  WritePoints({100, 200, 0});
+  const std::vector<std::string> told = {"status 0: The mask begins with no number of regions."};
+  for (const char* mask : {"", " \n", "0\n", "0 regions"}) {
+    WriteFileBytes("m.msk", mask);
+    EXPECT_EQ(CompareInMask(), CommandResult::Failed);
+  }
+  EXPECT_TRUE(ui.EventsWith("status").empty());
+  WriteFileBytes("m.msk", "\n nothing at all");
+  EXPECT_EQ(CompareInMask(), CommandResult::Failed);
+  EXPECT_EQ(ui.EventsWith("status"), told);
+}
+
+TEST_F(CompareTest, FileThatGivesNoTinEndsBothForms) {
+  WritePoints({100, 200, 0});
+  WriteFileBytes("point.tin", TinBytes({{0, 100, 200, 1, 1.0}}, {{0, 0, 0}}));
+  for (const char* command : {"TIN/Points Comparing", "TIN/Points Comparing2"}) {
+    ui.events.clear();
+    ui.files = {{"point.tin"}, {"p.pts"}};
+    EXPECT_EQ(Run(command), CommandResult::Failed);
+    EXPECT_EQ(Boxes().back(), "message warning: No TIN Read! Please load a TIN first!");
+    EXPECT_THAT(ui.files, testing::SizeIs(1));  // the points are not asked for
+  }
+}
+
+TEST_F(CompareTest, NameWithoutAnExtensionGetsTheTitle) {
+  WriteFileBytes("p.Choose a Points Set.", BytesOf({}, 1, {100, 200, 0}));
+  std::istringstream in;
+  std::ostringstream out;
+  std::ostringstream err;
+  EXPECT_EQ(RunCommandLine({"run", "--open", "t.tin", "TIN/Points Comparing", "p", "@ok"}, CommandRows(),
+                           {in, out, err}),
+            ExitStatus::Done);
+  EXPECT_EQ(ReadFileBytes("t.log"), "0, 100, 200, 0, 1\n1, 1.7e+308, 1, 1, 0, 1\n");
+  EXPECT_THAT(err.str(), testing::HasSubstr("1 of 1 points measured; log: t.log\n"));
 }
 
 TEST_F(CompareTest, MaskFormWhoseLogCanNotBeWritten) {
@@ -427,6 +512,14 @@ TEST_F(CompareBatchTest, TinWithoutTrianglesHasNoHeights) {
   EXPECT_THAT(ReadFileBytes("b.txt.log"), StartsWith("empty.tin, m.msk, 0, 1"));
 }
 
+TEST_F(CompareBatchTest, TinOfOnePointHasNoHeights) {
+  WriteFileBytes("point.tin", TinBytes({{0, 100, 200, 1, 1.0}}, {{0, 0, 0}}));
+  WritePoints({100, 200, 0, 0, 0, 0}, {.minX = 0, .minY = 0});
+  WriteFileBytes("all.msk", "1\n0 2\n-1 -1\n120 220\n");
+  EXPECT_EQ(RunBatch("p.pts x\npoint.tin all.msk\n"), CommandResult::Done);
+  EXPECT_EQ(ReadFileBytes("point_x.log"), "0, 1.7e+308, -4096, 0, 0, 0\n");
+}
+
 TEST_F(CompareBatchTest, PointsThatDoNotReadEndIt) {
   WriteFileBytes("b.txt.log", "old");
   for (const char* text : {"none.pts x\nt.tin m.msk\n", "", "\n \n"}) {
@@ -438,11 +531,42 @@ TEST_F(CompareBatchTest, PointsThatDoNotReadEndIt) {
   EXPECT_EQ(ReadFileBytes("b.txt.log"), "old");
 }
 
+TEST_F(CompareBatchTest, PointsOutsideTheirHeadersExtentsEndIt) {
+  WriteFileBytes("b.txt.log", "old");
+  WritePoints({100, 200, 0, 500, 500, 0});
+  EXPECT_EQ(RunBatch("p.pts x\nt.tin m.msk\n"), CommandResult::Failed);
+  EXPECT_THAT(Boxes(), ElementsAre(kExtension));
+  EXPECT_EQ(ReadFileBytes("b.txt.log"), "old");
+  EXPECT_EQ(ReadFileBytes("t_x.log"), "");
+  EXPECT_EQ(ui.waitDepth, 0);
+}
+
+TEST_F(CompareBatchTest, LineThatTheMemoryDoesNotHoldIsToldAndTheRestGoesOn) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer ends the process without memory";
+#endif
+  constexpr rlim_t kHuge = rlim_t{4} << 30;
+  WriteFileBytes("huge.msk", "1\n");
+  std::filesystem::resize_file("huge.msk", kHuge);
+  const auto run = [this] {
+    const rlimit limits = {kHuge, kHuge};
+    setrlimit(RLIMIT_AS, &limits);
+    const bool done = RunBatch("p.pts x\nt.tin huge.msk\nt.tin m.msk\n") == CommandResult::Done;
+    const auto boxes = Boxes();
+    const bool told =
+        boxes.size() == 3 && boxes[1] == "message message: Can not allocate memory for points!\n";
+    const bool counted = ReadFileBytes("b.txt.log") == std::string("t.tin, m.msk, ") + kNumbers;
+    _exit(done && told && counted ? 7 : 0);
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(7), "");
+}
+
 TEST_F(CompareBatchTest, FirstLineAlone) {
   EXPECT_EQ(RunBatch("p.pts"), CommandResult::Done);
   EXPECT_EQ(RunBatch("p.pts x"), CommandResult::Done);
   EXPECT_THAT(Files(), ElementsAre("b.txt", "b.txt.log", "far.msk", "m.msk", "p.pts", "t.tin"));
   EXPECT_EQ(ReadFileBytes("b.txt.log"), "");
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: The batch ends with one word alone: p.pts"));
 }
 
 TEST_F(CompareBatchTest, WordsHaveNoLengthLimit) {
@@ -469,6 +593,27 @@ TEST_F(CompareBatchTest, LogOfALineThatCanNotBeWrittenIsToldAndTheRestGoesOn) {
                                    StartsWith(kLoaded)));
   EXPECT_EQ(ReadFileBytes("b.txt.log"),
             std::string("t.tin, m.msk, ") + kNumbers + "u.tin, m.msk, " + kNumbers);
+}
+
+TEST_F(CompareBatchTest, LogDoesNotTakeThePlaceOfAnInput) {
+  WriteFileBytes("t_x.log", ReadFileBytes("p.pts"));
+  EXPECT_EQ(RunBatch("t_x.log x\nt.tin m.msk\n"), CommandResult::Done);
+  EXPECT_THAT(Boxes(), ElementsAre(StartsWith(kLoaded), "message warning: Write file t_x.log error!"));
+  EXPECT_EQ(ReadFileBytes("b.txt.log"), std::string("t.tin, m.msk, ") + kNumbers);
+  EXPECT_EQ(ReadFileBytes("t_x.log"), ReadFileBytes("p.pts"));
+
+  std::filesystem::copy("m.msk", "t_y.log");
+  EXPECT_EQ(RunBatch("p.pts y\nt.tin t_y.log\n"), CommandResult::Done);
+  EXPECT_EQ(ReadFileBytes("t_y.log"), ReadFileBytes("m.msk"));
+}
+
+TEST_F(CompareBatchTest, SummaryDoesNotTakeThePlaceOfAnInput) {
+  std::filesystem::copy("m.msk", "b.txt.log");
+  EXPECT_EQ(RunBatch("p.pts x\nt.tin b.txt.log\nt.tin m.msk\n"), CommandResult::Failed);
+  EXPECT_THAT(Boxes(), ElementsAre(StartsWith(kLoaded), StartsWith(kLoaded),
+                                   "message warning: Write file b.txt.log error!"));
+  EXPECT_EQ(ReadFileBytes("b.txt.log"), ReadFileBytes("m.msk"));
+  EXPECT_THAT(ReadFileBytes("t_x.log"), StartsWith(kRows));
 }
 
 TEST_F(CompareBatchTest, SummaryOfAFullDiskIsTold) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "support/TempFolder.h"
 
 namespace corvane {
@@ -55,6 +57,19 @@ TEST(Paths, AbsolutePathResolvesDots) {
   const TempFolder folder;
   EXPECT_EQ(AbsolutePath("x.tin"), AbsolutePath("./a/../x.tin"));
   EXPECT_EQ(AbsolutePath("/a/b/../x.tin"), "/a/x.tin");
+}
+
+TEST(Paths, SameFileByWhateverNameOrLink) {
+  const TempFolder folder;
+  WriteFileBytes("a", "");
+  WriteFileBytes("b", "");
+  std::filesystem::create_symlink("a", "link");
+  std::filesystem::create_hard_link("a", "twin");
+  for (const char* path : {"a", "./a", "link", "twin"}) EXPECT_TRUE(IsSameFile(path, "a"));
+  for (const char* path : {"b", "none", ""}) EXPECT_FALSE(IsSameFile(path, "a"));
+  EXPECT_FALSE(IsSameFile("none", "none"));
+  EXPECT_TRUE(IsOneOfFiles("link", {"b", "none", "a"}));
+  EXPECT_FALSE(IsOneOfFiles("link", {"b", "none"}));
 }
 
 }  // namespace

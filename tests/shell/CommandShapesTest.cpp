@@ -113,6 +113,21 @@ TEST_F(CommandShapesTest, TinOnDemandEndsWithCancelOrFailure) {
   EXPECT_EQ(Document().GetPathName(), "");
 }
 
+TEST_F(CommandShapesTest, TinOnDemandTellsAFileThatGivesNoTin) {
+  const PointRecord corner = {0, 5, 5, 1, 1.0};
+  WriteFileBytes("empty.tin", TinBytes({}, {}));
+  WriteFileBytes("point.tin", TinBytes({corner}, {{0, 0, 0}}));
+  Start();
+  for (const char* path : {"empty.tin", "point.tin"}) {
+    ui.events.clear();
+    ui.files = {{path}};
+    EXPECT_EQ(LoadTinOnDemand(View()), CommandResult::Failed);
+    EXPECT_EQ(ui.EventsWith("message").back(), "message warning: No TIN Read! Please load a TIN first!");
+    EXPECT_EQ(Document().GetPathName(), "");
+    EXPECT_TRUE(View().paintEnabled);
+  }
+}
+
 TEST_F(CommandShapesTest, BatchFileMustExist) {
   ui.files = {{"batch.txt"}};
   EXPECT_EQ(ChooseBatchFile(), "batch.txt");
@@ -128,6 +143,15 @@ TEST_F(CommandShapesTest, BatchGivesTwoWordsALine) {
   std::vector<std::string> read;
   for (std::string a, b; lines.Next(a, b);) read.push_back(a + "+" + b);
   EXPECT_THAT(read, ElementsAre("a.tin+b.tin", "c.tin+d.tin"));
+  EXPECT_THAT(ui.events, ElementsAre("status 0: The batch ends with one word alone: last"));
+  ui.events.clear();
+  WriteFileBytes("whole.txt", "a.tin b.tin\n \n");
+  BatchLines whole;
+  ASSERT_TRUE(whole.Open("whole.txt"));
+  std::string a, b;
+  EXPECT_TRUE(whole.Next(a, b));
+  EXPECT_FALSE(whole.Next(a, b));
+  EXPECT_TRUE(ui.events.empty());
   BatchLines none;
   EXPECT_FALSE(none.Open("none.txt"));
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message warning: Open file none.txt error!"));
