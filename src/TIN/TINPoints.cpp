@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "TIN/GridFailure.h"
+#include "TIN/LargePages.h"
 #include "TIN/RecordExtent.h"
 #include "TIN/Resize.h"
 #include "TIN/Spacing.h"
@@ -13,9 +15,45 @@ namespace corvane {
 
 namespace {
 
-// Of a grid: what scattered surveys need, while a wrong header alone takes no more than 800 MB.
+// Of a grid: what scattered surveys need. The spare cells, for few points that lie far apart, are all that a
+// wrong header alone can ask for: 96 MB.
 constexpr std::int64_t kCellsPerPoint = 100;
-constexpr std::int64_t kSpareCells = std::int64_t{1} << 25;
+constexpr std::int64_t kSpareCells = 4000000;
+
+struct GridSize {
+  std::int32_t nRows = 0;
+  std::int32_t nCols = 0;
+
+  std::int64_t GetCount() const { return std::int64_t{nRows} * nCols; }
+};
+
+bool IsUncrossed(const GroundRect& rect) {
+  return rect.minX <= rect.maxX && rect.minY <= rect.maxY;
+}
+
+// Of an uncrossed rectangle. No cells at all where they are more than 32 bits can number.
+GridSize SizeOf(double cellX, double cellY, const GroundRect& rect) {
+  const std::int32_t nRows = TruncateToInt((rect.maxY - rect.minY) / cellY + 1.0).value_or(0);
+  const std::int32_t nCols = TruncateToInt((rect.maxX - rect.minX) / cellX + 1.0).value_or(0);
+  const GridSize size = {nRows, nCols};
+  return size.GetCount() <= INT32_MAX ? size : GridSize{};
+}
+
+// The most cells that the expected points justify.
+std::int64_t MaxCells(std::int64_t nExpected) {
+  return kCellsPerPoint * std::clamp<std::int64_t>(nExpected, 0, INT32_MAX) + kSpareCells;
+}
+
+// Empty cells with their numbers, made in a single pass over the memory. False without it.
+bool MakeCells(std::int32_t count, std::vector<GridCell>& cells) {
+  try {
+    ReserveLarge(cells, static_cast<std::size_t>(count));
+    for (std::int32_t id = 0; id < count; ++id) cells.push_back({.id = id});
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -25,23 +63,28 @@ TINPoints::TINPoints(std::int32_t n) {
 }
 
 TINPoints::TINPoints(double cellX, double cellY, const GroundRect& rect, std::int64_t nExpected) {
-  if (!(rect.minX <= rect.maxX && rect.minY <= rect.maxY) || !IsSpacing(cellX) || !IsSpacing(cellY)) return;
-  const std::int32_t rows = TruncateToInt((rect.maxY - rect.minY) / cellY + 1.0).value_or(0);
-  const std::int32_t cols = TruncateToInt((rect.maxX - rect.minX) / cellX + 1.0).value_or(0);
-  const std::int64_t count = std::int64_t{rows} * cols;
-  const std::int64_t limit = kCellsPerPoint * std::clamp<std::int64_t>(nExpected, 0, INT32_MAX) + kSpareCells;
-  if (count < 1 || count > std::min<std::int64_t>(limit, INT32_MAX)) return;
-  if (!Resize(cells, static_cast<std::size_t>(count))) return;
+  if (!IsUncrossed(rect) || !IsSpacing(cellX) || !IsSpacing(cellY)) return;
+  const GridSize size = SizeOf(cellX, cellY, rect);
+  if (size.GetCount() < 1 || size.GetCount() > MaxCells(nExpected)) return;
+  if (!MakeCells(static_cast<std::int32_t>(size.GetCount()), cells)) return;
 
-  nRows = rows;
-  nCols = cols;
+  nRows = size.nRows;
+  nCols = size.nCols;
   minX = gridMinX = rect.minX;
   minY = gridMinY = rect.minY;
   maxX = rect.maxX;
   maxY = rect.maxY;
   spacingX = cellX;
   spacingY = cellY;
-  for (std::int32_t id = 0; id < count; ++id) cells[static_cast<std::size_t>(id)].id = id;
+}
+
+std::string TINPoints::WhyNoGrid(double cellX, double cellY, const GroundRect& rect, std::int64_t nExpected) {
+  if (!IsSpacing(cellX)) return NoGridText(cellX);
+  if (!IsSpacing(cellY)) return NoGridText(cellY);
+  if (!IsUncrossed(rect)) return "There is no grid: the extents are crossed or no numbers.";
+  const GridSize size = SizeOf(cellX, cellY, rect);
+  if (size.GetCount() < 1 || size.GetCount() > MaxCells(nExpected)) return kGridTooLarge;
+  return "There is no memory for the grid.";
 }
 
 const PointRecord* TINPoints::GetPoint(std::int32_t i) const {

@@ -59,8 +59,12 @@ class TINPoints {
   // Grid mode over `rect`, all cells empty: nRows = int((maxY - minY) / spacingY + 1.0), nCols likewise. The
   // object stays empty if the rectangle is crossed, a size is no positive number, or the cells do not fit
   // 32-bit numbering or the memory, or are more than 100 for each of the `nExpected` points that they are to
-  // take and 2^25 besides.
+  // take and 4,000,000 besides.
   TINPoints(double spacingX, double spacingY, const GroundRect& rect, std::int64_t nExpected = INT32_MAX);
+
+  // Why such a grid stays empty, as a sentence for the person.
+  static std::string WhyNoGrid(double spacingX, double spacingY, const GroundRect& rect,
+                               std::int64_t nExpected);
 
   virtual ~TINPoints() = default;
   TINPoints(const TINPoints&) = default;
@@ -86,15 +90,17 @@ class TINPoints {
 
   // Writes the occupied cells as points, column by column from the smallest x, with coordinates by repeated
   // addition of the spacing. Moves the object's grid origin to the smallest occupied row and column.
-  // -1: no occupied cell, or the file does not open or take the bytes; the origin then stays.
-  int WriteGrid(OutputFile& file);
+  // `nWritten`, if given, gets the number of points as soon as all have been written: 0 of an empty grid.
+  // -1: no occupied cell, no memory, or the file does not open or take the bytes; the origin then stays.
+  int WriteGrid(OutputFile& file, std::int32_t* nWritten = nullptr);
   int WriteGrid(const std::string& path);
 
   // Merges a points file into the grid, a point going to the cell row = int((y - gridMinY) / spacingY), col =
   // int((x - gridMinX) / spacingX), cut towards zero: the cell takes over z and value if its own value is
   // below the point's, so that of points in one cell the one with the highest value stays. Points outside
-  // the grid are left out. 1; -1: no grid; -2: the file does not open; -3: it can't be read as by Read, and
-  // the grid may hold a part of it.
+  // the grid are left out, and so are those that a cut file lacks, wholly or in part. 1; -1: no grid; -2: the
+  // file does not open; -3: it can't be read as by Read, or holds no whole point; the grid may have taken
+  // over a part of it.
   int MergeFromFile(const std::string& path);
 
   // Sets z and value of the cells at whose nodes points lie, those within `rect`, edges included. A point
@@ -143,8 +149,8 @@ class TINPoints {
 
   // Reads a mask: the number of regions, then for each its type, its vertex count and the vertices. Fills
   // `regions` with as many whole regions as the text holds, and tells in status pane 0 if that is fewer than
-  // announced. Regions of an unknown type, rectangles of fewer than two pairs and polygons without vertices
-  // are left out. -1: the file does not open or read.
+  // announced, or if the text begins with no number. Regions of an unknown type, rectangles of fewer than two
+  // pairs and polygons without vertices are left out. -1: the file does not open or read.
   static int ReadRegions(const std::string& path, std::vector<Region>& regions);
 
   // Turns a text of x, y, z and optional value into a points file of this spacing. The first line decides
@@ -230,8 +236,11 @@ class TINPoints {
   // spacing), columns int(int(maxX - minX) / spacing), from (minX, minY) on by repeated addition. Each sample
   // takes one point of the index cell in which it lies, any of them at random, with its own coordinates.
   // Cells are the index's: a spacing below theirs takes points more than once. The generator is the C
-  // library's, unseeded, so that runs in a new process pick alike. 0; -1: no index, a spacing that is no
-  // positive number, more than 2^31 - 1 samples, or the file can't be written.
+  // library's, unseeded, so that runs in a new process pick alike. Tells in status pane 0 how far a long run
+  // is. `nWritten`, if given, gets the number of points written. 0; -1: the file does not open or take the
+  // bytes; -2: no index, or a spacing that is no positive number; -3: more samples than 100 for each point
+  // and 1,000,000 besides, or than 2^31 - 1.
+  int Resample(OutputFile& file, double spacing, std::int32_t* nWritten = nullptr) const;
   int Resample(const std::string& path, double spacing) const;
 
   double minX = 0.0;
@@ -256,6 +265,7 @@ class TINPoints {
   std::span<const PointRecord> InUse() const { return {points.data(), static_cast<std::size_t>(nPoints)}; }
   std::span<PointRecord> InUse() { return {points.data(), static_cast<std::size_t>(nPoints)}; }
   void MergeRecords(std::span<const char> records);
+  bool WriteSampleRow(double y, std::int32_t nSamples, PointsHeader& header, OutputFile& file) const;
   bool WriteSample(double x, double y, PointsHeader& header, OutputFile& file) const;
   bool HasPoint(std::int32_t i) const { return i >= 0 && i < nPoints; }
 

@@ -1,10 +1,12 @@
 // The regular grid of cells: merging files into it, putting single points in, writing it as a points file.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "TIN/PointBlocks.h"
 #include "TIN/PointsHeader.h"
+#include "TIN/Prefetch.h"
 #include "TIN/RecordExtent.h"
 #include "TIN/Resize.h"
 #include "TIN/TINPoints.h"
@@ -76,7 +78,8 @@ struct OccupiedCells {
 };
 
 // Writes the occupied cells of a grid column by column. Cells stand row by row, so several columns are
-// gathered at once: walking a single one would use a few bytes of each cache line.
+// gathered at once: walking a single one would use a few bytes of each cache line. A column too tall for
+// that is written piece by piece, so that what is gathered never takes more than 8 MB.
 class ColumnWriter {
  public:
   ColumnWriter(const TINPoints& grid, OutputFile& file) : grid_(grid), file_(file) {
@@ -87,14 +90,16 @@ class ColumnWriter {
   // False without memory or if a write fails.
   bool WriteAll() {
     if (grid_.cells.empty()) return true;
-    const auto nRows = static_cast<std::size_t>(grid_.nRows);
-    if (!Resize(columns_, std::clamp<std::size_t>(kBlockCells / nRows, 1, kMaxColumns))) return false;
-    if (!Resize(bytes_, columns_.size() * nRows * kPointBytes)) return false;
+    pieceRows_ = std::min(grid_.nRows, kBlockCells);
+    if (!Resize(columns_, static_cast<std::size_t>(std::clamp(kBlockCells / grid_.nRows, 1, kMaxColumns))) ||
+        !Resize(bytes_, columns_.size() * GetPieceBytes())) {
+      return false;
+    }
     double x = grid_.gridMinX;
     for (std::int32_t col = 0; col < grid_.nCols;) {
-      for (const Column& column : Gather(col, x)) {
-        if (!WriteColumn(col++, column)) return false;
-      }
+      const std::span<Column> columns = TakeColumns(col, x);
+      if (!WriteColumns(col, columns)) return false;
+      col += static_cast<std::int32_t>(columns.size());
     }
     return true;
   }
@@ -102,34 +107,50 @@ class ColumnWriter {
   const OccupiedCells& GetOccupied() const { return occupied_; }
 
  private:
-  static constexpr std::size_t kBlockCells = std::size_t{1} << 18;
-  static constexpr std::size_t kMaxColumns = 32;
+  static constexpr std::int32_t kBlockCells = 1 << 18;
+  static constexpr std::int32_t kMaxColumns = 32;
 
-  // The occupied cells of one column, as records.
+  // The occupied cells of one column, or of a piece of it, as records.
   struct Column {
     double x = 0.0;
+    char* begin = nullptr;
     std::int32_t count = 0;
     std::int32_t firstRow = 0;
     std::int32_t lastRow = 0;
     char* end = nullptr;  // of its records
   };
 
-  // Takes up the columns from `firstCol` on, as many as there is room for. Moves x to the column behind them.
-  std::span<const Column> Gather(std::int32_t firstCol, double& x) {
+  std::size_t GetPieceBytes() const { return static_cast<std::size_t>(pieceRows_) * kPointBytes; }
+
+  // The columns from `firstCol` on, as many as there is room for. Moves x to the column behind them.
+  std::span<Column> TakeColumns(std::int32_t firstCol, double& x) {
     const auto nLeft = static_cast<std::size_t>(grid_.nCols - firstCol);
     const std::span<Column> columns(columns_.data(), std::min(columns_.size(), nLeft));
     char* begin = bytes_.data();
     for (Column& column : columns) {
-      column = {x, 0, 0, 0, begin};
-      begin += static_cast<std::size_t>(grid_.nRows) * kPointBytes;
+      column = {.x = x, .begin = begin};
+      begin += GetPieceBytes();
       x += grid_.spacingX;
     }
-    double y = grid_.gridMinY;
-    for (std::int32_t row = 0; row < grid_.nRows; ++row, y += grid_.spacingY) {
-      const GridCell* cell = grid_.cells.data() + CellIndex(row, firstCol, grid_.nCols);
-      for (Column& column : columns) Append(column, row, y, *cell++);
-    }
     return columns;
+  }
+
+  // Several whole columns, or a single one in pieces.
+  bool WriteColumns(std::int32_t firstCol, std::span<Column> columns) {
+    double y = grid_.gridMinY;
+    for (std::int32_t row = 0; row < grid_.nRows;) {
+      const std::int32_t endRow = row + std::min(pieceRows_, grid_.nRows - row);
+      for (Column& column : columns) column = {.x = column.x, .begin = column.begin, .end = column.begin};
+      for (; row < endRow; ++row, y += grid_.spacingY) {
+        const GridCell* cell = grid_.cells.data() + CellIndex(row, firstCol, grid_.nCols);
+        for (Column& column : columns) Append(column, row, y, *cell++);
+      }
+      std::int32_t col = firstCol;
+      for (const Column& column : columns) {
+        if (!WriteColumn(col++, column)) return false;
+      }
+    }
+    return true;
   }
 
   static void Append(Column& column, std::int32_t row, double y, const GridCell& cell) {
@@ -152,13 +173,13 @@ class ColumnWriter {
       FollowMinFirst(column.lastRow, occupied_.minRow, occupied_.maxRow);
       FollowMinFirst(col, occupied_.minCol, occupied_.maxCol);
     }
-    const std::size_t size = static_cast<std::size_t>(column.count) * kPointBytes;
-    return file_.Write(column.end - size, size);
+    return file_.Write(column.begin, static_cast<std::size_t>(column.end - column.begin));
   }
 
   const TINPoints& grid_;
   OutputFile& file_;
   OccupiedCells occupied_;
+  std::int32_t pieceRows_ = 0;  // the most rows that are gathered at once
   std::vector<Column> columns_;
   std::vector<char> bytes_;
 };
@@ -173,21 +194,35 @@ int TINPoints::MergeFromFile(const std::string& path) {
   if (!header || header->nPoints == 0) return -3;
   PointBlocks blocks(file, header->nPoints);
   if (!blocks.Allocate()) return -3;
-  for (auto block = blocks.Next(); !block.empty(); block = blocks.Next()) MergeRecords(block);
-  nMissing_ = blocks.GetMissingCount();
-  return blocks.IsComplete() ? 1 : -3;
+  nMissing_ = 0;
+  for (auto block = blocks.Next(); !block.empty(); block = blocks.Next()) {
+    const std::int32_t nMissingHere = blocks.GetMissingCount() - nMissing_;  // they stand at the block's end
+    nMissing_ += nMissingHere;
+    MergeRecords(block.first(block.size() - static_cast<std::size_t>(nMissingHere) * kPointBytes));
+  }
+  return blocks.IsComplete() && nMissing_ < header->nPoints ? 1 : -3;
 }
 
+// The cells of some records are all asked for before the first is looked at: a file's order is seldom that of
+// the cells in memory.
 void TINPoints::MergeRecords(std::span<const char> records) {
+  constexpr std::size_t kAhead = 64;
   const CellLocator locator(*this);
-  for (std::size_t at = 0; at < records.size(); at += kPointBytes) {
-    const PointRecord point = UnpackPoint(records.data() + at, 0);
-    const CellAddress address = locator.Locate(point);
-    if (!locator.IsInside(address)) continue;
-    GridCell& cell = cells[locator.IndexOf(address)];
-    if (!(cell.value < point.value)) continue;
-    cell.z = point.z;
-    cell.value = point.value;
+  std::array<GridCell*, kAhead> targets{};
+  while (!records.empty()) {
+    const std::size_t n = std::min(records.size() / kPointBytes, kAhead);
+    for (std::size_t i = 0; i < n; ++i) {
+      const CellAddress address = locator.Locate(UnpackPoint(records.data() + i * kPointBytes, 0));
+      targets[i] = locator.IsInside(address) ? &cells[locator.IndexOf(address)] : nullptr;
+      if (targets[i]) Prefetch(targets[i]);
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+      const PointRecord point = UnpackPoint(records.data() + i * kPointBytes, 0);
+      if (!targets[i] || !(targets[i]->value < point.value)) continue;
+      targets[i]->z = point.z;
+      targets[i]->value = point.value;
+    }
+    records = records.subspan(n * kPointBytes);
   }
 }
 
@@ -217,11 +252,13 @@ int TINPoints::WriteGrid(const std::string& path) {
   return -1;
 }
 
-int TINPoints::WriteGrid(OutputFile& file) {
+int TINPoints::WriteGrid(OutputFile& file, std::int32_t* nWritten) {
   file.Seek(PointsHeader::kBytes);
   ColumnWriter writer(*this, file);
   const OccupiedCells& occupied = writer.GetOccupied();
-  if (!writer.WriteAll() || occupied.count < 1) return -1;
+  if (!writer.WriteAll()) return -1;
+  if (nWritten) *nWritten = occupied.count;
+  if (occupied.count < 1) return -1;
 
   const double newMaxX = occupied.maxCol * spacingX + gridMinX;
   const double newMaxY = occupied.maxRow * spacingY + gridMinY;

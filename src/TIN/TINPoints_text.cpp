@@ -222,6 +222,20 @@ std::string Shown(std::string_view line) {
   return line.size() > kMaxLength ? text + "..." : text;
 }
 
+// Whether the line's first field begins with a number and is no whole one, as an id is.
+bool BeginsWithFraction(std::string_view line) {
+  constexpr std::string_view kSeparators = " ,\t\r\n";
+  const std::size_t begin = line.find_first_not_of(kSeparators);
+  if (begin == std::string_view::npos) return false;
+  const std::size_t end = line.find_first_of(kSeparators, begin);
+  const std::string_view field = line.substr(begin, end - begin);
+  std::int32_t id = 0;
+  TextScanner whole(field);
+  if (whole.ScanInt(id) && whole.GetPosition() == field.size()) return false;
+  double number = 0.0;
+  return TextScanner(field).ScanDouble(number);
+}
+
 // How many points there are, "written" or "read", what was left out and why.
 std::string ReportOf(const Conversion& done, const RecordFormat& format, const std::string& firstLine,
                      const std::string& txtPath, const char* verb) {
@@ -235,6 +249,9 @@ std::string ReportOf(const Conversion& done, const RecordFormat& format, const s
   if (done.nPoints > 0 && nFields > nRead) {
     text += " Lines have " + std::to_string(nFields) + " fields, of which " + std::to_string(nRead) +
             " are read: are these points?";
+  }
+  if (format.hasId && BeginsWithFraction(firstLine)) {
+    text += " The first field of line 1 is no whole number; records are id, x, y, z, value.";
   }
   if (done.nPoints == 0 && done.stopLine == 1) {
     text += " Line 1 of " + txtPath + " is no point: " + Shown(firstLine);

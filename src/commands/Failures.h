@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
@@ -16,6 +17,15 @@ inline CommandResult FailWith(const std::string& text) {
 inline CommandResult FailWithWarning(const std::string& text) {
   ShowWarning(text);
   return CommandResult::Failed;
+}
+
+inline CommandResult FailToOpen(const std::string& path) {
+  return FailWithWarning(OpenErrorText(path));
+}
+
+// A reason, if there is one, stands in a second line.
+inline CommandResult FailToWrite(const std::string& path, const std::string& reason = "") {
+  return FailWithWarning(WriteErrorText(path) + (reason.empty() ? "" : "\n" + reason));
 }
 
 }  // namespace corvane

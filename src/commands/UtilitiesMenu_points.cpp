@@ -1,5 +1,10 @@
 // The commands on the menu Utilities > Points that make points files and texts from points files.
 
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "TIN/GridFailure.h"
 #include "TIN/GridMerge.h"
 #include "TIN/TINPoints.h"
 #include "commands/Choosers.h"
@@ -54,6 +59,19 @@ bool ReadPointsAndMask(const std::string& pointsPath, const std::string& maskPat
   return false;
 }
 
+// What the last status text of a command ends with: that the file has been cut short, if so.
+std::string MissingText(const TINPoints& points, const std::string& path) {
+  const std::int32_t nMissing = points.GetMissingCount();
+  return nMissing > 0 ? " Points missing in " + path + ": " + std::to_string(nMissing) + "." : "";
+}
+
+// The same about regions of the mask that could not be used.
+std::string RegionsText(std::size_t nUsed, std::size_t nRegions) {
+  if (nRegions == 0) return " The mask gives no regions that can be used.";
+  if (nUsed == nRegions) return "";
+  return " Regions used: " + std::to_string(nUsed) + " of " + std::to_string(nRegions) + ".";
+}
+
 bool IsInWindow(const PointRecord& point, const ExtentWindow& window) {
   return window.xStart <= point.x && point.x <= window.xEnd && window.yStart <= point.y &&
          point.y <= window.yEnd;
@@ -65,6 +83,82 @@ int AskWindow(const TINPoints& points, ExtentWindow& window, float& minCorr) {
                                  &ignoredCellSize, &minCorr);
 }
 
+// The points in the window with at least this score, as text. The number of lines; -1 if they can't be
+// written.
+std::int32_t WriteWindow(const TINPoints& points, const ExtentWindow& window, float minScore,
+                         OutputFile& file) {
+  std::int32_t nWritten = 0;
+  for (std::int32_t i = 0; i < points.GetCount(); ++i) {
+    const PointRecord& point = *points.GetPoint(i);
+    if (!IsInWindow(point, window) || !(minScore <= static_cast<float>(point.value))) continue;
+    if (!WriteRow(point, file)) return -1;
+    ++nWritten;
+  }
+  return file.Commit() ? nWritten : -1;
+}
+
+// What has been taken from the regions of a mask.
+struct Taken {
+  std::int64_t nPoints = 0;
+  std::size_t nRegions = 0;  // that could be used
+};
+
+// The points in the regions, as text. Region by region, so that no mask needs more memory than the points:
+// points in several are written anew. Nothing if they can't be written.
+std::optional<Taken> WriteInRegions(const TINPoints& points, const std::vector<Region>& regions,
+                                    OutputFile& file) {
+  Taken taken;
+  std::vector<std::int32_t> list;
+  for (const Region& region : regions) {
+    list.clear();
+    if (points.CollectInRegion(region, list) >= 0) ++taken.nRegions;
+    for (const std::int32_t i : list) {
+      if (!WriteRow(*points.GetPoint(i), file)) return std::nullopt;
+    }
+    taken.nPoints += static_cast<std::int64_t>(list.size());
+  }
+  return taken;
+}
+
+std::string ResampleText(const TINPoints& points, double cellSize, std::int32_t nWritten) {
+  std::string text = "Points written: " + std::to_string(nWritten) + ".";
+  const double side = std::trunc(std::min(points.maxX - points.minX, points.maxY - points.minY));
+  if (nWritten == 0 && side < cellSize) {
+    text += " There are no samples: the extents are shorter than one unit, or than the cell size.";
+  }
+  return text;
+}
+
+// Points that a cut file lacks are no points at (0, 0).
+void LeaveOutMissing(TINPoints& points) {
+  points.Truncate(points.GetCount() - points.GetMissingCount());
+}
+
+// Puts the points of both files on the grid of the first and writes it over the first file.
+CommandResult ReplaceOnGrid(const TINPoints& first, const TINPoints& second, const ExtentWindow& window,
+                            const std::vector<std::string>& paths) {
+  OutputFile file(paths[0]);
+  if (!file.IsOpen()) return FailToOpen(paths[0]);
+  const GroundRect extent = {first.minX, first.minY, first.maxX, first.maxY};
+  const std::int64_t nExpected = std::int64_t{first.GetCount()} + second.GetCount();
+  TINPoints grid(first.spacingX, first.spacingY, extent, nExpected);
+  if (grid.cells.empty()) {
+    return FailToWrite(paths[0], TINPoints::WhyNoGrid(first.spacingX, first.spacingY, extent, nExpected));
+  }
+  const std::int32_t nKept = grid.ReplaceFrom(first, extent);
+  const std::int32_t nReplaced =
+      grid.ReplaceFrom(second, {window.xStart, window.yStart, window.xEnd, window.yEnd});
+  std::int32_t nWritten = -1;
+  if (grid.WriteGrid(file, &nWritten) < 0 || !file.Commit()) {
+    return FailToWrite(paths[0], nWritten == 0 ? kNoPointInGrid : "");
+  }
+  Ui().SetStatusText(0, "Points of the first file on its grid: " + std::to_string(nKept) + " of " +
+                            std::to_string(first.GetCount()) +
+                            ". Points of the second put in: " + std::to_string(nReplaced) + "." +
+                            MissingText(first, paths[0]) + MissingText(second, paths[1]));
+  return CommandResult::Done;
+}
+
 }  // namespace
 
 CommandResult OnCropOutPoints(CCorvaneView&) {
@@ -74,14 +168,22 @@ CommandResult OnCropOutPoints(CCorvaneView&) {
   TINPoints points;
   std::vector<Region> regions;
   if (!ReadPointsAndMask((*paths)[0], (*paths)[1], points, regions)) return CommandResult::Failed;
-  for (const Region& region : regions) points.MarkRegion(region);
+  const std::int32_t nRead = points.GetCount();
+  const auto nUsed = static_cast<std::size_t>(std::count_if(
+      regions.begin(), regions.end(), [&](const Region& region) { return points.MarkRegion(region) >= 0; }));
   points.Compact();
   wait.End();
 
   const auto outPath = ChooseFile(kSavePoints);
   if (!outPath) return CommandResult::Cancelled;
   WaitCursor waitForWriting;
-  return points.Write(*outPath) < 0 ? FailWithWarning(WriteErrorText(*outPath)) : CommandResult::Done;
+  OutputFile file(*outPath);
+  if (!file.IsOpen()) return FailToOpen(*outPath);
+  if (points.Write(file) < 0 || !file.Commit()) return FailToWrite(*outPath);
+  Ui().SetStatusText(0, "Points cut out: " + std::to_string(nRead - points.GetCount()) + " of " +
+                            std::to_string(nRead) + "." + RegionsText(nUsed, regions.size()) +
+                            MissingText(points, (*paths)[0]));
+  return CommandResult::Done;
 }
 
 CommandResult OnSubsetPoints(CCorvaneView&) {
@@ -95,14 +197,12 @@ CommandResult OnSubsetPoints(CCorvaneView&) {
 
   WaitCursor wait;
   OutputFile file((*paths)[1]);
-  bool good = file.IsOpen();
-  for (std::int32_t i = 0; i < points.GetCount() && good; ++i) {
-    const PointRecord& point = *points.GetPoint(i);
-    if (!IsInWindow(point, window) || !(minScore <= static_cast<float>(point.value))) continue;
-    good = WriteRow(point, file);
-  }
-  if (good && file.Commit()) return CommandResult::Done;
-  return FailWithWarning(WriteErrorText((*paths)[1]));
+  if (!file.IsOpen()) return FailToOpen((*paths)[1]);
+  const std::int32_t nWritten = WriteWindow(points, window, minScore, file);
+  if (nWritten < 0) return FailToWrite((*paths)[1]);
+  Ui().SetStatusText(0,
+                     "Points written: " + std::to_string(nWritten) + "." + MissingText(points, (*paths)[0]));
+  return CommandResult::Done;
 }
 
 CommandResult OnSubsetPoints2(CCorvaneView&) {
@@ -113,20 +213,15 @@ CommandResult OnSubsetPoints2(CCorvaneView&) {
   std::vector<Region> regions;
   if (!ReadPointsAndMask((*paths)[0], (*paths)[1], points, regions)) return CommandResult::Failed;
 
-  // Region by region, so that no mask needs more memory than the points: points in several are written anew.
   OutputFile file((*paths)[2]);
-  bool good = file.IsOpen();
-  bool isEmpty = true;
-  std::vector<std::int32_t> list;
-  for (const Region& region : regions) {
-    list.clear();
-    points.CollectInRegion(region, list);
-    isEmpty = isEmpty && list.empty();
-    for (const std::int32_t i : list) good = good && WriteRow(*points.GetPoint(i), file);
-  }
-  if (isEmpty) return FailWith("There is no Points in the subset area!\n");
-  if (good && file.Commit()) return CommandResult::Done;
-  return FailWithWarning(WriteErrorText((*paths)[2]));
+  const auto taken = WriteInRegions(points, regions, file);
+  if (!taken && !file.IsOpen()) return FailToOpen((*paths)[2]);
+  if (!taken) return FailToWrite((*paths)[2]);
+  if (taken->nPoints > 0 && !file.Commit()) return FailToWrite((*paths)[2]);
+  Ui().SetStatusText(0, "Points written: " + std::to_string(taken->nPoints) + "." +
+                            RegionsText(taken->nRegions, regions.size()) + MissingText(points, (*paths)[0]));
+  if (taken->nPoints > 0) return CommandResult::Done;
+  return FailWith("There is no Points in the subset area!\n");
 }
 
 CommandResult OnResamplePoints(CCorvaneView&) {
@@ -141,8 +236,15 @@ CommandResult OnResamplePoints(CCorvaneView&) {
 
   WaitCursor wait;
   if (points.BuildIndexWithCell(points.spacingX) < 0) return CommandResult::Failed;
-  if (points.Resample((*paths)[1], cellSize) >= 0) return CommandResult::Done;
-  return FailWithWarning(WriteErrorText((*paths)[1]));
+  OutputFile file((*paths)[1]);
+  if (!file.IsOpen()) return FailToOpen((*paths)[1]);
+  std::int32_t nWritten = 0;
+  const int result = points.Resample(file, cellSize, &nWritten);
+  if (result == -2) return FailToWrite((*paths)[1], NoGridText(cellSize));
+  if (result == -3) return FailToWrite((*paths)[1], kGridTooLarge);
+  if (result < 0 || !file.Commit()) return FailToWrite((*paths)[1]);
+  Ui().SetStatusText(0, ResampleText(points, cellSize, nWritten) + MissingText(points, (*paths)[0]));
+  return CommandResult::Done;
 }
 
 CommandResult OnMergeGridPoints(CCorvaneView&) {
@@ -158,10 +260,9 @@ CommandResult OnMergeGridPoints(CCorvaneView&) {
                      path + ": The points spacing does not match, so won't be merged.");
   }
   const int nMerged = merge.Write(*outPath);
-  if (nMerged < 0) return FailWithWarning(WriteErrorText(*outPath));
-  Ui().SetStatusText(
-      0, "Files merged: " + std::to_string(nMerged) + " of " + std::to_string(paths->size()) + ".");
-  return CommandResult::Done;
+  Ui().SetStatusText(0, merge.GetReport());
+  if (nMerged == -2) return FailToOpen(*outPath);
+  return nMerged < 0 ? FailToWrite(*outPath, merge.GetFailure()) : CommandResult::Done;
 }
 
 CommandResult OnReplaceGridPoints(CCorvaneView&) {
@@ -178,16 +279,9 @@ CommandResult OnReplaceGridPoints(CCorvaneView&) {
   if (!ReadPoints(secondPath, CannotReadText(secondPath), second)) return CommandResult::Failed;
 
   WaitCursor wait;
-  const GroundRect extent = {first.minX, first.minY, first.maxX, first.maxY};
-  TINPoints grid(first.spacingX, first.spacingY, extent, first.GetCount());
-  const std::int32_t nKept = grid.ReplaceFrom(first, extent);
-  const std::int32_t nReplaced =
-      grid.ReplaceFrom(second, {window.xStart, window.yStart, window.xEnd, window.yEnd});
-  if (grid.WriteGrid(firstPath) < 0) return FailWithWarning(WriteErrorText(firstPath));
-  Ui().SetStatusText(0, "Points of the first file on its grid: " + std::to_string(nKept) + " of " +
-                            std::to_string(first.GetCount()) +
-                            ". Points of the second put in: " + std::to_string(nReplaced) + ".");
-  return CommandResult::Done;
+  LeaveOutMissing(first);
+  LeaveOutMissing(second);
+  return ReplaceOnGrid(first, second, window, *paths);
 }
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -22,11 +23,13 @@ struct Histogram {
 };
 
 // int((max - min) / binSize) + 1 bins from `min` on, all empty. 1; -1, with the histogram empty: the bins
-// are no number, not a positive one or more than kMaxBins, or memory runs out.
+// are no number, not a positive one or more than kMaxBins, their width is no positive number, or memory runs
+// out.
 inline int MakeBins(double min, double max, double binSize, Histogram& histogram) {
   histogram = {};
   const std::optional<std::int32_t> whole = TruncateToInt((max - min) / binSize);
-  if (!whole || *whole < 0 || *whole >= Histogram::kMaxBins || !(binSize > 0.0)) return -1;
+  if (!whole || *whole < 0 || *whole >= Histogram::kMaxBins) return -1;
+  if (!(binSize > 0.0 && std::isfinite(binSize))) return -1;
   const auto nBins = static_cast<std::size_t>(*whole) + 1;
   try {
     histogram.binStarts.reserve(nBins);

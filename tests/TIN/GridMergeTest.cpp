@@ -39,7 +39,10 @@ TEST_F(GridMergeTest, OverlappingCellsKeepTheHighestScore) {
   EXPECT_EQ(merge.Write("out.pts"), 3);
   EXPECT_EQ(ReadFileBytes("out.pts"),
             PointsBytes(3, {10, 22, 12, 20, 1, 1}, {10, 20, 5, 0.5, 11, 21, 6, 0.6, 12, 22, 6, 0.6}));
-  EXPECT_TRUE(ui.events.empty());
+  EXPECT_THAT(ui.events, ElementsAre("status 0: Merging 1 of 3: a.pts", "status 0: Merging 2 of 3: b.pts",
+                                     "status 0: Merging 3 of 3: c.pts"));
+  EXPECT_EQ(merge.GetReport(), "Points written: 3 of 6. Files merged: 3 of 3.");
+  EXPECT_EQ(merge.GetFailure(), "");
 }
 
 TEST_F(GridMergeTest, TheFirstFileThatReadsSetsTheSpacing) {
@@ -48,12 +51,15 @@ TEST_F(GridMergeTest, TheFirstFileThatReadsSetsTheSpacing) {
   WriteHeader("x.pts", {0, 2, 2, 0, 1, 3});
   WriteHeader("y.pts", {0, 2, 2, 0, 2, 1});
   WriteHeader("same.pts", {0, 2, 2, 0, 2, 3});
-  EXPECT_EQ(merge.AddFile("none.pts"), Added::Unreadable);
-  EXPECT_EQ(merge.AddFile("short.pts"), Added::Unreadable);
+  EXPECT_EQ(merge.AddFile("none.pts"), Added::NotOpened);
+  EXPECT_EQ(merge.AddFile("short.pts"), Added::NoHeader);
   EXPECT_EQ(merge.AddFile("flat.pts"), Added::NoRectangle);
   EXPECT_EQ(merge.AddFile("x.pts"), Added::OtherSpacing);
   EXPECT_EQ(merge.AddFile("y.pts"), Added::OtherSpacing);
   EXPECT_EQ(merge.AddFile("same.pts"), Added::Yes);
+  EXPECT_EQ(merge.GetReport(),
+            "Not merged: none.pts (does not open), short.pts (no whole header), flat.pts (no area in its "
+            "header) and 2 more.");
 }
 
 TEST_F(GridMergeTest, ARectangleHasWidthAndHeight) {
@@ -67,6 +73,7 @@ TEST_F(GridMergeTest, ARectangleHasWidthAndHeight) {
     EXPECT_EQ(merge.AddFile("a.pts"), Added::NoRectangle);
   }
   EXPECT_EQ(merge.Write("out.pts"), -1);
+  EXPECT_EQ(merge.GetFailure(), "No file could be merged.");
   EXPECT_EQ(ReadFileBytes("out.pts"), "");
 }
 
@@ -85,26 +92,64 @@ TEST_F(GridMergeTest, GridsThatAreNoneFail) {
     GridMerge bad;
     EXPECT_EQ(bad.AddFile("a.pts"), Added::Yes);
     EXPECT_EQ(bad.Write("out.pts"), -1);
+    EXPECT_NE(bad.GetFailure(), "");
   }
   EXPECT_EQ(ReadFileBytes("out.pts"), "");
 }
 
-// The count of a header makes no room by itself: 9e7 cells for a file of one point.
+// The count of a header makes no room by itself: 4400000 cells for a file of one point.
 TEST_F(GridMergeTest, AGridIsAsLargeAsThePointsThatAreThereJustify) {
-  WriteFileBytes("a.pts", PointsBytes(4000, {0, 8999, 9999, 0, 1, 1}, {1, 1, 5, 1}));
+  WriteFileBytes("a.pts", PointsBytes(4000, {0, 1999, 2199, 0, 1, 1}, {1, 1, 5, 1}));
   EXPECT_EQ(merge.AddFile("a.pts"), Added::Yes);
   EXPECT_EQ(merge.Write("out.pts"), -1);
+  EXPECT_EQ(merge.GetFailure(), "The grid is too large for the number of points.");
+}
+
+TEST_F(GridMergeTest, NoPointInTheGridFails) {
+  WriteFileBytes("a.pts", PointsBytes(1, {0, 2, 2, 0, 1, 1}, {9, 9, 5, 1}));
+  merge.AddFile("a.pts");
+  EXPECT_EQ(merge.Write("out.pts"), -1);
+  EXPECT_EQ(merge.GetFailure(), "No point lies in the grid.");
+  EXPECT_EQ(ReadFileBytes("out.pts"), "");
+}
+
+TEST_F(GridMergeTest, NoFileWithPointsFails) {
+  WriteFileBytes("a.pts", PointsBytes(0, {0, 2, 2, 0, 1, 1}, {}));
+  merge.AddFile("a.pts");
+  EXPECT_EQ(merge.Write("out.pts"), -1);
+  EXPECT_EQ(merge.GetFailure(), "No file could be merged.");
+  EXPECT_EQ(merge.GetReport(), "Not merged: a.pts (no points that can be read).");
+}
+
+// The union is made from all files, so that the extents of each lie in the grid that is written.
+TEST_F(GridMergeTest, EachFileLiesInTheUnion) {
+  const std::vector<std::pair<double, double>> origins = {{10, 20}, {-7, 31}, {40, -3}, {0, 0}};
+  for (std::size_t i = 0; i < origins.size(); ++i) {
+    const std::string path = "tile" + std::to_string(i) + ".pts";
+    WriteTile(path, origins[i].first, origins[i].second, 5, 1);
+    ASSERT_EQ(merge.AddFile(path), Added::Yes);
+  }
+  ASSERT_EQ(merge.Write("out.pts"), 4);
+  TINPoints out;
+  ASSERT_EQ(out.Read("out.pts"), 1);
+  EXPECT_EQ(out.GetCount(), 8);  // so none of their points lay outside
+  for (const auto& [x0, y0] : origins) {
+    EXPECT_LE(out.minX, x0);
+    EXPECT_LE(out.minY, y0);
+    EXPECT_GE(out.maxX, x0 + 1);
+    EXPECT_GE(out.maxY, y0 + 1);
+  }
 }
 
 TEST_F(GridMergeTest, SparseUnionsWork) {
   WriteTile("a.pts", 0, 0, 5, 1);
-  WriteTile("b.pts", 5000, 999, 6, 1);
+  WriteTile("b.pts", 3000, 999, 6, 1);
   merge.AddFile("a.pts");
   merge.AddFile("b.pts");
   EXPECT_EQ(merge.Write("out.pts"), 2);
   EXPECT_EQ(
       ReadFileBytes("out.pts"),
-      PointsBytes(4, {0, 1000, 5001, 0, 1, 1}, {0, 0, 5, 1, 1, 1, 5, 1, 5000, 999, 6, 1, 5001, 1000, 6, 1}));
+      PointsBytes(4, {0, 1000, 3001, 0, 1, 1}, {0, 0, 5, 1, 1, 1, 5, 1, 3000, 999, 6, 1, 3001, 1000, 6, 1}));
 }
 
 TEST_F(GridMergeTest, PointsBeyondAWrongHeaderAreLeftOut) {
@@ -120,15 +165,26 @@ TEST_F(GridMergeTest, TellsWhatCouldNotBeMerged) {
   WriteFileBytes("cut.pts", PointsBytes(3, {0, 2, 2, 0, 1, 1}, {2, 2, 6, 1}));
   for (const char* path : {"a.pts", "empty.pts", "cut.pts"}) EXPECT_EQ(merge.AddFile(path), Added::Yes);
   EXPECT_EQ(merge.Write("out.pts"), 2);
-  EXPECT_THAT(ui.events,
-              ElementsAre("status 0: Not merged: empty.pts", "status 0: 2 points are missing in cut.pts"));
+  EXPECT_EQ(merge.GetReport(),
+            "Points written: 3 of 3. Files merged: 2 of 3. Not merged: empty.pts (no points that can be "
+            "read). Cut short: cut.pts (points missing: 2).");
+  EXPECT_EQ(ReadFileBytes("out.pts"),
+            PointsBytes(3, {0, 2, 2, 0, 1, 1}, {0, 0, 5, 1, 1, 1, 5, 1, 2, 2, 6, 1}));
 }
 
 TEST_F(GridMergeTest, AnOutputThatCanNotBeWrittenFails) {
   WriteTile("a.pts", 0, 0, 5, 1);
   merge.AddFile("a.pts");
-  EXPECT_EQ(merge.Write("none/out.pts"), -1);
-  EXPECT_EQ(merge.Write("."), -1);
+  EXPECT_EQ(merge.Write("none/out.pts"), -2);
+  EXPECT_EQ(merge.Write("."), -2);
+  EXPECT_EQ(merge.GetFailure(), "");
+}
+
+TEST_F(GridMergeTest, AnOutputThatTakesNoBytesFails) {
+  WriteTile("a.pts", 0, 0, 5, 1);
+  merge.AddFile("a.pts");
+  EXPECT_EQ(merge.Write("/dev/full"), -3);
+  EXPECT_EQ(merge.GetFailure(), "");
 }
 
 TEST_F(GridMergeTest, AnInputMayBeTheOutput) {

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "TIN/TINPoints.h"
+#include "io/OutputFile.h"
 #include "support/PointsBytes.h"
 #include "support/TempFolder.h"
 
@@ -99,15 +100,41 @@ TEST(MergeFromFile, TellsWhatIsMissing) {
   EXPECT_TRUE(Occupied(grid).empty());
 }
 
-TEST(MergeFromFile, ThePointsThatACutFileLacksAreZero) {
+TEST(MergeFromFile, ThePointsThatACutFileLacksAreLeftOut) {
   TempFolder folder;
   WriteFileBytes("a.pts", PointsBytes(4, kHeader, {2, 1, 5, 1, 3, 2, 6, 1}).substr(0, 52 + 32 + 8));
   TINPoints grid = SmallGrid();
   EXPECT_EQ(grid.MergeFromFile("a.pts"), 1);
   EXPECT_EQ(grid.GetMissingCount(), 3);
   // of the second point only x is there
-  EXPECT_THAT(Occupied(grid),
-              ElementsAre(ElementsAre(0, 0, 0, 0), ElementsAre(0, 3, 0, 0), ElementsAre(1, 2, 5, 1)));
+  EXPECT_THAT(Occupied(grid), ElementsAre(ElementsAre(1, 2, 5, 1)));
+  WriteRecords("b.pts", {3, 0, 7, 1});
+  EXPECT_EQ(grid.MergeFromFile("b.pts"), 1);
+  EXPECT_EQ(grid.GetMissingCount(), 0);
+}
+
+TEST(MergeFromFile, ACutFileOfManyBlocksLosesItsEndAlone) {
+  TempFolder folder;
+  constexpr int kThere = 50000;  // of 100000: the cut lies within a block, and whole blocks are missing
+  std::vector<double> records;
+  for (int i = 0; i < kThere; ++i) records.insert(records.end(), {2, 1, static_cast<double>(i), 1.0 + i});
+  records.insert(records.end(), {3, 2, 6, 1});
+  const std::string bytes = PointsBytes(100000, kHeader, records);
+  WriteFileBytes("a.pts", bytes.substr(0, bytes.size() - 1));
+  TINPoints grid = SmallGrid();
+  EXPECT_EQ(grid.MergeFromFile("a.pts"), 1);
+  EXPECT_EQ(grid.GetMissingCount(), 100000 - kThere);
+  EXPECT_THAT(Occupied(grid), ElementsAre(ElementsAre(1, 2, kThere - 1, kThere)));
+}
+
+TEST(MergeFromFile, AFileWithoutASingleWholePointIsRefused) {
+  TempFolder folder;
+  TINPoints grid = SmallGrid();
+  for (const std::size_t nBytes : {0, 1, 31}) {
+    WriteFileBytes("a.pts", PointsBytes(3, kHeader, {2, 1, 5, 1}).substr(0, 52 + nBytes));
+    EXPECT_EQ(grid.MergeFromFile("a.pts"), -3);
+  }
+  EXPECT_TRUE(Occupied(grid).empty());
 }
 
 TEST(MergeFromFile, ManyBlocksAreOnePointAfterTheOther) {
@@ -222,9 +249,9 @@ std::string WalkedGrid(const TINPoints& grid) {
 TEST(WriteGrid, IsTheWalkOverTheCells) {
   TempFolder folder;
   std::mt19937 random(5);
-  // narrow, wide, and with so many rows that columns go one by one
-  const std::pair<int, int> sizes[] = {{1, 1},  {1, 100}, {100, 1}, {7, 31},
-                                       {7, 32}, {7, 33},  {50, 97}, {270000, 2}};
+  // narrow, wide, with so many rows that columns go one by one, and piece by piece
+  const std::pair<int, int> sizes[] = {{1, 1},   {1, 100},    {100, 1},    {7, 31},     {7, 32},    {7, 33},
+                                       {50, 97}, {200000, 2}, {262144, 1}, {262145, 2}, {600000, 1}};
   for (const auto& [nRows, nCols] : sizes) {
     for (const int share : {1, 3, 100, 1000}) {
       TINPoints grid(0.1, 0.7, {3.3, -8.1, 3.3 + 0.1 * (nCols - 0.5), -8.1 + 0.7 * (nRows - 0.5)});
@@ -241,6 +268,29 @@ TEST(WriteGrid, IsTheWalkOverTheCells) {
   }
 }
 
+// Alone in the second of three pieces: the header's largest row and column stay 0.
+TEST(WriteGrid, ACellOfATallColumnMayBeTheOnlyOne) {
+  TempFolder folder;
+  TINPoints grid(1.0, 1.0, {5.0, 0.0, 5.0, 599999.0});
+  ASSERT_EQ(grid.nCols, 1);
+  grid.cells[300000].z = 7;
+  grid.cells[300000].value = 1;
+  EXPECT_EQ(grid.WriteGrid("a.pts"), 1);
+  EXPECT_EQ(ReadFileBytes("a.pts"), PointsBytes(1, {5, 0, 5, 300000, 1, 1}, {5, 300000, 7, 1}));
+}
+
+TEST(WriteGrid, TellsTheNumberOfPoints) {
+  TempFolder folder;
+  TINPoints grid = SmallGrid();
+  OutputFile file("a.pts");
+  std::int32_t nWritten = -1;
+  EXPECT_EQ(grid.WriteGrid(file, &nWritten), -1);
+  EXPECT_EQ(nWritten, 0);
+  grid.cells[1].z = grid.cells[6].z = 5;
+  EXPECT_EQ(grid.WriteGrid(file, &nWritten), 1);
+  EXPECT_EQ(nWritten, 2);
+}
+
 TEST(WriteGrid, KeepsTheOldFileWithoutCells) {
   TempFolder folder;
   WriteFileBytes("a.pts", "old");
@@ -249,12 +299,37 @@ TEST(WriteGrid, KeepsTheOldFileWithoutCells) {
 }
 
 TEST(GridOfCells, TakesNoMoreMemoryThanItsPointsJustify) {
-  // 10000 x 4000 cells: too many for a file of a few points, not for one of 100000
-  EXPECT_TRUE(TINPoints(1, 1, {0, 0, 9999, 3999}, 10).cells.empty());
-  EXPECT_EQ(TINPoints(1, 1, {0, 0, 9999, 3999}, 100000).cells.size(), 40000000u);
-  EXPECT_TRUE(TINPoints(1, 1, {0, 0, 99999, 9999}, -5).cells.empty());
-  // two small tiles far apart
-  EXPECT_EQ(TINPoints(1, 1, {0, 0, 99999, 99}, 20000).cells.size(), 10000000u);
+  // 5000 x 1000 cells: 100 for each of 10000 points, and 4000000
+  EXPECT_TRUE(TINPoints(1, 1, {0, 0, 4999, 999}, 9999).cells.empty());
+  EXPECT_EQ(TINPoints(1, 1, {0, 0, 4999, 999}, 10000).cells.size(), 5000000u);
+  // 2000 x 2000 without any
+  EXPECT_EQ(TINPoints(1, 1, {0, 0, 1999, 1999}, 0).cells.size(), 4000000u);
+  EXPECT_TRUE(TINPoints(1, 1, {0, 0, 2000, 1999}, 0).cells.empty());
+  EXPECT_TRUE(TINPoints(1, 1, {0, 0, 2000, 1999}, -5).cells.empty());
+}
+
+TEST(GridOfCells, NumbersItsEmptyCells) {
+  const TINPoints grid = SmallGrid();
+  ASSERT_EQ(grid.cells.size(), 12u);
+  for (std::size_t i = 0; i < grid.cells.size(); ++i) {
+    EXPECT_EQ(grid.cells[i].id, static_cast<std::int32_t>(i));
+    EXPECT_EQ(grid.cells[i].z, kNoDataZ);
+    EXPECT_EQ(grid.cells[i].value, -1.0);
+  }
+}
+
+TEST(GridOfCells, TellsWhyThereIsNone) {
+  const GroundRect rect = {0, 0, 3, 2};
+  EXPECT_EQ(TINPoints::WhyNoGrid(0, 1, rect, 1), "There is no grid: cell size 0.");
+  EXPECT_EQ(TINPoints::WhyNoGrid(1, -0.5, rect, 1), "There is no grid: cell size -0.5.");
+  EXPECT_EQ(TINPoints::WhyNoGrid(kInf, 1, rect, 1), "There is no grid: cell size inf.");
+  for (const GroundRect& bad : {GroundRect{3, 0, 0, 2}, GroundRect{0, kNaN, 3, 2}}) {
+    EXPECT_EQ(TINPoints::WhyNoGrid(1, 1, bad, 1), "There is no grid: the extents are crossed or no numbers.");
+  }
+  for (const double far : {2001.0, 1e5, 1e300, kInf}) {
+    EXPECT_EQ(TINPoints::WhyNoGrid(1, 1, {0, 0, far, 1999}, 0),
+              "The grid is too large for the number of points.");
+  }
 }
 
 TEST(GridOfCells, NeedsASpacingThatIsANumber) {

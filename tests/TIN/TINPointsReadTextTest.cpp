@@ -69,6 +69,36 @@ TEST_F(ReadTextTest, TextsWithoutPointsAreEmpty) {
   EXPECT_TRUE(Read(std::string("\0\0\0", 3)).empty());
 }
 
+TEST_F(ReadTextTest, TellsOfAFirstFieldThatIsNoWholeNumber) {
+  const std::string note = "The first field of line 1 is no whole number; records are id, x, y, z, value.";
+  Read("451100.25 5423100.5 120.25 1\n");
+  // 451100, 0.25, 5423100.5, 120.25, and then 1 alone
+  EXPECT_EQ(LastStatus(), "status 0: Points read: 1. 1 record with too few fields was left out. " + note);
+  Read("1e3,2,3,4\n");
+  EXPECT_THAT(LastStatus(), testing::HasSubstr(note));
+  Read("id x y value\n");
+  EXPECT_EQ(LastStatus(), "status 0: Points read: 0. Line 1 of a.txt is no point: id x y value");
+  for (const std::string text : {"", "\n7 1 2\n", "7 1 2\n", " -7\t1 2\n", "+7,1,2\r\n"}) {
+    Read(text);
+    EXPECT_THAT(LastStatus(), testing::Not(testing::HasSubstr("whole number"))) << text;
+  }
+}
+
+// Its first 255 characters decide on the fields, as fgets with 256 bytes sees them.
+TEST_F(ReadTextTest, OfALongFirstLineTheBeginningCounts) {
+  // "7 1 2 3" and the blanks fit; 0.5 begins behind them
+  EXPECT_THAT(Read("7 1 2 3" + std::string(248, ' ') + "0.5\n"), ElementsAre(PointRecord{7, 1, 2, 0, 3}));
+  // a field cut in two is one
+  EXPECT_THAT(Read("7 1 2 3" + std::string(247, ' ') + "0.5\n8 3 4 5 0.25\n"),
+              ElementsAre(PointRecord{7, 1, 2, 3, 0.5}, PointRecord{8, 3, 4, 5, 0.25}));
+}
+
+TEST_F(ReadTextTest, OfManyFieldsTheLastIsTheValue) {
+  std::string line = "7 1 2";
+  for (int i = 0; i < 100; ++i) line += " 9";
+  EXPECT_THAT(Read(line + " 0.5\n"), ElementsAre(PointRecord{7, 1, 2, 0, 0.5}));
+}
+
 TEST_F(ReadTextTest, WhatWasThereIsDropped) {
   WriteFileBytes("a.txt", "1 1 2 0.5\n");
   TINPoints points(5);
@@ -185,10 +215,21 @@ TEST(ValueHistogram, WhatIsNoNumberDoesNotCount) {
   EXPECT_EQ(TINPoints().ValueHistogram(1.0, histogram), -1);
 }
 
+TEST(ValueHistogram, TenMillionBinsAreTheMost) {
+  Histogram histogram;
+  EXPECT_EQ(PointsWithValues({5, 10000004}).ValueHistogram(1.0, histogram), 1);
+  EXPECT_EQ(histogram.GetBinCount(), 10000000);
+  EXPECT_EQ(histogram.counts.front(), 1);
+  EXPECT_EQ(histogram.counts.back(), 1);
+  EXPECT_EQ(histogram.binStarts.back(), 10000004);
+  EXPECT_EQ(PointsWithValues({5, 10000005}).ValueHistogram(1.0, histogram), -1);
+  EXPECT_EQ(histogram.GetBinCount(), 0);
+}
+
 TEST(ValueHistogram, AbsurdRangesAndBinsAreRefused) {
   const double inf = std::numeric_limits<double>::infinity();
   Histogram histogram;
-  for (const double bin : {0.0, -1.0, 1e-300, 1e-8, std::numeric_limits<double>::quiet_NaN()}) {
+  for (const double bin : {0.0, -1.0, 1e-300, 1e-8, inf, std::numeric_limits<double>::quiet_NaN()}) {
     EXPECT_EQ(PointsWithValues({0, 1}).ValueHistogram(bin, histogram), -1) << bin;
   }
   EXPECT_EQ(PointsWithValues({0, inf}).ValueHistogram(1.0, histogram), -1);

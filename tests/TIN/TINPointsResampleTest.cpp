@@ -9,6 +9,7 @@
 #include <set>
 
 #include "TIN/TINPoints.h"
+#include "io/OutputFile.h"
 #include "support/PointsBytes.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
@@ -120,10 +121,13 @@ TEST(Resample, ExtentsAreCutToWholeNumbersFirst) {
 TEST(Resample, RefusesWhatIsNoSpacing) {
   TempFolder folder;
   TINPoints points = RandomPoints(10);
-  EXPECT_EQ(points.Resample("a.pts", 1.0), -1);  // not indexed
+  EXPECT_EQ(points.Resample("a.pts", 1.0), -2);  // not indexed
   ASSERT_EQ(points.BuildIndexWithCell(1.0), 1);
-  for (const double spacing : {0.0, -1.0, kNaN, kInf, 1e-4, 1e-9, 1e-300}) {
-    EXPECT_EQ(points.Resample("a.pts", spacing), -1) << spacing;
+  for (const double spacing : {0.0, -1.0, kNaN, kInf}) {
+    EXPECT_EQ(points.Resample("a.pts", spacing), -2) << spacing;
+  }
+  for (const double spacing : {1e-4, 1e-9, 1e-300}) {
+    EXPECT_EQ(points.Resample("a.pts", spacing), -3) << spacing;
   }
   EXPECT_EQ(points.Resample("none/a.pts", 1.0), -1);
   EXPECT_EQ(ReadFileBytes("a.pts"), "");
@@ -134,8 +138,42 @@ TEST(Resample, AFailedWriteLeavesTheOldFile) {
   TINPoints points = RandomPoints(10);
   ASSERT_EQ(points.BuildIndexWithCell(1.0), 1);
   WriteFileBytes("a.pts", "old");
-  EXPECT_EQ(points.Resample("a.pts", 1e-6), -1);
+  EXPECT_EQ(points.Resample("a.pts", 1e-6), -3);
   EXPECT_EQ(ReadFileBytes("a.pts"), "old");
+  EXPECT_EQ(points.Resample("/dev/full", 1.0), -1);
+}
+
+// Ten points bear 1001 x 1000 samples, and no row more.
+TEST(Resample, TakesAHundredSamplesForEachPointAndAMillion) {
+  TempFolder folder;
+  TINPoints points(10);
+  points.SetExtent(4, {0, 1001, 0, 1000, 0, 0});
+  ASSERT_EQ(points.BuildIndexWithCell(100.0), 1);
+  EXPECT_EQ(points.Resample("a.pts", 1.0), 0);
+  points.maxY = 1001;
+  EXPECT_EQ(points.Resample("a.pts", 1.0), -3);
+}
+
+TEST(Resample, OfNoWidthIsQuickAtAnyHeight) {
+  TempFolder folder;
+  TINPoints points(1);
+  points.SetExtent(4, {0, 0.5, 0, 2e9, 0, 0});
+  ASSERT_EQ(points.BuildIndexWithCell(1e6), 1);
+  EXPECT_EQ(points.Resample("a.pts", 1.0), 0);
+}
+
+TEST(Resample, TellsHowFarItIs) {
+  TempFolder folder;
+  TestFrontEnd ui;
+  TINPoints points(90000);
+  points.SetExtent(4, {0, 1000, 0, 9000, 0, 0});
+  ASSERT_EQ(points.BuildIndexWithCell(500.0), 1);
+  OutputFile file("a.pts");
+  std::int32_t nWritten = 0;
+  EXPECT_EQ(points.Resample(file, 1.0, &nWritten), 0);
+  EXPECT_EQ(nWritten, 500 * 500);  // all points lie at (0, 0), in the first cell
+  EXPECT_EQ(ui.events, (std::vector<std::string>{"status 0: Resampling: 4000000 of 9000000 samples",
+                                                 "status 0: Resampling: 8000000 of 9000000 samples"}));
 }
 
 TEST(BuildIndexWithCell, WarnsOfASizeThatIsNone) {

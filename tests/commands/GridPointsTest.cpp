@@ -8,6 +8,14 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+// A points file of as many records as its header tells.
+void ExpectWholePointsFile(const std::string& path) {
+  TINPoints points;
+  ASSERT_EQ(points.Read(path), 1);
+  EXPECT_EQ(points.GetMissingCount(), 0);
+  EXPECT_EQ(ReadFileBytes(path).size(), 52 + 32 * static_cast<std::size_t>(points.GetCount()));
+}
+
 // Merge Grid Points
 
 TEST_F(PointUtilitiesTest, MergeJoinsGridsOfOneSpacing) {
@@ -23,7 +31,10 @@ TEST_F(PointUtilitiesTest, MergeJoinsGridsOfOneSpacing) {
                           "won't be merged."));
   EXPECT_EQ(ReadFileBytes("out.pts"),
             File({0, 6, 6, 0, 1, 1}, {a, d, e, b, {4, 4, 20, 0.9}, {6, 6, 21, 0.9}}));
-  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: Files merged: 2 of 4.");
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: Merging 1 of 2: p.pts", "status 0: Merging 2 of 2: g.pts",
+                          "status 0: Points written: 6 of 7. Files merged: 2 of 4. Not merged: none.pts "
+                          "(does not open), half.pts (other cell size)."));
   EXPECT_EQ(ui.waitDepth, 0);
 }
 
@@ -32,19 +43,42 @@ TEST_F(PointUtilitiesTest, MergeCancelledWritesNothing) {
 }
 
 TEST_F(PointUtilitiesTest, MergeThatMakesNoGridFails) {
-  const std::vector<std::string> box = {"message warning: Write file out.pts error!"};
-  ExpectFailure("Merge Grid Points", {{"out.pts"}, {"none.pts"}}, box);
-  const std::vector<std::vector<double>> headers = {
-      {0, 4, 4, 0, 0, 1}, {0, 4, 4, 0, -1, 1},       {0, 4, 4, 0, kNaN, 1}, {0, 4, 4, 4, 1, 1},
-      {4, 4, 0, 0, 1, 1}, {0, 4, HUGE_VAL, 0, 1, 1}, {0, 1e7, 1e7, 0, 1, 1}};
-  for (const auto& wrong : headers) {
+  const std::string box = "message warning: Write file out.pts error!\n";
+  ExpectFailure("Merge Grid Points", {{"out.pts"}, {"none.pts"}}, {box + "No file could be merged."});
+  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: Not merged: none.pts (does not open).");
+  struct Case {
+    std::vector<double> header;
+    std::string reason;
+  };
+  const std::vector<Case> cases = {
+      {{0, 4, 4, 0, 0, 1}, "There is no grid: cell size 0."},
+      {{0, 4, 4, 0, 1, -1}, "There is no grid: cell size -1."},
+      {{0, 4, 4, 4, 1, 1}, "No file could be merged."},
+      {{4, 4, 0, 0, 1, 1}, "No file could be merged."},
+      {{0, 4, HUGE_VAL, 0, 1, 1}, "The grid is too large for the number of points."},
+      {{0, 1e7, 1e7, 0, 1, 1}, "The grid is too large for the number of points."},
+      {{90, 99, 99, 90, 1, 1}, "No point lies in the grid."}};
+  for (const auto& [wrong, reason] : cases) {
     WriteFileBytes("wrong.pts", File(wrong, {a, b}));
-    ExpectFailure("Merge Grid Points", {{"out.pts"}, {"wrong.pts"}}, box);
+    ExpectFailure("Merge Grid Points", {{"out.pts"}, {"wrong.pts"}}, {box + reason});
   }
-  WriteFileBytes("outside.pts", File({90, 99, 99, 90, 1, 1}, {a, b}));
-  ExpectFailure("Merge Grid Points", {{"out.pts"}, {"outside.pts"}}, box);
+}
+
+TEST_F(PointUtilitiesTest, MergeTellsAnOutputThatDoesNotOpen) {
   ExpectFailure("Merge Grid Points", {{"none/out.pts"}, {"p.pts"}},
-                {"message warning: Write file none/out.pts error!"});
+                {"message warning: Open file none/out.pts error!"});
+}
+
+TEST_F(PointUtilitiesTest, MergeLeavesOutThePointsThatACutFileLacks) {
+  WriteFileBytes("cut.pts", File(header, {a, d, e}).substr(0, 52 + 2 * 32 + 8));
+  ui.files = {{"out.pts"}, {"cut.pts"}};
+  EXPECT_EQ(Run("Merge Grid Points"), CommandResult::Done);
+  EXPECT_EQ(
+      ui.EventsWith("status").back(),
+      "status 0: Points written: 2 of 2. Files merged: 1 of 1. Cut short: cut.pts (points missing: 1).");
+  TINPoints merged;
+  ASSERT_EQ(merged.Read("out.pts"), 1);
+  EXPECT_EQ(merged.GetCount(), 2);
 }
 
 TEST_F(PointUtilitiesTest, MergeLeavesOutPointsBeyondAWrongHeader) {
@@ -61,9 +95,33 @@ TEST_F(PointUtilitiesTest, MergeTakesAnyBytesAsPointsFiles) {
     damaged[i] = '\x7f';
     WriteFileBytes("damaged" + std::to_string(i) + ".pts", damaged);
     ui.files = {{"out.pts"}, {"damaged" + std::to_string(i) + ".pts", "p.pts"}};
-    Run("Merge Grid Points");
+    WriteFileBytes("out.pts", "old");
+    const CommandResult result = Run("Merge Grid Points");
     EXPECT_EQ(ui.waitDepth, 0);
+    if (result == CommandResult::Done) {
+      ExpectWholePointsFile("out.pts");
+    } else {
+      EXPECT_EQ(result, CommandResult::Failed);
+      EXPECT_EQ(ReadFileBytes("out.pts"), "old");
+    }
   }
+}
+
+// A damaged count or extent leaves the points of the sound file; only a damaged cell size can shut it out.
+TEST_F(PointUtilitiesTest, MergeKeepsTheSoundFileBesideADamagedOne) {
+  const std::string bytes = ReadFileBytes("p.pts");
+  WriteFileBytes("negative.pts", PointsBytes(-5, header, {9, 9, 9, 9}));
+  WriteFileBytes("huge.pts", PointsBytes(INT32_MAX, header, {9, 9, 9, 9}));
+  WriteFileBytes("head.pts", bytes.substr(0, 52));
+  WriteFileBytes("short.pts", bytes.substr(0, 51));
+  WriteFileBytes("nothing.pts", "");
+  ui.files = {{"out.pts"}, {"negative.pts", "huge.pts", "head.pts", "short.pts", "nothing.pts", "p.pts"}};
+  EXPECT_EQ(Run("Merge Grid Points"), CommandResult::Done);
+  EXPECT_EQ(ReadFileBytes("out.pts"), File(header, {a, d, e, b, c}));
+  EXPECT_EQ(
+      ui.EventsWith("status").back(),
+      "status 0: Points written: 5 of 5. Files merged: 1 of 6. Not merged: short.pts (no whole header), "
+      "nothing.pts (no whole header), negative.pts (no points that can be read) and 2 more.");
 }
 
 // Replace Grid Points
@@ -133,17 +191,74 @@ TEST_F(PointUtilitiesTest, ReplaceTellsWhatItCanNotReadOrWrite) {
 
 TEST_F(PointUtilitiesTest, ReplaceOnWhatIsNoGridFailsAndKeepsTheFile) {
   WriteFileBytes("g.pts", File(header, {e}));
-  const std::vector<std::vector<double>> headers = {
-      {0, 4, 4, 0, 0, 1},        {0, 4, 4, 0, 1, -1},  {0, 4, 4, 0, 1, kNaN}, {4, 4, 0, 0, 1, 1},
-      {0, 4, HUGE_VAL, 0, 1, 1}, {0, 1e9, 4, 0, 1, 1}, {0.5, 4, 4, 0, 1, 1}};  // the last: no point on a node
-  for (const auto& wrong : headers) {
+  struct Case {
+    std::vector<double> header;
+    std::string reason;
+  };
+  const std::vector<Case> cases = {
+      {{0, 4, 4, 0, 0, 1}, "There is no grid: cell size 0."},
+      {{0, 4, 4, 0, 1, -1}, "There is no grid: cell size -1."},
+      {{0, 4, 4, 0, 1, HUGE_VAL}, "There is no grid: cell size inf."},
+      {{4, 4, 0, 0, 1, 1}, "There is no grid: the extents are crossed or no numbers."},
+      {{0, 4, HUGE_VAL, 0, 1, 1}, "The grid is too large for the number of points."},
+      {{0, 1e9, 4, 0, 1, 1}, "The grid is too large for the number of points."},
+      {{0.5, 4, 4, 0, 1, 1}, "No point lies in the grid."}};
+  for (const auto& [wrong, reason] : cases) {
     const std::string bytes = File(wrong, {b, c});
     WriteFileBytes("first.pts", bytes);
     ui.forms = {Enter({{"xStart", "9"}, {"yStart", "9"}, {"xEnd", "9"}, {"yEnd", "9"}})};
     ExpectFailure("Replace Grid Points", {{"first.pts"}, {"g.pts"}},
-                  {"message warning: Write file first.pts error!"});
+                  {"message warning: Write file first.pts error!\n" + reason});
     EXPECT_EQ(ReadFileBytes("first.pts"), bytes);
   }
+}
+
+TEST_F(PointUtilitiesTest, ReplaceOnADamagedFirstFileThatFailsLeavesEveryByte) {
+  WriteFileBytes("g.pts", File(header, {e}));
+  const std::string sound = ReadFileBytes("p.pts");
+  for (std::size_t i = 0; i < 52; ++i) {
+    std::string damaged = sound;
+    damaged[i] = '\x7f';
+    WriteFileBytes("first.pts", damaged);
+    ui.files = {{"first.pts"}, {"g.pts"}};
+    ui.forms = {Accept};
+    if (Run("Replace Grid Points") == CommandResult::Done) {
+      ExpectWholePointsFile("first.pts");
+    } else {
+      EXPECT_EQ(ReadFileBytes("first.pts"), damaged) << i;
+    }
+    EXPECT_EQ(ui.waitDepth, 0);
+  }
+}
+
+TEST_F(PointUtilitiesTest, ReplaceLeavesOutAndTellsThePointsThatCutFilesLack) {
+  const std::vector<double> middle = {1, 1, 15, 0.5};
+  WriteFileBytes("first.pts", File(header, {middle, b, c, d}).substr(0, 52 + 3 * 32));
+  WriteFileBytes("g.pts", File(header, {e, a, a}).substr(0, 52 + 32 + 8));
+  ui.files = {{"first.pts"}, {"g.pts"}};
+  ui.forms = {Accept};
+  EXPECT_EQ(Run("Replace Grid Points"), CommandResult::Done);
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            "status 0: Points of the first file on its grid: 3 of 3. Points of the second put in: 1. Points "
+            "missing in first.pts: 1. Points missing in g.pts: 2.");
+  EXPECT_EQ(ReadFileBytes("first.pts"), File({1, 4, 4, 0, 1, 1}, {middle, e, b, c}));  // none at (0, 0)
+}
+
+// The cells that the points of both files justify.
+TEST_F(PointUtilitiesTest, ReplaceMakesAGridForThePointsOfBothFiles) {
+  // 2101 x 2001 cells are 204101 more than 4000000: 2042 points at least
+  const std::vector<double> large = {0, 2000, 2100, 0, 1, 1};
+  WriteFileBytes("first.pts", File(large, {a, b}));
+  WriteFileBytes("g.pts", File(large, std::vector<std::vector<double>>(2040, e)));
+  ui.files = {{"first.pts"}, {"g.pts"}};
+  ui.forms = {Accept};
+  EXPECT_EQ(Run("Replace Grid Points"), CommandResult::Done);
+  WriteFileBytes("first.pts", File(large, {a, b}));
+  WriteFileBytes("g.pts", File(large, std::vector<std::vector<double>>(2039, e)));
+  ui.forms = {Accept};
+  ExpectFailure(
+      "Replace Grid Points", {{"first.pts"}, {"g.pts"}},
+      {"message warning: Write file first.pts error!\nThe grid is too large for the number of points."});
 }
 
 }  // namespace

@@ -60,9 +60,25 @@ TEST_F(PointUtilitiesTest, HistogramWarnsOfPointsThatMakeNoGridAndGoesOn) {
   EXPECT_EQ(app.GetMainFrame().GetActiveTinView()->graph.GetElementCount(), 1);
 }
 
+TEST_F(PointUtilitiesTest, HistogramTellsOfLinesWithoutAnId) {
+  WriteFileBytes("v.txt", "0.5 1.5 5 0.25\n1.5 2.5 6 0.5\n");
+  ui.files = {{"v.txt"}};
+  EXPECT_EQ(Run("Point Value Histgram"), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("status"),
+              testing::Contains(testing::HasSubstr(
+                  "The first field of line 1 is no whole number; records are id, x, y, z, value.")));
+}
+
+TEST_F(PointUtilitiesTest, HistogramOfMoreThanTenMillionBinsFails) {
+  WriteFileBytes("v.txt", "1 0 0 0\n2 1 1 10000000\n");
+  ui.values = {1.0};
+  ExpectFailure("Point Value Histgram", {{"v.txt"}},
+                {"message warning: HistogramThresh:Histogram has error!"});
+}
+
 TEST_F(PointUtilitiesTest, HistogramRefusesAbsurdBins) {
   WriteFileBytes("v.txt", "1 0 0 0\n2 1 1 100\n");
-  for (const double bin : {0.0, -1.0, 1e-12, kNaN}) {
+  for (const double bin : {0.0, -1.0, 1e-12, HUGE_VAL, kNaN}) {
     ui.values = {bin};
     ExpectFailure("Point Value Histgram", {{"v.txt"}},
                   {"message warning: HistogramThresh:Histogram has error!"});

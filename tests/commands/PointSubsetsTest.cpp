@@ -21,6 +21,7 @@ TEST_F(PointUtilitiesTest, CropDeletesThePointsInTheRegions) {
   ExpectChooser(2, kSave, kPointsFiles, "pts");
   EXPECT_EQ(ReadFileBytes("out.pts"), File({4, 4, 4, 0, 1, 1}, {b, c}));
   EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Points cut out: 3 of 5."));
   EXPECT_EQ(ui.waitDepth, 0);
 }
 
@@ -37,6 +38,31 @@ TEST_F(PointUtilitiesTest, CropPassesOverRegionsThatAreNone) {
   ui.files = {{"p.pts"}, {"m.msk"}, {"out.pts"}};
   EXPECT_EQ(Run("Crop Out Points"), CommandResult::Done);
   EXPECT_EQ(ReadFileBytes("out.pts"), File(header, {a, c, d, e}));
+  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: Points cut out: 1 of 5. Regions used: 1 of 3.");
+}
+
+// A mask that begins with a byte order mark, or with a heading, holds no regions, and that is told.
+TEST_F(PointUtilitiesTest, CropTellsOfAMaskWithAByteOrderMarkOrAHeading) {
+  for (const char* mask : {"\xef\xbb\xbf"
+                           "1\n0 2\n0 0\n4 4\n",
+                           "regions\n1\n0 2\n0 0\n4 4\n"}) {
+    WriteFileBytes("m.msk", mask);
+    ui.events.clear();
+    ui.files = {{"p.pts"}, {"m.msk"}, {"out.pts"}};
+    EXPECT_EQ(Run("Crop Out Points"), CommandResult::Done);
+    EXPECT_THAT(ui.EventsWith("status"),
+                ElementsAre("status 0: The mask begins with no number of regions.",
+                            "status 0: Points cut out: 0 of 5. The mask gives no regions that can be used."));
+    EXPECT_EQ(ReadFileBytes("out.pts"), ReadFileBytes("p.pts"));
+  }
+}
+
+TEST_F(PointUtilitiesTest, CropTellsThatThePointsFileIsCutShort) {
+  WriteFileBytes("p.pts", ReadFileBytes("p.pts").substr(0, 52 + 3 * 32));
+  WriteFileBytes("m.msk", "1\n0 2\n4 0\n5 1\n");
+  ui.files = {{"p.pts"}, {"m.msk"}, {"out.pts"}};
+  EXPECT_EQ(Run("Crop Out Points"), CommandResult::Done);
+  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: Points cut out: 1 of 5. Points missing in p.pts: 2.");
 }
 
 TEST_F(PointUtilitiesTest, CropCancelledAtTheEndDiscardsTheWork) {
@@ -51,7 +77,9 @@ TEST_F(PointUtilitiesTest, CropTellsWhatItCanNotReadOrWrite) {
   ExpectFailure("Crop Out Points", {{"p.pts"}, {"none.msk"}, {"out.pts"}},
                 {"message message: Read region file error!\n"});
   ExpectFailure("Crop Out Points", {{"p.pts"}, {"m.msk"}, {"none/out.pts"}},
-                {"message warning: Write file none/out.pts error!"});
+                {"message warning: Open file none/out.pts error!"});
+  ExpectFailure("Crop Out Points", {{"p.pts"}, {"m.msk"}, {"/dev/full"}},
+                {"message warning: Write file /dev/full error!"});
 }
 
 TEST_F(PointUtilitiesTest, CropWarnsOfAWrongHeader) {
@@ -94,6 +122,7 @@ TEST_F(PointUtilitiesTest, SubsetWritesThePointsOfTheWindowWithTheScore) {
   ExpectChooser(0, kOpen, kPointsFiles, "");
   ExpectChooser(1, kSave, kTextFiles, "txt");
   EXPECT_EQ(ReadFileBytes("out.txt"), "0, 4, 13, 0.4\n2, 2, 14, 0.5\n");  // all edges belong to it
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Points written: 2."));
   EXPECT_EQ(ui.waitDepth, 0);
 }
 
@@ -138,7 +167,10 @@ TEST_F(PointUtilitiesTest, SubsetTellsWhatItCanNotReadOrWrite) {
   EXPECT_THAT(ui.shownForms, IsEmpty());
   ui.forms = {Accept};
   ExpectFailure("Subset Points", {{"p.pts"}, {"none/out.txt"}},
-                {"message warning: Write file none/out.txt error!"});
+                {"message warning: Open file none/out.txt error!"});
+  ui.forms = {Enter({{"minCorrCoeff", "0"}})};
+  ExpectFailure("Subset Points", {{"p.pts"}, {"/dev/full"}},
+                {"message warning: Write file /dev/full error!"});
 }
 
 // Subset Points 2
@@ -153,14 +185,17 @@ TEST_F(PointUtilitiesTest, Subset2WritesThePointsOfTheRegions) {
   ExpectChooser(1, kOpen, kMaskFiles, "msk");
   ExpectChooser(2, kSave, kTextFiles, "txt");
   EXPECT_EQ(ReadFileBytes("out.txt"), "4, 0, 11, 0.2\n2, 2, 14, 0.5\n4, 4, 12, 0.3\n2, 2, 14, 0.5\n");
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Points written: 4."));
   EXPECT_EQ(ui.waitDepth, 0);
 }
 
 TEST_F(PointUtilitiesTest, Subset2OfNoPointsTellsSo) {
   for (const char* mask : {"1\n0 2\n90 90\n99 99\n", "1\n1 3\n0 0\n9 0\n9 9\n", "0\n", ""}) {
     WriteFileBytes("m.msk", mask);
-    ExpectFailure("Subset Points 2", {{"p.pts"}, {"m.msk"}, {"out.txt"}},
-                  {"message message: There is no Points in the subset area!\n"});
+    for (const char* output : {"out.txt", "none/out.txt"}) {
+      ExpectFailure("Subset Points 2", {{"p.pts"}, {"m.msk"}, {output}},
+                    {"message message: There is no Points in the subset area!\n"});
+    }
   }
 }
 
@@ -178,7 +213,16 @@ TEST_F(PointUtilitiesTest, Subset2TellsWhatItCanNotReadOrWrite) {
   ExpectFailure("Subset Points 2", {{"p.pts"}, {"none.msk"}, {"out.txt"}},
                 {"message message: Read region file error!\n"});
   ExpectFailure("Subset Points 2", {{"p.pts"}, {"m.msk"}, {"none/out.txt"}},
-                {"message warning: Write file none/out.txt error!"});
+                {"message warning: Open file none/out.txt error!"});
+  ExpectFailure("Subset Points 2", {{"p.pts"}, {"m.msk"}, {"/dev/full"}},
+                {"message warning: Write file /dev/full error!"});
+}
+
+TEST_F(PointUtilitiesTest, Subset2TellsOfRegionsThatAreNone) {
+  WriteFileBytes("m.msk", "2\n1 3\n0 0\n9 0\n9 9\n0 2\n2 2\n3 3\n");
+  ui.files = {{"p.pts"}, {"m.msk"}, {"out.txt"}};
+  EXPECT_EQ(Run("Subset Points 2"), CommandResult::Done);
+  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: Points written: 1. Regions used: 1 of 2.");
 }
 
 TEST_F(PointUtilitiesTest, TellsOfACutPointsFile) {
@@ -187,7 +231,8 @@ TEST_F(PointUtilitiesTest, TellsOfACutPointsFile) {
   ui.files = {{"p.pts"}, {"m.msk"}, {"out.txt"}};
   EXPECT_EQ(Run("Subset Points 2"), CommandResult::Done);
   EXPECT_THAT(ui.EventsWith("status"),
-              ElementsAre("status 0: The points file is cut short: 3 of 5 points are there."));
+              ElementsAre("status 0: The points file is cut short: 3 of 5 points are there.",
+                          "status 0: Points written: 5. Points missing in p.pts: 2."));
 }
 
 // Resample Points
@@ -206,7 +251,18 @@ TEST_F(PointUtilitiesTest, ResampleTakesAPointForEachSample) {
   ExpectChooser(1, kSave, kPointsFiles, "Choose a Points Set.");
   // samples at (0, 0), (2, 0), (0, 2), (2, 2) look into cells of 1
   EXPECT_EQ(ReadFileBytes("out.pts"), File({0, 2, 2, 0, 2, 2}, {a, e}));
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Points written: 2."));
   EXPECT_EQ(ui.waitDepth, 0);
+}
+
+TEST_F(PointUtilitiesTest, ResampleOfExtentsBelowOneUnitTellsThatThereAreNoSamples) {
+  WriteFileBytes("degrees.pts", File({7, 50.9, 7.9, 50, 0.1, 0.1}, {{7.1, 50.1, 1, 1}, {7.8, 50.8, 2, 1}}));
+  ui.files = {{"degrees.pts"}, {"out.pts"}};
+  ui.forms = {Accept};
+  EXPECT_EQ(Run("Resample Points"), CommandResult::Done);
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            "status 0: Points written: 0. There are no samples: the extents are shorter than one unit, or "
+            "than the cell size.");
 }
 
 TEST_F(PointUtilitiesTest, ResampleCancelledWritesNothing) {
@@ -221,11 +277,22 @@ TEST_F(PointUtilitiesTest, ResampleTellsWhatItCanNotReadOrWrite) {
                 {"message message: Read source points file error!\n"});
   ui.forms = {Accept};
   ExpectFailure("Resample Points", {{"p.pts"}, {"none/out.pts"}},
-                {"message warning: Write file none/out.pts error!"});
-  for (const char* cellSize : {"0", "-1", "1e-30"}) {
+                {"message warning: Open file none/out.pts error!"});
+  ui.forms = {Accept};
+  ExpectFailure("Resample Points", {{"p.pts"}, {"/dev/full"}},
+                {"message warning: Write file /dev/full error!"});
+  for (const std::string cellSize : {"0", "-1"}) {
+    ui.forms = {Enter({{"cellSize", cellSize}})};
+    ExpectFailure(
+        "Resample Points", {{"p.pts"}, {"out.pts"}},
+        {"message warning: Write file out.pts error!\nThere is no grid: cell size " + cellSize + "."});
+  }
+  // 4000 x 4000 samples of five points
+  for (const char* cellSize : {"0.001", "1e-30"}) {
     ui.forms = {Enter({{"cellSize", cellSize}})};
     ExpectFailure("Resample Points", {{"p.pts"}, {"out.pts"}},
-                  {"message warning: Write file out.pts error!"});
+                  {"message warning: Write file out.pts error!\nThe grid is too large for the number of "
+                   "points."});
   }
 }
 

@@ -33,7 +33,7 @@ TEST(Histogram, ValuesThatAreNoNumbersAreNotCounted) {
 
 TEST(Histogram, BinsThatCanNotBeFail) {
   Histogram histogram;
-  for (const double binSize : {0.0, -1.0, 1e-9, 1e-300})
+  for (const double binSize : {0.0, -1.0, 1e-9, 1e-300, HUGE_VAL, -HUGE_VAL, std::nan("")})
     EXPECT_EQ(MakeBins(0.0, 1.0, binSize, histogram), -1);
   EXPECT_EQ(MakeBins(0.0, 0.0, 0.0, histogram), -1);
   EXPECT_EQ(MakeBins(0.0, INFINITY, 1.0, histogram), -1);
