@@ -52,21 +52,25 @@ void FilterWithoutChanges(benchmark::State& state) {
 }
 BENCHMARK(FilterWithoutChanges)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
 
+// Heights and normals go back to the ground before each run: spikes close together leave more to do.
 void FilterSpikes(benchmark::State& state) {
   TIN tin;
-  LoadTerrain(Survey(), SlopingZ, tin);
-  tin.SlopeFilter(kMaxSlope, kMinElevation);  // warms up
-  const double quiet = SecondsOf([&] { tin.SlopeFilter(kMaxSlope, kMinElevation); });
   const auto every = static_cast<std::int32_t>(state.range(0));
   double seconds = 0.0;
   std::int64_t nChanged = 0;
+  const auto filter = [&] {
+    return SecondsOf([&] { nChanged += tin.SlopeFilter(kMaxSlope, kMinElevation); });
+  };
   for (auto _ : state) {
+    LoadTerrain(Survey(), SlopingZ, tin);
+    filter();  // warms up
+    const double quiet = filter();
     for (std::int32_t v = 0; v < tin.nPoints; v += every) {
       tin.vertices[static_cast<std::size_t>(v)].z += 20.0;
       tin.RecomputeNormals(v);
       tin.NormalizeNormals(v);
     }
-    const double run = SecondsOf([&] { nChanged += tin.SlopeFilter(kMaxSlope, kMinElevation); });
+    const double run = filter();
     seconds += run - quiet;
     state.SetIterationTime(run);
   }
