@@ -122,6 +122,7 @@ bool ScriptedFrontEnd::AskForm(Form& form) {
 
 bool ScriptedFrontEnd::ShowMessage(MessageKind kind, MessageButtons, const std::string& text) {
   const std::string line = text.substr(0, text.find_last_not_of("\r\n") + 1);
+  EndLogLine();
   console_.ErrorLine(std::string(MessageKindName(kind)) + ": " + line);
   return true;
 }
@@ -132,7 +133,9 @@ SaveChoice ScriptedFrontEnd::AskSaveChanges(const std::string& documentTitle) {
 }
 
 void ScriptedFrontEnd::SetStatusText(int pane, const std::string& text) {
-  if (pane == 0 && !options_.quiet) console_.Status(text);
+  if (pane != 0 || options_.quiet) return;
+  EndLogLine();
+  console_.Status(text);
 }
 
 void ScriptedFrontEnd::Print(const std::string& text) {
@@ -140,11 +143,20 @@ void ScriptedFrontEnd::Print(const std::string& text) {
 }
 
 void ScriptedFrontEnd::Trace(const std::string& text) {
-  if (options_.trace) console_.ErrorText(text);
+  if (!options_.trace) return;
+  EndLogLine();
+  console_.ErrorText(text);
 }
 
 void ScriptedFrontEnd::AppendToLog(const LogView&, const std::string& text) {
-  if (!options_.quiet) console_.ErrorText(text);
+  if (options_.quiet || text.empty()) return;
+  console_.ErrorText(text);
+  logLineOpen_ = !text.ends_with('\n');
+}
+
+void ScriptedFrontEnd::EndLogLine() {
+  if (logLineOpen_) console_.ErrorText("\n");
+  logLineOpen_ = false;
 }
 
 std::optional<std::string> ScriptedFrontEnd::NextAnswer(const std::string& prompt) {
@@ -159,6 +171,7 @@ std::optional<std::string> ScriptedFrontEnd::NextAnswer(const std::string& promp
 }
 
 void ScriptedFrontEnd::Report(const std::string& text) {
+  EndLogLine();
   console_.ErrorLine("corvane-cli: " + place_ + text);
 }
 

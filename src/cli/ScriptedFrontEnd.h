@@ -50,13 +50,15 @@ class ScriptedFrontEnd : public FrontEnd {
   void ResizeGraph(const GraphView&) override {}
   void OpenLog(const LogView&) override {}
   void AppendToLog(const LogView& log, const std::string& text) override;
-  void CloseLog(const LogView&) override {}
+  void CloseLog(const LogView&) override { EndLogLine(); }
   void CommandStarted(const std::string&) override {}
   void CommandEnded(const std::string&, CommandResult) override {}
   void FileGiven(const FileChooser&, const std::string&) override {}
 
  private:
   std::optional<std::string> NextAnswer(const std::string& prompt);
+  // Ends the line of a log text that has none, so that nothing else stands in it.
+  void EndLogLine();
   void Report(const std::string& text);
   void Refuse(const std::string& answer, const std::string& words);
 
@@ -67,6 +69,7 @@ class ScriptedFrontEnd : public FrontEnd {
   std::vector<std::string> answers_;
   std::size_t next_ = 0;  // the first answer not yet taken
   int nMissing_ = 0;      // prompts of this command that found no answer
+  bool logLineOpen_ = false;
 };
 
 }  // namespace corvane

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <span>
 
 #include "plot/AxisText.h"
+#include "plot/NumberTicker.h"
 
 namespace corvane {
 
@@ -30,10 +32,6 @@ constexpr double kFlatRange = 2e-6;
 constexpr double kRoomX = 0.02;  // beside the curves, relative to their extent
 constexpr double kRoomY = 0.05;
 
-constexpr int kTickDistanceX = 120;  // pixels that a tick and its number take
-constexpr int kTickDistanceY = 55;
-constexpr int kMostTicks = 10;
-
 constexpr int kFillAlpha = 80;                    // of bars, out of 255
 constexpr std::size_t kMostOutlinedBars = 20000;  // beyond, bars have no sides where they touch
 constexpr std::size_t kMostSmoothed = 2000;       // points of a curve with smoothed edges
@@ -43,16 +41,29 @@ bool IsDrawable(const GraphPoint& point) {
   return std::abs(point.x) <= kFarthest && std::abs(point.y) <= kFarthest;  // not a number fails, too
 }
 
-std::vector<GraphPoint> DrawablePoints(const GraphElement& element) {
-  std::vector<GraphPoint> points;
-  points.reserve(element.points.size());
-  std::copy_if(element.points.begin(), element.points.end(), std::back_inserter(points), IsDrawable);
-  return points;
+bool IsBefore(const GraphPoint& a, const GraphPoint& b) {
+  return a.x < b.x;
 }
 
-bool IsAscending(const std::vector<GraphPoint>& points) {
-  return std::is_sorted(points.begin(), points.end(),
-                        [](const GraphPoint& a, const GraphPoint& b) { return a.x < b.x; });
+using Points = std::span<const GraphPoint>;
+
+bool IsAscending(Points points) {
+  return std::is_sorted(points.begin(), points.end(), IsBefore);
+}
+
+// The points that can be drawn. Only if they are not all of them, they are copied, to `kept`.
+Points DrawablePoints(Points points, std::vector<GraphPoint>& kept) {
+  if (std::all_of(points.begin(), points.end(), IsDrawable)) return points;
+  std::copy_if(points.begin(), points.end(), std::back_inserter(kept), IsDrawable);
+  return kept;
+}
+
+// The points with ascending x. `kept` is the place for a copy, and may hold the points already.
+Points AscendingPoints(Points points, std::vector<GraphPoint>& kept) {
+  if (IsAscending(points)) return points;
+  if (kept.empty()) kept.assign(points.begin(), points.end());
+  std::stable_sort(kept.begin(), kept.end(), IsBefore);
+  return kept;
 }
 
 GraphRange NoExtent() {
@@ -68,7 +79,7 @@ void Include(GraphRange& extent, double x, double y) {
   Include(extent, {x, x, y, y});
 }
 
-GraphRange ExtentOf(const std::vector<GraphPoint>& points) {
+GraphRange ExtentOf(Points points) {
   GraphRange extent = NoExtent();
   for (const GraphPoint& point : points) Include(extent, point.x, point.y);
   return extent;
@@ -93,7 +104,7 @@ bool IsUsable(double min, double max) {
 }
 
 // How wide the bars of points with ascending x are: the smallest distance of two. 1 for a single bar.
-double BarWidth(const std::vector<GraphPoint>& points) {
+double BarWidth(Points points) {
   double width = std::numeric_limits<double>::infinity();
   for (std::size_t i = 1; i < points.size(); ++i) {
     const double distance = points[i].x - points[i - 1].x;
@@ -104,7 +115,7 @@ double BarWidth(const std::vector<GraphPoint>& points) {
 
 // The outline of bars, all sides from the axis up and back. With many bars only the steps, without the sides
 // between bars that touch and the tops that go on.
-QVector<QCPGraphData> BarOutline(const std::vector<GraphPoint>& points, double width) {
+QVector<QCPGraphData> BarOutline(Points points, double width) {
   const bool sides = points.size() <= kMostOutlinedBars;
   QVector<QCPGraphData> outline;
   outline.reserve(static_cast<qsizetype>(points.size() * (sides ? 4 : 2)));
@@ -126,37 +137,12 @@ QVector<QCPGraphData> BarOutline(const std::vector<GraphPoint>& points, double w
 }
 
 template <typename Data, typename Make>
-QVector<Data> ConvertedPoints(const std::vector<GraphPoint>& points, Make make) {
+QVector<Data> ConvertedPoints(Points points, Make make) {
   QVector<Data> converted;
   converted.reserve(static_cast<qsizetype>(points.size()));
   for (const GraphPoint& point : points) converted.append(make(point, converted.size()));
   return converted;
 }
-
-// Numbers with the decimals that the step needs, as many as fit beside each other.
-class NumberTicker : public QCPAxisTicker {
- public:
-  NumberTicker(const QCustomPlot& plot, Qt::Orientation orientation)
-      : plot_(plot), orientation_(orientation) {}
-
- protected:
-  double getTickStep(const QCPRange& range) override {
-    const bool along = orientation_ == Qt::Horizontal;
-    const int length = along ? plot_.viewport().width() : plot_.viewport().height();
-    setTickCount(std::clamp(length / (along ? kTickDistanceX : kTickDistanceY), 2, kMostTicks));
-    step_ = QCPAxisTicker::getTickStep(range);
-    return step_;
-  }
-
-  QString getTickLabel(double tick, const QLocale&, QChar, int) override {
-    return QString::fromStdString(AxisText(tick, step_));
-  }
-
- private:
-  const QCustomPlot& plot_;
-  Qt::Orientation orientation_;
-  double step_ = 1.0;
-};
 
 QFont PlotFont(int pixels, QFont::Weight weight) {
   QFont font(kFontName);
@@ -189,8 +175,9 @@ QCustomPlot* MakePlot(QWidget* parent) {
   for (QCPAxis* axis : plot->axisRect()->axes()) DressAxis(*axis);
   plot->xAxis2->setTicks(false);
   plot->yAxis2->setTicks(false);
-  plot->xAxis->setTicker(QSharedPointer<NumberTicker>::create(*plot, Qt::Horizontal));
-  plot->yAxis->setTicker(QSharedPointer<NumberTicker>::create(*plot, Qt::Vertical));
+  const auto upright = QSharedPointer<UprightTicker>::create(*plot->yAxis);
+  plot->yAxis->setTicker(upright);
+  plot->xAxis->setTicker(QSharedPointer<LevelTicker>::create(*plot->xAxis, upright));
   plot->xAxis->setPadding(8);
   plot->yAxis->setPadding(8);
   plot->axisRect()->setMinimumMargins(QMargins(16, 4, 24, 12));
@@ -209,10 +196,8 @@ QPen CurvePen(const GraphElement& element, std::size_t nPoints) {
   return QPen(colour, wide ? element.width : 0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
 }
 
-QCPAbstractPlottable* AddBars(QCustomPlot& plot, std::vector<GraphPoint> points, QPen pen,
-                              GraphRange& extent) {
-  std::stable_sort(points.begin(), points.end(),
-                   [](const GraphPoint& a, const GraphPoint& b) { return a.x < b.x; });
+// Bars of points with ascending x. Mitred corners would stand as spikes on bars narrower than the pen.
+QCPAbstractPlottable* AddBars(QCustomPlot& plot, Points points, QPen pen, GraphRange& extent) {
   const double width = BarWidth(points);
   if (!points.empty()) {
     Include(extent, points.front().x, 0.0);
@@ -220,7 +205,7 @@ QCPAbstractPlottable* AddBars(QCustomPlot& plot, std::vector<GraphPoint> points,
   }
   QCPGraph* bars = plot.addGraph();
   bars->data()->set(BarOutline(points, width), true);
-  pen.setJoinStyle(Qt::MiterJoin);
+  pen.setJoinStyle(Qt::BevelJoin);
   bars->setPen(pen);
   QColor fill = pen.color();
   fill.setAlpha(kFillAlpha);
@@ -231,7 +216,7 @@ QCPAbstractPlottable* AddBars(QCustomPlot& plot, std::vector<GraphPoint> points,
 }
 
 // A curve in the order of its points, whatever way they go.
-QCPAbstractPlottable* AddLine(QCustomPlot& plot, const std::vector<GraphPoint>& points, const QPen& pen) {
+QCPAbstractPlottable* AddLine(QCustomPlot& plot, Points points, const QPen& pen) {
   QCPAbstractPlottable* line = nullptr;
   const QCPScatterStyle dot = points.size() == 1 ? QCPScatterStyle(QCPScatterStyle::ssDisc, pen.widthF() + 5)
                                                  : QCPScatterStyle(QCPScatterStyle::ssNone);
@@ -267,6 +252,7 @@ double ReadoutStep(const QCPRange& range, int pixels) {
 
 GraphPlot::GraphPlot(QWidget* parent) : QWidget(parent), plot_(MakePlot(this)) {
   setAttribute(Qt::WA_OpaquePaintEvent);  // the plot fills it
+  connect(plot_, &QCustomPlot::afterReplot, this, [this] { OnDrawn(); });
   FitAxes();
 }
 
@@ -282,9 +268,11 @@ void GraphPlot::Plot(const GraphView& graph, int element) {
 }
 
 void GraphPlot::AddCurve(const GraphElement& element) {
-  const std::vector<GraphPoint> points = DrawablePoints(element);
+  std::vector<GraphPoint> kept;
+  Points points = DrawablePoints(element.points, kept);
   const QPen pen = CurvePen(element, points.size());
   const bool bars = element.style == GraphElement::Style::Bars;
+  if (bars) points = AscendingPoints(points, kept);
   Curve curve{nullptr, ExtentOf(points), bars && !points.empty()};
   curve.plottable = bars ? AddBars(*plot_, points, pen, curve.extent) : AddLine(*plot_, points, pen);
   curves_.push_back(curve);

@@ -54,6 +54,9 @@ class GraphPlot : public QWidget {
   QSize sizeHint() const override { return {960, 640}; }
 
  protected:
+  // The plot has been drawn anew, after any change of range, curves or size: pixels have other coordinates.
+  virtual void OnDrawn() {}
+
   void resizeEvent(QResizeEvent* event) override;
 
  private:

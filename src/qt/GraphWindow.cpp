@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "picture/Picture.h"
 #include "plot/GraphCsv.h"
@@ -25,23 +26,31 @@ constexpr double kPictureScale = 2.0;  // a saved picture is fine enough to be p
 constexpr const char* kHint =
     "Wheel: zoom \u00b7 Drag: move \u00b7 Right drag: rectangle \u00b7 Double click: all";
 constexpr const char* kLongHint =
-    "Wheel: zoom, over the numbers of an axis along it\n"
-    "Drag: move\n"
-    "Right drag, Shift+drag: zoom to a rectangle\n"
+    "Wheel: zoom around the pointer, over the numbers of an axis along it\n"
+    "Up, Down: zoom around the centre\n"
+    "Drag, Left, Right: move\n"
+    "Right drag, Shift+drag: zoom to a rectangle, a thin one along its long side\n"
     "Double click, Home: show all curves\n"
-    "Up, Down, Left, Right: zoom and move\n"
     "Esc: hide";
+constexpr int kHintIndent = 8;
 
-// A label that gives way where there is little room.
-QLabel* MakeHint() {
-  auto* hint = new QLabel(kHint);
-  hint->setObjectName("hint");
-  hint->setToolTip(kLongHint);
-  hint->setForegroundRole(QPalette::PlaceholderText);
-  hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-  hint->setIndent(8);
-  return hint;
-}
+// A label that gives way: it shows as much of the hint as there is room for.
+class CHint : public QLabel {
+ public:
+  CHint() {
+    setObjectName("hint");
+    setToolTip(kLongHint);
+    setForegroundRole(QPalette::PlaceholderText);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    setIndent(kHintIndent);
+  }
+
+ protected:
+  void resizeEvent(QResizeEvent*) override {
+    const int room = contentsRect().width() - kHintIndent;
+    setText(fontMetrics().elidedText(kHint, Qt::ElideRight, std::max(room, 0)));
+  }
+};
 
 }  // namespace
 
@@ -77,7 +86,7 @@ QWidget* CGraphWindow::MakeToolRow() {
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 4, 0);
   layout->addWidget(buttons);
-  layout->addWidget(MakeHint(), 1);
+  layout->addWidget(new CHint, 1);
   return row;
 }
 
@@ -121,30 +130,43 @@ void CGraphWindow::Reset() {
 }
 
 void CGraphWindow::SaveAsPng() {
-  const auto path = AskPath("PNG Images", ".png");
-  if (!path) return;
-  const WaitCursor wait;
-  if (!WritePng(pane_->DrawPicture(pane_->size(), kPictureScale), *path)) ShowWarning(WriteErrorText(*path));
+  Save(png_, [this](const std::string& path) {
+    return WritePng(pane_->DrawPicture(pane_->size(), kPictureScale), path);
+  });
 }
 
 void CGraphWindow::SaveAsCsv() {
-  const auto path = AskPath("Comma-Separated Values", ".csv");
+  Save(csv_, [this](const std::string& path) { return WriteGraphCsv(graph_->GetElements(), path); });
+}
+
+void CGraphWindow::Save(FileKind& kind, const std::function<bool(const std::string& path)>& write) {
+  const auto path = AskPath(kind);
   if (!path || !graph_) return;
-  const WaitCursor wait;
-  if (!WriteGraphCsv(graph_->GetElements(), *path)) ShowWarning(WriteErrorText(*path));
+  WaitCursor wait;
+  const bool saved = write(*path);
+  wait.End();
+  kind.failedPath = saved ? "" : *path;
+  if (saved) {
+    Ui().SetStatusText(0, "Saved " + *path);
+  } else {
+    ShowWarning(WriteErrorText(*path));
+  }
 }
 
 void CGraphWindow::Hide() {
-  if (onHide) onHide();
+  if (!onHide) return;
+  onHide();
+  Ui().SetStatusText(0, "Graph hidden; the right-button menu shows it again");
 }
 
-std::optional<std::string> CGraphWindow::AskPath(const std::string& kind, const std::string& extension) {
+std::optional<std::string> CGraphWindow::AskPath(const FileKind& kind) {
   if (!graph_) return std::nullopt;
+  const std::string& extension = kind.extension;
   FileChooser chooser;
   chooser.mode = FileChooser::Mode::Save;
-  chooser.filter = kind + " (*" + extension + ")|*" + extension + "|All Files (*.*)|*.*|";
+  chooser.filter = kind.name + " (*" + extension + ")|*" + extension + "|All Files (*.*)|*.*|";
   chooser.defaultExtension = extension;
-  chooser.defaultName = graph_->GetTitle() + extension;
+  chooser.defaultName = kind.failedPath.empty() ? graph_->GetTitle() + extension : kind.failedPath;
   chooser.title = "Save Graph";
   return browse_(chooser);
 }

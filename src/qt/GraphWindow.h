@@ -51,11 +51,21 @@ class CGraphWindow : public QWidget {
   void SaveAsPng();
   void SaveAsCsv();
   void Hide();
-  std::optional<std::string> AskPath(const std::string& kind, const std::string& extension);
+
+  // A kind of file that the graph is saved as.
+  struct FileKind {
+    std::string name;
+    std::string extension;
+    std::string failedPath;  // of the last saving, if it failed: offered again
+  };
+  void Save(FileKind& kind, const std::function<bool(const std::string& path)>& write);
+  std::optional<std::string> AskPath(const FileKind& kind);
 
   const GraphView* graph_;
   Browser browse_;
   CPlotPane* pane_;
+  FileKind png_{"PNG Images", ".png", ""};
+  FileKind csv_{"Comma-Separated Values", ".csv", ""};
   std::vector<QAction*> items_;
 };
 

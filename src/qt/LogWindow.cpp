@@ -38,9 +38,15 @@ void CLogWindow::Append(const QString& text) {
   cursor.movePosition(QTextCursor::End);
   cursor.insertText(text);
   if (atEnd) bar.setValue(bar.maximum());
-  if (painted_.isValid() && painted_.elapsed() < kPaintInterval) return;
+  pending_ = true;
+  if (!painted_.isValid() || painted_.elapsed() >= kPaintInterval) ShowAll();
+}
+
+void CLogWindow::ShowAll() {
+  if (!pending_) return;
   text_->viewport()->repaint();
   painted_.start();
+  pending_ = false;
 }
 
 QString CLogWindow::GetText() const {

@@ -13,13 +13,16 @@ class CLogWindow : public QDialog {
  public:
   CLogWindow(const QString& title, QWidget* parent);
 
+  // Not every text is painted before the call returns; ShowAll paints what is left.
   void Append(const QString& text);
+  void ShowAll();
 
   QString GetText() const;
 
  private:
   QPlainTextEdit* text_;
   QElapsedTimer painted_;  // since the last painting in the middle of a command
+  bool pending_ = false;   // some text may not be painted yet
 };
 
 }  // namespace corvane

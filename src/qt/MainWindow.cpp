@@ -1,11 +1,13 @@
 #include "qt/MainWindow.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QEventLoop>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScopedValueRollback>
@@ -42,6 +44,7 @@ class CSubWindow : public QMdiSubWindow {
   CSubWindow(CViewWindow* window, std::function<void()> onClose) : onClose_(std::move(onClose)) {
     setWidget(window);
     setWindowIcon(ProgramIcon());
+    ReleaseShortcuts();
   }
 
  protected:
@@ -51,6 +54,12 @@ class CSubWindow : public QMdiSubWindow {
   }
 
  private:
+  // The keys of its menu would be those of every window, and of the main window's items, at once: none of
+  // them would act.
+  void ReleaseShortcuts() {
+    for (QAction* action : systemMenu()->actions()) action->setShortcuts(QList<QKeySequence>());
+  }
+
   std::function<void()> onClose_;
 };
 
@@ -262,6 +271,7 @@ void CMainWindow::RunItem(const std::string& name) {
       {"Window > Arrange Icons", &CMainWindow::ArrangeIcons},
       {"Window > Next Pane", &CMainWindow::ActivateNext},
       {"Window > Previous Pane", &CMainWindow::ActivatePrevious},
+      {"Window > Close Window", &CMainWindow::CloseActiveWindow},
       {"Help > Help Topics", &CMainWindow::ShowHelpTopics},
       {"Help > About", &CMainWindow::ShowAbout},
   };

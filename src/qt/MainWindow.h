@@ -103,6 +103,7 @@ class CMainWindow : public QMainWindow {
   void ArrangeIcons();
   void ActivateNext();
   void ActivatePrevious();
+  void CloseActiveWindow();
   void ShowHelpTopics();
   void ShowAbout();
   void Exit();

@@ -14,7 +14,7 @@ namespace {
 
 constexpr double kZoomStep = 1.25;   // a notch of the wheel
 constexpr int kAnglePerNotch = 120;  // eighths of a degree
-constexpr int kSmallest = 4;         // pixels of a rectangle that is meant as one
+constexpr int kThin = 5;             // pixels: a rectangle less wide or high is meant as a part of an axis
 constexpr int kReadoutDistance = 14;
 constexpr const char* kReadoutStyle =
     "color: #222222; background: rgba(255, 255, 255, 225); border: 1px solid #b0b0b0; "
@@ -63,11 +63,33 @@ void CPlotPane::Move(QPointF distance) {
 }
 
 void CPlotPane::ZoomTo(const QRect& rectangle) {
-  const QRectF inside = rectangle & GetPlotArea();
-  if (inside.width() < kSmallest || inside.height() < kSmallest) return;
-  const GraphPoint topLeft = PointAt(inside.topLeft());
-  const GraphPoint bottomRight = PointAt(inside.bottomRight());
-  SetRange({topLeft.x, bottomRight.x, bottomRight.y, topLeft.y});
+  const QRectF part = PartToShow(rectangle);
+  if (part.isEmpty()) return;
+  const QRect area = GetPlotArea();
+  const GraphPoint topLeft = PointAt(part.topLeft());
+  const GraphPoint bottomRight = PointAt(part.bottomRight());
+  GraphRange range = GetRange();
+  if (part.width() < area.width()) {
+    range.minX = topLeft.x;
+    range.maxX = bottomRight.x;
+  }
+  if (part.height() < area.height()) {
+    range.minY = bottomRight.y;
+    range.maxY = topLeft.y;
+  }
+  SetRange(range);
+}
+
+// What a rectangle means: a thin one goes across the whole plot, a speck is nothing.
+QRect CPlotPane::PartToShow(const QRect& rectangle) const {
+  const QRect area = GetPlotArea();
+  QRect part = rectangle & area;
+  const bool narrow = part.width() < kThin;
+  const bool low = part.height() < kThin;
+  if (narrow && low) return {};
+  if (narrow) part = QRect(area.left(), part.top(), area.width(), part.height());
+  if (low) part = QRect(part.left(), area.top(), part.width(), area.height());
+  return part;
 }
 
 void CPlotPane::wheelEvent(QWheelEvent* event) {
@@ -80,7 +102,7 @@ void CPlotPane::wheelEvent(QWheelEvent* event) {
   if (place.x() < area.left()) axes = Qt::Vertical;
   if (place.y() > area.bottom()) axes = Qt::Horizontal;
   Zoom(place, std::pow(kZoomStep, -static_cast<double>(angle) / kAnglePerNotch), axes);
-  ShowReadout(place.toPoint());
+  FollowPointer(place.toPoint());
 }
 
 void CPlotPane::mousePressEvent(QMouseEvent* event) {
@@ -98,21 +120,23 @@ void CPlotPane::mouseMoveEvent(QMouseEvent* event) {
   const QPoint place = event->position().toPoint();
   if (drag_ == Drag::Move) Move(place - last_);
   if (drag_ == Drag::Rectangle) {
-    band_->setGeometry(QRect(pressed_, place).normalized() & GetPlotArea());
-    band_->show();
+    const QRect part = PartToShow(QRect(pressed_, place).normalized());
+    band_->setGeometry(part);
+    band_->setVisible(!part.isEmpty());
   }
   last_ = place;
-  ShowReadout(place);
+  FollowPointer(place);
 }
 
 void CPlotPane::mouseReleaseEvent(QMouseEvent* event) {
   const QPoint place = event->position().toPoint();
   const Drag drag = drag_;
   EndDrag();
-  if (drag == Drag::Rectangle) ZoomTo(QRect(pressed_, place).normalized());
+  if (drag == Drag::None) return;
   const bool click = (place - pressed_).manhattanLength() < QApplication::startDragDistance();
-  if (drag != Drag::None && click && event->button() == Qt::RightButton && onMenu) {
-    HideReadout();
+  if (drag == Drag::Rectangle && !click) ZoomTo(QRect(pressed_, place).normalized());
+  if (click && event->button() == Qt::RightButton && onMenu) {
+    ForgetPointer();  // it is over the menu
     onMenu(event->globalPosition().toPoint());
   }
 }
@@ -122,12 +146,17 @@ void CPlotPane::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void CPlotPane::leaveEvent(QEvent*) {
-  HideReadout();
+  ForgetPointer();
 }
 
 void CPlotPane::hideEvent(QHideEvent*) {
   EndDrag();
-  HideReadout();
+  ForgetPointer();
+}
+
+// Another point may have come under the pointer.
+void CPlotPane::OnDrawn() {
+  ShowReadout();
 }
 
 void CPlotPane::EndDrag() {
@@ -136,12 +165,23 @@ void CPlotPane::EndDrag() {
   unsetCursor();
 }
 
+void CPlotPane::FollowPointer(QPoint place) {
+  pointer_ = place;
+  ShowReadout();
+}
+
+void CPlotPane::ForgetPointer() {
+  pointer_.reset();
+  HideReadout();
+}
+
 // Beside the pointer, on the side where there is room.
-void CPlotPane::ShowReadout(QPoint place) {
-  if (!GetPlotArea().contains(place)) {
+void CPlotPane::ShowReadout() {
+  if (!pointer_ || !GetPlotArea().contains(*pointer_)) {
     HideReadout();
     return;
   }
+  const QPoint place = *pointer_;
   const QString text = ReadoutAt(place);
   readout_->setText(text);
   readout_->adjustSize();

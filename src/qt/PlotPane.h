@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "plot/GraphPlot.h"
 
@@ -11,7 +12,8 @@ namespace corvane {
 
 // A plot that a person moves about in: the wheel zooms around the pointer, over the numbers of an axis along
 // that axis alone; dragging with the left button moves the curves, with the right one or with Shift it zooms
-// to a rectangle; a double click shows everything again. The coordinates under the pointer stand beside it.
+// to a rectangle, to a thin one along its long side alone; a double click shows everything again. The
+// coordinates under the pointer stand beside it.
 class CPlotPane : public GraphPlot {
  public:
   explicit CPlotPane(QWidget* parent = nullptr);
@@ -28,7 +30,8 @@ class CPlotPane : public GraphPlot {
   void ZoomAtCentre(double factor);
   // Moves the curves by that many pixels.
   void Move(QPointF distance);
-  // Shows what lies in a rectangle of pixels.
+  // Shows what lies in a rectangle of pixels. A thin one tells a part of one axis, and the other axis stays;
+  // a speck changes nothing.
   void ZoomTo(const QRect& rectangle);
 
  protected:
@@ -39,19 +42,24 @@ class CPlotPane : public GraphPlot {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void leaveEvent(QEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  void OnDrawn() override;
 
  private:
   enum class Drag { None, Move, Rectangle };
 
   void EndDrag();
-  void ShowReadout(QPoint place);
+  QRect PartToShow(const QRect& rectangle) const;
+  void FollowPointer(QPoint place);
+  void ForgetPointer();
+  void ShowReadout();
   void HideReadout();
 
   QLabel* readout_;
   QRubberBand* band_;
   Drag drag_ = Drag::None;
-  QPoint pressed_;  // where the drag began
-  QPoint last_;     // and where it was last
+  QPoint pressed_;                 // where the drag began
+  QPoint last_;                    // and where it was last
+  std::optional<QPoint> pointer_;  // nothing while it is elsewhere
 };
 
 }  // namespace corvane

@@ -103,11 +103,19 @@ SaveChoice QtFrontEnd::AskSaveChanges(const std::string& documentTitle) {
   }
 }
 
+void QtFrontEnd::ShowLogs() {
+  for (const auto& [log, window] : logs_) {
+    if (window) window->ShowAll();
+  }
+}
+
 void QtFrontEnd::SetStatusText(int pane, const std::string& text) {
+  ShowLogs();
   if (mainWindow_) mainWindow_->SetStatusText(pane, text);
 }
 
 void QtFrontEnd::SetWaitCursor(bool on) {
+  ShowLogs();
   waiting_ += on ? 1 : -1;
   if (on && waiting_ == 1) QApplication::setOverrideCursor(Qt::WaitCursor);
   if (!on && waiting_ == 0) QApplication::restoreOverrideCursor();

@@ -57,6 +57,8 @@ class QtFrontEnd : public FrontEnd {
  private:
   QWidget* DialogParent() const;
   int Show(QDialog& dialog);
+  // Paints what the log windows have not shown yet: the command may say nothing more for long.
+  void ShowLogs();
   std::optional<std::string> Browse(const FileChooser& chooser);
 
   CMainWindow* mainWindow_ = nullptr;

@@ -22,6 +22,7 @@ std::span<const StandardItem> StandardItems() {
       {"Help", "&About", "Display program information, version number and copyright"},
       {"Window", "Next Pane", "Switch to the next window pane"},
       {"Window", "Previous Pane", "Switch back to the previous window pane"},
+      {"Window", "Close Window", "Close the active window; prompts to save its document"},
   };
   return kItems;
 }
@@ -32,14 +33,24 @@ std::string ItemName(const StandardItem& item) {
 
 std::span<const Accelerator> Accelerators() {
   static constexpr Accelerator kAccelerators[] = {
-      {"File > New", "Ctrl+N"},     {"File > Open", "Ctrl+O"},
-      {"File > Save", "Ctrl+S"},    {"File > Print", "Ctrl+P"},
-      {"Edit > Undo", "Ctrl+Z"},    {"Edit > Undo", "Alt+Backspace"},
-      {"Edit > Cut", "Ctrl+X"},     {"Edit > Cut", "Shift+Del"},
-      {"Edit > Copy", "Ctrl+C"},    {"Edit > Copy", "Ctrl+Ins"},
-      {"Edit > Paste", "Ctrl+V"},   {"Edit > Paste", "Shift+Ins"},
-      {"Window > Next Pane", "F6"}, {"Window > Previous Pane", "Shift+F6"},
-      {"Help > Help Topics", "F1"}, {"Help > Help Topics", "Shift+F1"},
+      {"File > New", "Ctrl+N"},
+      {"File > Open", "Ctrl+O"},
+      {"File > Save", "Ctrl+S"},
+      {"File > Print", "Ctrl+P"},
+      {"Edit > Undo", "Ctrl+Z"},
+      {"Edit > Undo", "Alt+Backspace"},
+      {"Edit > Cut", "Ctrl+X"},
+      {"Edit > Cut", "Shift+Del"},
+      {"Edit > Copy", "Ctrl+C"},
+      {"Edit > Copy", "Ctrl+Ins"},
+      {"Edit > Paste", "Ctrl+V"},
+      {"Edit > Paste", "Shift+Ins"},
+      {"Window > Next Pane", "F6"},
+      {"Window > Previous Pane", "Shift+F6"},
+      {"Window > Close Window", "Ctrl+W"},
+      {"Window > Close Window", "Ctrl+F4"},
+      {"Help > Help Topics", "F1"},
+      {"Help > Help Topics", "Shift+F1"},
   };
   return kAccelerators;
 }

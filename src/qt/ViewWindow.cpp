@@ -29,6 +29,12 @@ void SetScrollBar(QScrollBar& bar, std::int32_t size, int shown, std::int64_t po
   bar.setValue(static_cast<int>(std::min<std::int64_t>(position, bar.maximum())));
 }
 
+// What there is to scroll: nothing of a TIN that is not painted any more.
+PixelSize ContentSize(const WindowView& view) {
+  const auto* tinView = dynamic_cast<const CCorvaneView*>(&view);
+  return tinView && !tinView->paintEnabled ? PixelSize{} : view.GetScrollSize();
+}
+
 // A scroll bar's value moved by a distance, without overflow near its far end.
 void MoveScrollBar(QScrollBar& bar, int distance) {
   const std::int64_t value = std::int64_t{bar.value()} + distance;
@@ -58,8 +64,9 @@ int ViewKey(const QKeyEvent& event) {
 QString WhyEmpty(const WindowView& view) {
   const auto* tinView = dynamic_cast<const CCorvaneView*>(&view);
   if (!tinView || tinView->HasPicture()) return {};
-  return tinView->GetDocument().GetTIN().IsStored() ? "Not painted: the TIN was loaded for a command"
-                                                    : "No TIN";
+  return tinView->GetDocument().GetTIN().IsStored()
+             ? "Not painted since a comparison; Window > New Window shows the TIN"
+             : "No TIN";
 }
 
 CViewWindow::CViewWindow(WindowView& view) : view_(&view) {
@@ -126,14 +133,14 @@ void CViewWindow::UpdateScrollBars() {
 
 // The viewport's size; where everything fits without scroll bars, the size without them.
 QSize CViewWindow::ShownSize() const {
-  const PixelSize content = view_->GetScrollSize();
+  const PixelSize content = ContentSize(*view_);
   const QSize whole = maximumViewportSize();
   const bool fits = content.width <= whole.width() && content.height <= whole.height();
   return fits ? whole : viewport()->size();
 }
 
 void CViewWindow::SetScrollBars(QSize shown) {
-  const PixelSize content = view_->GetScrollSize();
+  const PixelSize content = ContentSize(*view_);
   const PixelPoint position = view_->GetScrollPosition();
   SetScrollBar(*horizontalScrollBar(), content.width, shown.width(), position.x);
   SetScrollBar(*verticalScrollBar(), content.height, shown.height(), position.y);

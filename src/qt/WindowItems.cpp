@@ -34,12 +34,15 @@ constexpr const char* kHelpText =
     "<tr><td>wheel, with an exam open</td><td>exam point up, down</td></tr>"
     "<tr><td>menu of the right button</td><td>show the hidden graph</td></tr>"
     "<tr><td>F6, Shift + F6</td><td>next window, previous window</td></tr>"
+    "<tr><td>Ctrl + W, Ctrl + F4</td><td>close the window</td></tr>"
     "</table>"
     "<p><b>In a graph</b></p>"
     "<table cellspacing='0' cellpadding='3'>"
-    "<tr><td>wheel, Up, Down</td><td>zoom; over the numbers of an axis along it</td></tr>"
+    "<tr><td>wheel</td><td>zoom around the pointer; over the numbers of an axis along it</td></tr>"
+    "<tr><td>Up, Down</td><td>zoom around the centre</td></tr>"
     "<tr><td>drag with the left button, Left, Right</td><td>move</td></tr>"
-    "<tr><td>drag with the right button, Shift + drag</td><td>zoom to a rectangle</td></tr>"
+    "<tr><td>drag with the right button, Shift + drag</td><td>zoom to a rectangle; a thin one along its "
+    "long side</td></tr>"
     "<tr><td>double click, Home</td><td>show all curves</td></tr>"
     "<tr><td>click with the right button</td><td>save as PNG or CSV, hide</td></tr>"
     "<tr><td>Esc</td><td>hide the graph</td></tr>"
@@ -101,6 +104,10 @@ void CMainWindow::ActivateNext() {
 
 void CMainWindow::ActivatePrevious() {
   area_->activatePreviousSubWindow();
+}
+
+void CMainWindow::CloseActiveWindow() {
+  area_->closeActiveSubWindow();
 }
 
 void CMainWindow::ListWindows() {

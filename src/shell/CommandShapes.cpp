@@ -1,6 +1,7 @@
 #include "shell/CommandShapes.h"
 
 #include "io/InputFile.h"
+#include "shell/ChildFrm.h"
 
 namespace corvane {
 
@@ -18,7 +19,7 @@ void ShowChangedTin(CCorvaneView& view) {
 }
 
 void RedrawTin(CCorvaneView& view) {
-  view.Invalidate();
+  for (const auto& frame : view.GetDocument().GetFrames()) frame->GetView().Invalidate();
   view.UpdateWindow();
   Ui().ActivateWindow(view);
 }

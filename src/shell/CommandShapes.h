@@ -24,7 +24,8 @@ CommandResult RunOnLoadedTin(CCorvaneView& view, const std::function<bool()>& as
 // shows "No TIN Read! Please load a TIN first!" where there is none.
 bool HasLoadedTin(CCorvaneView& view);
 void ShowChangedTin(CCorvaneView& view);
-// Repaints the view and gives it the focus, with the document's modified flag as it was.
+// Repaints the views of the document, this one at once, and gives it the focus, with the modified flag as it
+// was.
 void RedrawTin(CCorvaneView& view);
 
 // Shape B, the file-to-file command: shows the choosers in order. Nothing as soon as one is cancelled.

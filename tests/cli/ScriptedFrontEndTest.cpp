@@ -218,6 +218,29 @@ TEST_F(ScriptedFrontEndTest, LogGoesToStandardErrorUnlessQuiet) {
   EXPECT_EQ(out_.str(), "");
 }
 
+TEST_F(ScriptedFrontEndTest, LogTextWithoutALineEndKeepsItsLineToItself) {
+  const FakeLog log;
+  ScriptedFrontEnd frontEnd(console_, {.trace = true}, [] {});
+  frontEnd.OpenLog(log);
+  frontEnd.AppendToLog(log, "row 1: ");
+  frontEnd.AppendToLog(log, "0.5");
+  frontEnd.ShowMessage(MessageKind::Warning, MessageButtons::Ok, "box");
+  frontEnd.AppendToLog(log, "row 2");
+  frontEnd.SetStatusText(0, "status");
+  frontEnd.AppendToLog(log, "row 3");
+  frontEnd.Trace("trace\n");
+  frontEnd.AppendToLog(log, "row 4");
+  frontEnd.SetAnswers({"left"});
+  EXPECT_FALSE(frontEnd.FinishAnswers());
+  frontEnd.AppendToLog(log, "row 5");
+  frontEnd.AppendToLog(log, "");
+  frontEnd.CloseLog(log);
+  frontEnd.ShowMessage(MessageKind::Message, MessageButtons::Ok, "end");
+  EXPECT_EQ(err_.str(),
+            "row 1: 0.5\nwarning: box\nrow 2\nstatus\nrow 3\ntrace\nrow 4\n"
+            "corvane-cli: no prompt asked for the answer \"left\"\nrow 5\nmessage: end\n");
+}
+
 TEST(Console, PrintOnATerminalClearsTheStatusTextFirst) {
   std::ostringstream terminal;
   Console console(terminal, terminal, true, true);

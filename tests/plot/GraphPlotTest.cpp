@@ -121,6 +121,25 @@ TEST(GraphPlot, BarsStandBetweenNeighboursFromZeroUp) {
   ExpectRange(plotted.plot, {-0.06, 3.06, 0.0, 10.5});
 }
 
+// Many narrow bars, one of them far higher than its neighbours.
+TEST(GraphPlot, NarrowBarsHaveNoSpikesAboveThem) {
+  for (const int width : {1, 3}) {
+    GraphElement bars = {{}, kRed, width, GraphElement::Style::Bars};
+    for (int i = 0; i < 600; ++i) bars.points.push_back({i * 1.0, i == 300 ? 1000.0 : 100.0 + i % 7 * 50.0});
+    const Plotted plotted{GraphData({bars})};
+    const QImage image = plotted.plot.DrawPicture({400, 300}, 2.0);
+    const double top = 2.0 * plotted.plot.PixelOf({300, 1000}).y();
+    int highest = image.height();
+    for (int y = image.height() - 1; y >= 0; --y) {
+      for (int x = 0; x < image.width(); ++x) {
+        if (image.pixel(x, y) == kRedPixel) highest = y;
+      }
+    }
+    EXPECT_GE(highest, top - 2.0 * width);
+    EXPECT_LE(highest, top + 2.0 * width);
+  }
+}
+
 TEST(GraphPlot, BarsLeaveGapsOpen) {
   const Plotted plotted(GraphData({{{{0, 10}, {1, 10}, {8, 10}}, kRed, 1, GraphElement::Style::Bars}}));
   EXPECT_TRUE(plotted.HasLine(kRedPixel, 1.5, 10));
@@ -133,6 +152,8 @@ TEST(GraphPlot, BarsOfUnorderedPointsAreTheSame) {
   const Plotted ordered(GraphData({{{{0, 10}, {1, 4}, {2, 8}}, kRed, 1, kBars}}));
   const Plotted shuffled(GraphData({{{{2, 8}, {0, 10}, {1, 4}}, kRed, 1, kBars}}));
   EXPECT_EQ(ordered.image, shuffled.image);
+  const Plotted holed(GraphData({{{{2, 8}, {NAN, 5}, {0, 10}, {1, 4}}, kRed, 1, kBars}}));
+  EXPECT_EQ(ordered.image, holed.image) << "also where a point is left out";
 }
 
 TEST(GraphPlot, ManyBarsAreSteps) {
@@ -205,6 +226,61 @@ TEST(GraphPlot, RangesThatCanNotBeShownAreNotTaken) {
     plotted.plot.SetRange(wrong);
     ExpectRange(plotted.plot, {1, 2, 3, 4});
   }
+}
+
+// The widths of the numbers under the x axis, in pixels. Gaps of that many columns part them.
+std::vector<int> NumbersOfX(const Plotted& plotted) {
+  constexpr int kGap = 10;
+  const int top = plotted.plot.GetPlotArea().bottom() + 8;
+  std::vector<int> widths;
+  int start = -1;
+  int last = -kGap;
+  for (int x = 0; x < plotted.image.width(); ++x) {
+    bool dark = false;
+    for (int y = top; y < plotted.image.height(); ++y) dark |= qGreen(plotted.image.pixel(x, y)) < 160;
+    if (!dark) continue;
+    if (x - last >= kGap && start >= 0) widths.push_back(last - start + 1);
+    if (x - last >= kGap) start = x;
+    last = x;
+  }
+  if (start >= 0) widths.push_back(last - start + 1);
+  return widths;
+}
+
+TEST(GraphPlot, NumbersOfTheXAxisNeverTouch) {
+  QFont font("DejaVu Sans");
+  font.setPixelSize(12);
+  const QFontMetrics metrics(font);
+  struct Case {
+    double middle, half;
+    const char* widest;  // as wide as any number of the range
+  };
+  // 636001.8 with as small a range as can be shown, and numbers around 0 with a far smaller one.
+  for (const Case& shown :
+       {Case{636001.8, 5e9, "-10000000000"}, Case{636001.8, 1e14, "-100000000000000"},
+        Case{636001.8, 1e20, "-2.5e+20"}, Case{636001.8, 5e-7, "636001.80000025"},
+        Case{636001.8, 0.5, "636001.88"}, Case{0, 5e-10, "-0.000000001"}, Case{0, 0.05, "-0.004"}}) {
+    for (const int width : {250, 400, 700, 960}) {
+      Plotted plotted{GraphData()};
+      plotted.plot.resize(width, 300);
+      plotted.plot.SetRange({shown.middle - shown.half, shown.middle + shown.half, -1e9, 3e9});
+      ASSERT_NEAR(plotted.plot.GetRange().maxX - shown.middle, shown.half, 1e-6 * shown.half + 1e-10);
+      plotted.Paint();
+      const std::vector<int> widths = NumbersOfX(plotted);
+      EXPECT_GE(widths.size(), width < 700 ? 1u : 2u) << shown.half << ", " << width;
+      for (const int number : widths) {
+        EXPECT_LE(number, metrics.horizontalAdvance(shown.widest) + 2) << shown.half << ", " << width;
+      }
+    }
+  }
+}
+
+TEST(GraphPlot, RangeSmallerThanItsNumbersTellApartIsNotTaken) {
+  Plotted plotted(GraphData({{{{636001, 0}, {636002, 10}}, kRed}}));
+  const GraphRange before = plotted.plot.GetRange();
+  plotted.plot.SetRange({636001.8 - 5e-10, 636001.8 + 5e-10, 0, 10});
+  EXPECT_EQ(plotted.plot.GetRange().minX, before.minX);
+  EXPECT_EQ(plotted.plot.GetRange().maxX, before.maxX);
 }
 
 TEST(GraphPlot, PixelsAndPointsAreTheSamePlaces) {

@@ -2,108 +2,24 @@
 
 #include "qt/GraphWindow.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QAction>
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QImage>
 #include <QLabel>
 #include <QMdiSubWindow>
-#include <QMenu>
-#include <QMouseEvent>
 #include <QRubberBand>
 #include <QScrollBar>
 #include <QStatusBar>
-#include <QTimer>
-#include <QWheelEvent>
-#include <filesystem>
 
-#include "cli/ScriptRecorder.h"
+#include "qt/GraphBench.h"
 #include "qt/ModalScript.h"
-#include "qt/PlotPane.h"
-#include "qt/Workbench.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr Colour kRed{255, 0, 0};
-const std::vector<double> kXs = {0.0, 100.0};
-const std::vector<double> kYs = {0.0, 1000.0};
-
-class GraphWindowTest : public testing::Test {
- protected:
-  GraphWindowTest() {
-    WriteSquareTin("square.tin", 2000.0);
-    bench_.Open("square.tin");
-  }
-
-  void Plot() {
-    ASSERT_EQ(bench_.ActiveView().PlotSeries(-1, kXs, kYs, kRed, 3), 0);
-    QApplication::processEvents();
-  }
-
-  CViewWindow& Window() { return bench_.ActiveWindow(); }
-  CGraphWindow& Graph() { return *Window().GetGraph(); }
-  CPlotPane& Pane() { return Graph().GetPane(); }
-  QPoint PlaceOf(double x, double y) { return Pane().PixelOf({x, y}).toPoint(); }
-
-  void Mouse(QEvent::Type type, QPoint at, Qt::MouseButton button,
-             Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    const bool held = type != QEvent::MouseButtonRelease;
-    QMouseEvent event(type, at, Pane().mapToGlobal(at), type == QEvent::MouseMove ? Qt::NoButton : button,
-                      held ? button : Qt::NoButton, modifiers);
-    QApplication::sendEvent(&Pane(), &event);
-  }
-
-  void DragMouse(QPoint from, QPoint to, Qt::MouseButton button,
-                 Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    Mouse(QEvent::MouseButtonPress, from, button, modifiers);
-    Mouse(QEvent::MouseMove, (from + to) / 2, button, modifiers);
-    Mouse(QEvent::MouseMove, to, button, modifiers);
-    Mouse(QEvent::MouseButtonRelease, to, button, modifiers);
-  }
-
-  void Wheel(QPoint at, int angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    QWheelEvent event(at, Pane().mapToGlobal(at), QPoint(), QPoint(0, angle), Qt::NoButton, modifiers,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&Pane(), &event);
-  }
-
-  void ChooseItem(const char* text) {
-    for (QAction* item : Graph().GetItems()) {
-      if (item->text() == text) return item->trigger();
-    }
-    ADD_FAILURE() << "no item " << text;
-  }
-
-  // Chooses an item of the menu that opens next; notes what it holds.
-  void AnswerMenu(const char* text, QStringList& items) {
-    QTimer::singleShot(20, &bench_.window, [text, &items] {
-      auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-      ASSERT_NE(menu, nullptr);
-      QAction* chosen = nullptr;
-      for (QAction* item : menu->actions()) {
-        items.append(item->text());
-        if (item->text() == text) chosen = item;
-      }
-      if (chosen) chosen->trigger();
-      menu->close();
-    });
-  }
-
-  void ExpectAll() {
-    const GraphRange range = Pane().GetRange();
-    EXPECT_NEAR(range.minX, -2.0, 1e-9);
-    EXPECT_NEAR(range.maxX, 102.0, 1e-9);
-    EXPECT_NEAR(range.minY, -50.0, 1e-9);
-    EXPECT_NEAR(range.maxY, 1050.0, 1e-9);
-  }
-
-  Workbench bench_;
-};
+using GraphWindowTest = GraphBench;
 
 TEST_F(GraphWindowTest, CoversTheDrawingAndItsScrollBars) {
   EXPECT_EQ(Window().GetGraph(), nullptr);
@@ -131,6 +47,7 @@ TEST_F(GraphWindowTest, HiddenItShowsTheTinAndTheNextPlotShowsItAgain) {
   Plot();
   ChooseItem("Hide");
   EXPECT_FALSE(Window().IsGraphShown());
+  EXPECT_EQ(bench_.window.GetStatusPanes().GetText(0), "Graph hidden; the right-button menu shows it again");
   EXPECT_TRUE(Window().verticalScrollBar()->isVisible());
   EXPECT_EQ(Window().grab().toImage().pixelColor(50, 50), QColor(Qt::red)) << "the cut of the square";
   Plot();
@@ -229,8 +146,43 @@ TEST_F(GraphWindowTest, RectangleZoomsToWhatItHolds) {
 TEST_F(GraphWindowTest, RectangleThatIsNoneChangesNothing) {
   Plot();
   const QPoint from = PlaceOf(20, 800);
-  DragMouse(from, from + QPoint(2, 100), Qt::LeftButton, Qt::ShiftModifier);
-  ExpectAll();
+  for (const QPoint to : {QPoint(2, 3), QPoint(-3, -2), QPoint(0, 0)}) {
+    DragMouse(from, from + to, Qt::LeftButton, Qt::ShiftModifier);
+    Pane().ZoomTo(QRect(from, from + to).normalized());
+    Pane().ZoomTo(QRect(-50, -50, 20, 20));
+    ExpectAll();
+  }
+}
+
+TEST_F(GraphWindowTest, ThinRectangleZoomsAlongItsLongSideAlone) {
+  Plot();
+  const QPoint from = PlaceOf(20, 800);
+  const QPoint below = PlaceOf(20, 400);
+  DragMouse(from, below + QPoint(2, 0), Qt::LeftButton, Qt::ShiftModifier);
+  EXPECT_NEAR(Pane().GetRange().minX, -2.0, 1e-9);
+  EXPECT_NEAR(Pane().GetRange().maxX, 102.0, 1e-9);
+  EXPECT_NEAR(Pane().GetRange().minY, 400.0, 6.0);
+  EXPECT_NEAR(Pane().GetRange().maxY, 800.0, 6.0);
+  ChooseItem("Reset");
+  DragMouse(from, PlaceOf(60, 800) - QPoint(0, 2), Qt::RightButton);
+  EXPECT_NEAR(Pane().GetRange().minX, 20.0, 0.6);
+  EXPECT_NEAR(Pane().GetRange().maxX, 60.0, 0.6);
+  EXPECT_NEAR(Pane().GetRange().minY, -50.0, 1e-9);
+  EXPECT_NEAR(Pane().GetRange().maxY, 1050.0, 1e-9);
+}
+
+TEST_F(GraphWindowTest, BandShowsWhatAThinRectangleMeans) {
+  Plot();
+  const auto& band = *Pane().findChild<QRubberBand*>();
+  const QPoint from = PlaceOf(20, 800);
+  const QRect area = Pane().GetPlotArea();
+  Mouse(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::ShiftModifier);
+  Mouse(QEvent::MouseMove, from + QPoint(2, 2), Qt::LeftButton, Qt::ShiftModifier);
+  EXPECT_FALSE(band.isVisible());
+  Mouse(QEvent::MouseMove, from + QPoint(2, 60), Qt::LeftButton, Qt::ShiftModifier);
+  EXPECT_EQ(band.geometry(), QRect(area.left(), from.y(), area.width(), 61));
+  Mouse(QEvent::MouseMove, from + QPoint(70, 60), Qt::LeftButton, Qt::ShiftModifier);
+  EXPECT_EQ(band.geometry(), QRect(from, QSize(71, 61)));
 }
 
 TEST_F(GraphWindowTest, ButtonPressedInADragEndsIt) {
@@ -262,6 +214,81 @@ TEST_F(GraphWindowTest, ReadoutStandsBesideThePointerAndInTheStatusBar) {
   QApplication::sendEvent(&Pane(), &leave);
   EXPECT_FALSE(label->isVisible());
   EXPECT_EQ(bench_.window.statusBar()->currentMessage(), "");
+}
+
+// Whatever brings other coordinates under a pointer that rests.
+TEST_F(GraphWindowTest, ReadoutFollowsEveryChangeOfRange) {
+  Plot();
+  const QPoint place = PlaceOf(25, 250);
+  auto* label = Pane().findChild<QLabel*>("readout");
+  Mouse(QEvent::MouseMove, place, Qt::NoButton);
+  QString before = label->text();
+  const auto expectNew = [&](const char* after) {
+    QApplication::processEvents();
+    EXPECT_TRUE(label->isVisible()) << after;
+    EXPECT_NE(label->text(), before) << after;
+    EXPECT_EQ(label->text(), Pane().ReadoutAt(place)) << after;
+    EXPECT_EQ(bench_.window.statusBar()->currentMessage(), label->text()) << after;
+    before = label->text();
+  };
+  DragMouse(place - QPoint(60, 60), place, Qt::LeftButton, Qt::ShiftModifier);
+  expectNew("a rectangle");
+  Mouse(QEvent::MouseButtonDblClick, place, Qt::LeftButton);
+  expectNew("a double click");
+  for (const int key : {Qt::Key_Up, Qt::Key_Left, Qt::Key_Home, Qt::Key_Right}) {
+    PressKey(Window(), key);
+    expectNew("a key");
+  }
+  ChooseItem("Reset");
+  expectNew("Reset");
+  bench_.ActiveView().PlotSeries(-1, {{-500.0, 700.0}}, {{-50.0, 9000.0}}, kCurveColour, 1);
+  expectNew("a new plot");
+  auto& subWindow = *bench_.window.GetArea().activeSubWindow();
+  subWindow.resize(subWindow.size() - QSize(40, 30));
+  expectNew("a new size");
+}
+
+TEST_F(GraphWindowTest, ReadoutStaysHiddenWhereThePointerIsOutside) {
+  Plot();
+  auto* label = Pane().findChild<QLabel*>("readout");
+  const QPoint place = PlaceOf(25, 250);
+  const auto expectHidden = [&] {
+    for (const int key : {Qt::Key_Up, Qt::Key_Home}) PressKey(Window(), key);
+    QApplication::processEvents();
+    EXPECT_FALSE(label->isVisible());
+    EXPECT_EQ(bench_.window.statusBar()->currentMessage(), "");
+  };
+  expectHidden();  // it has never been in the graph
+  Mouse(QEvent::MouseMove, place, Qt::NoButton);
+  QEvent leave(QEvent::Leave);
+  QApplication::sendEvent(&Pane(), &leave);
+  expectHidden();
+  Mouse(QEvent::MouseMove, place, Qt::NoButton);
+  Mouse(QEvent::MouseMove, {2, 2}, Qt::NoButton);  // beside the axes
+  expectHidden();
+  QStringList items;
+  Mouse(QEvent::MouseMove, place, Qt::NoButton);
+  AnswerMenu("Reset", items);
+  Mouse(QEvent::MouseButtonPress, place, Qt::RightButton);
+  Mouse(QEvent::MouseButtonRelease, place, Qt::RightButton);
+  expectHidden();
+}
+
+TEST_F(GraphWindowTest, HintGivesWayWhereThereIsNoRoom) {
+  Plot();
+  auto& subWindow = *bench_.window.GetArea().activeSubWindow();
+  const auto* hint = Graph().findChild<QLabel*>("hint");
+  subWindow.resize(1100, 600);
+  QApplication::processEvents();
+  EXPECT_TRUE(hint->text().endsWith("Double click: all"));
+  for (const int width : {800, 600, 480, 400, 300}) {
+    subWindow.resize(width, 400);
+    QApplication::processEvents();
+    EXPECT_LE(hint->fontMetrics().horizontalAdvance(hint->text()), hint->width());
+    EXPECT_TRUE(hint->text().isEmpty() || hint->text().endsWith("all") || hint->text().endsWith("\u2026"))
+        << hint->text().toStdString();
+  }
+  EXPECT_TRUE(hint->toolTip().contains("Double click"));
 }
 
 TEST_F(GraphWindowTest, ArrowsAndHomeMoveTheGraphAndNotTheDrawing) {
@@ -302,71 +329,6 @@ TEST_F(GraphWindowTest, RightClickHasTheMenuOfTheRow) {
   Mouse(QEvent::MouseButtonRelease, place, Qt::RightButton);
   EXPECT_EQ(items, QStringList({"Reset", "Save as PNG...", "Save as CSV...", "Hide"}));
   ExpectAll();
-}
-
-TEST_F(GraphWindowTest, SavesWhatShowsAsPng) {
-  Plot();
-  ModalScript script({[](QWidget& dialog) {
-    EXPECT_EQ(dialog.windowTitle(), "Save Graph");
-    TypeInto(dialog, "fileNameEdit", "curve");
-    PressButton(dialog, "Save");
-  }});
-  ChooseItem("Save as PNG...");
-  const QImage image("curve.png");
-  EXPECT_EQ(image.size(), Pane().size() * 2);
-  EXPECT_EQ(image.pixelColor(PlaceOf(30, 300) * 2), QColor(Qt::red));
-}
-
-TEST_F(GraphWindowTest, SavesThePointsAsCsv) {
-  Plot();
-  bench_.ActiveView().PlotValues(-1, std::vector<double>{0.1}, kRed, 1);
-  ModalScript script({[](QWidget& dialog) {
-    TypeInto(dialog, "fileNameEdit", "curve");
-    PressButton(dialog, "Save");
-  }});
-  ChooseItem("Save as CSV...");
-  EXPECT_EQ(ReadFileBytes("curve.csv"), "element,x,y\n0,0,0\n0,100,1000\n1,0,0.1\n");
-}
-
-TEST_F(GraphWindowTest, CancelledSavingWritesNothing) {
-  Plot();
-  ModalScript script({[](QWidget& dialog) { PressKey(dialog, Qt::Key_Escape); }});
-  ChooseItem("Save as CSV...");
-  EXPECT_FALSE(std::filesystem::exists("Data Graph.csv"));
-}
-
-TEST_F(GraphWindowTest, FileThatCanNotBeWrittenIsTold) {
-  Plot();
-  for (const char* item : {"Save as PNG...", "Save as CSV..."}) {
-    ModalScript script({[](QWidget& dialog) {
-                          TypeInto(dialog, "fileNameEdit", "missing/graph.out");
-                          PressButton(dialog, "Save");
-                        },
-                        [](QWidget& box) {
-                          EXPECT_TRUE(BoxText(box).startsWith("Write file "));
-                          EXPECT_TRUE(BoxText(box).endsWith("missing/graph.out error!"));
-                          PressButton(box, "OK");
-                        }});
-    ChooseItem(item);
-  }
-}
-
-TEST_F(GraphWindowTest, SavingIsNoCommandOfARecord) {
-  ScriptRecorder recorder(bench_.frontEnd, "day.txt");
-  const InstalledFrontEnd installed(recorder);
-  // A window that was closed by hand with its changes saved: answers might still be taken for the saving's.
-  {
-    ModalScript script({Press("Save")});
-    recorder.AskSaveChanges("a.tin");
-  }
-  const std::string before = ReadFileBytes("day.txt");
-  Plot();
-  ModalScript script({[](QWidget& dialog) {
-    TypeInto(dialog, "fileNameEdit", "curve");
-    PressButton(dialog, "Save");
-  }});
-  ChooseItem("Save as CSV...");
-  EXPECT_EQ(ReadFileBytes("day.txt"), before);
 }
 
 TEST_F(GraphWindowTest, EachWindowHasItsOwnAndClosingDropsIt) {

@@ -6,6 +6,7 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 
+#include "qt/PaintCounter.h"
 #include "qt/Workbench.h"
 #include "shell/LogWnd.h"
 
@@ -65,6 +66,27 @@ TEST_F(LogWindowTest, APersonMayCloseItFirst) {
   log.Open();
   log.Append("seen\n");
   EXPECT_EQ(Shown()->GetText(), "seen\n");
+}
+
+// No event is processed in between, as in the middle of a command.
+TEST_F(LogWindowTest, TextThatCameFastIsPaintedWithTheNextSignOfLife) {
+  LogWnd log;
+  log.Open();
+  QApplication::processEvents();
+  PaintCounter painted(*Shown()->findChild<QPlainTextEdit*>()->viewport());
+  const auto appendFast = [&] {
+    for (const char* text : {"first\n", "second\n", "third\n"}) log.Append(text);
+    painted.Clear();
+  };
+  appendFast();
+  bench_.frontEnd.SetStatusText(0, "Row 5 of 10");
+  EXPECT_EQ(painted.Count(), 1);
+  bench_.frontEnd.SetStatusText(0, "Row 6 of 10");
+  EXPECT_EQ(painted.Count(), 1) << "there is nothing new";
+  appendFast();
+  bench_.frontEnd.SetWaitCursor(true);
+  EXPECT_EQ(painted.Count(), 1);
+  bench_.frontEnd.SetWaitCursor(false);
 }
 
 TEST_F(LogWindowTest, ManyLinesTakeNoTimeForPainting) {

@@ -12,6 +12,7 @@
 #include <QMimeData>
 #include <QPrinter>
 #include <QStatusBar>
+#include <QTest>
 #include <QToolBar>
 #include <QWindow>
 
@@ -103,6 +104,82 @@ TEST(MainWindow, ClosingAChangedDocumentAsks) {
   ModalScript script({Press("Don't Save")});
   SubWindow(bench, 0)->close();
   EXPECT_EQ(bench.WindowCount(), 0);
+}
+
+// Sends a key with Ctrl as the desktop does: shortcuts have it first.
+void PressWithCtrl(Workbench& bench, Qt::Key key) {
+  bench.window.activateWindow();
+  QApplication::processEvents();
+  QWidget* focus = QApplication::focusWidget();
+  QTest::keyClick(focus ? focus : &bench.window, key, Qt::ControlModifier);
+  QApplication::processEvents();
+}
+
+TEST(MainWindow, KeysCloseTheActiveWindowAlsoAMaximisedOne) {
+  for (const Qt::Key key : {Qt::Key_W, Qt::Key_F4}) {
+    for (const bool maximised : {false, true}) {
+      Workbench bench;
+      bench.Run("File > New");
+      if (maximised) SubWindow(bench, 1)->showMaximized();
+      QApplication::processEvents();
+      bench.ActiveView().GetDocument().SetModifiedFlag(true);
+      {
+        ModalScript script({Press("Cancel")});
+        PressWithCtrl(bench, key);
+        EXPECT_EQ(bench.WindowCount(), 2);
+      }
+      {
+        ModalScript script({Press("Don't Save")});
+        PressWithCtrl(bench, key);
+      }
+      EXPECT_EQ(bench.WindowCount(), 1);
+      EXPECT_EQ(bench.ActiveView().GetTitle(), "Corvane1");
+      PressWithCtrl(bench, key);
+      EXPECT_EQ(bench.WindowCount(), 0);
+      PressWithCtrl(bench, key);  // nothing is left to close
+      EXPECT_TRUE(bench.window.isVisible());
+    }
+  }
+}
+
+// A key of two actions would do nothing.
+TEST(MainWindow, NoKeysBelongToTwoActions) {
+  Workbench bench;
+  bench.Run("File > New");
+  SubWindow(bench, 1)->showMaximized();
+  QStringList keys;
+  for (const QAction* action : bench.window.findChildren<QAction*>()) {
+    for (const QKeySequence& sequence : action->shortcuts()) keys.append(sequence.toString());
+  }
+  EXPECT_EQ(keys.removeDuplicates(), 0);
+  EXPECT_TRUE(keys.contains("Ctrl+W"));
+  EXPECT_TRUE(keys.contains("Ctrl+F4"));
+}
+
+TEST(MainWindow, KeysCloseOneMaximisedWindowAfterTheOther) {
+  for (const Qt::Key key : {Qt::Key_W, Qt::Key_F4}) {
+    Workbench bench;
+    SubWindow(bench, 0)->showMaximized();
+    bench.Run("File > New");
+    bench.Choose("Window > New Window");
+    for (int i = 0; i < 3; ++i) SubWindow(bench, i)->showMaximized();
+    bench.Choose("Window > Next Pane");
+    bench.Choose("Window > Previous Pane");
+    for (int nLeft = 2; nLeft >= 0; --nLeft) {
+      PressWithCtrl(bench, key);
+      EXPECT_EQ(bench.WindowCount(), nLeft);
+    }
+  }
+}
+
+TEST(MainWindow, KeysCloseOneOfTwoWindowsOfADocument) {
+  Workbench bench;
+  bench.Choose("Window > New Window");
+  SubWindow(bench, 1)->showMaximized();
+  bench.ActiveView().GetDocument().SetModifiedFlag(true);
+  PressWithCtrl(bench, Qt::Key_W);
+  EXPECT_EQ(bench.WindowCount(), 1);
+  EXPECT_EQ(bench.app.GetDocuments().size(), 1u);
 }
 
 TEST(MainWindow, LeavingTheProgramAsksForEveryChangedDocument) {

@@ -10,7 +10,9 @@
 #include <QWheelEvent>
 
 #include "qt/ModalScript.h"
+#include "qt/PaintCounter.h"
 #include "qt/Workbench.h"
+#include "shell/CommandShapes.h"
 
 namespace corvane {
 
@@ -172,7 +174,40 @@ TEST_F(ViewWindowTest, ZoomTellsTheScale) {
 TEST_F(ViewWindowTest, TinLoadedForACommandIsNotPaintedAndSaysSo) {
   EXPECT_EQ(WhyEmpty(bench_.ActiveView()), "");
   bench_.ActiveView().paintEnabled = false;
-  EXPECT_EQ(WhyEmpty(bench_.ActiveView()), "Not painted: the TIN was loaded for a command");
+  EXPECT_EQ(WhyEmpty(bench_.ActiveView()),
+            "Not painted since a comparison; Window > New Window shows the TIN");
+}
+
+// A comparison that is cancelled at its points has taken the TIN for itself all the same.
+TEST_F(ViewWindowTest, TinThatAComparisonHasBlankedSaysHowToSeeItAgain) {
+  CViewWindow& window = bench_.ActiveWindow();
+  ZoomIn(window, 5);
+  EXPECT_GT(window.verticalScrollBar()->maximum(), 0);
+  {
+    ModalScript script({[](QWidget& dialog) { PressKey(dialog, Qt::Key_Escape); }});
+    bench_.Run("TIN > TIN/Points Comparing");
+  }
+  EXPECT_EQ(WhyEmpty(bench_.ActiveView()),
+            "Not painted since a comparison; Window > New Window shows the TIN");
+  EXPECT_EQ(window.verticalScrollBar()->maximum(), 0);
+  EXPECT_EQ(window.horizontalScrollBar()->maximum(), 0);
+  EXPECT_EQ(Painted(window).pixel(20, 20), kWhite);
+  bench_.Choose("Window > New Window");
+  EXPECT_EQ(WhyEmpty(bench_.ActiveView()), "");
+  EXPECT_EQ(Painted(bench_.ActiveWindow()).pixel(20, 20), kRed);
+}
+
+TEST_F(ViewWindowTest, CommandRepaintsEveryWindowOfTheDocument) {
+  CViewWindow& first = bench_.ActiveWindow();
+  bench_.Choose("Window > New Window");
+  bench_.Choose("Window > Tile");
+  QApplication::processEvents();
+  const PaintCounter painted(*first.viewport());
+  const PaintCounter paintedAtOnce(*bench_.ActiveWindow().viewport());
+  RedrawTin(bench_.ActiveView());
+  EXPECT_EQ(paintedAtOnce.Count(), 1);
+  QApplication::processEvents();
+  EXPECT_EQ(painted.Count(), 1);
 }
 
 TEST_F(ViewWindowTest, WheelMovesTheExamPoint) {

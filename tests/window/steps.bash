@@ -96,6 +96,15 @@ point_at() {
 point_away() { point_at 1279 899; }
 wheel_forward() { xdotool click 4; }
 right_click() { xdotool click 3; }
+double_click() { xdotool click --repeat 2 --delay 60 1; }
+
+# right_drag X Y X Y: from one place on screen to another with the right button held.
+right_drag() {
+  point_at "$1" "$2"
+  xdotool mousedown 3
+  point_at "$3" "$4"
+  xdotool mouseup 3
+}
 
 picture() {
   sleep 0.4
