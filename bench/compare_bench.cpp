@@ -108,13 +108,17 @@ bool MeasurePlainly(const std::vector<StoredPoint>& points) {
   return log.flush().good();
 }
 
+void SetCounters(benchmark::State& state, const Seconds& seconds) {
+  const double nMeasured = static_cast<double>(kChecks) * static_cast<double>(state.iterations());
+  state.counters["points"] = nMeasured / seconds.ours;
+  state.counters["of plain program"] = seconds.yardstick / seconds.ours;
+}
+
 void CheckTin(benchmark::State& state, Order order) {
   const std::vector<StoredPoint> points = CheckPoints(order);
   const Seconds seconds = Compare(
       state, [&] { return MeasureHere(points); }, [&] { return MeasurePlainly(points); });
-  const double nMeasured = static_cast<double>(kChecks) * static_cast<double>(state.iterations());
-  state.counters["points"] = nMeasured / seconds.ours;
-  state.counters["of plain program"] = seconds.yardstick / seconds.ours;
+  SetCounters(state, seconds);
 }
 BENCHMARK_CAPTURE(CheckTin, random, Order::Random)
     ->UseManualTime()
@@ -153,9 +157,7 @@ void CompareWithPoints(benchmark::State& state, Order order) {
     return open.Document().CompareWithPoints(path) > 0;
   };
   const Seconds seconds = Compare(state, compare, [&] { return ReadAndMeasurePlainly(path); });
-  const double nMeasured = static_cast<double>(kChecks) * static_cast<double>(state.iterations());
-  state.counters["points"] = nMeasured / seconds.ours;
-  state.counters["of plain program"] = seconds.yardstick / seconds.ours;
+  SetCounters(state, seconds);
 }
 BENCHMARK_CAPTURE(CompareWithPoints, random, Order::Random)
     ->UseManualTime()

@@ -85,28 +85,18 @@ void PointComparison::AppendRow(std::size_t i, const Point3& p, double height, d
     case Row::Numbered:
       AppendInt(text_, static_cast<std::int64_t>(i));
       text_ += ", ";
-      AppendNumbers({p.x, p.y, p.z, difference});
+      AppendNumbers(text_, {p.x, p.y, p.z, difference}, kDigits);
       break;
     case Row::Plan:
-      AppendNumbers({p.x, p.y, difference});
+      AppendNumbers(text_, {p.x, p.y, difference}, kDigits);
       break;
     case Row::WithHeights:
-      AppendNumbers({p.x, p.y, p.z, height});
+      AppendNumbers(text_, {p.x, p.y, p.z, height}, kDigits);
       text_ += " ,";
-      AppendNumbers({difference});
+      AppendNumbers(text_, {difference}, kDigits);
       break;
   }
   text_ += '\n';
-}
-
-// Joined by ", ".
-void PointComparison::AppendNumbers(std::initializer_list<double> numbers) {
-  bool isFirst = true;
-  for (const double number : numbers) {
-    if (!isFirst) text_ += ", ";
-    isFirst = false;
-    AppendGeneral(text_, number, kDigits);
-  }
 }
 
 ComparisonSummary PointComparison::Finish() {
@@ -123,7 +113,7 @@ ComparisonSummary PointComparison::Finish() {
   text_.clear();
   AppendInt(text_, summary.count);
   text_ += ", ";
-  AppendNumbers({summary.min, summary.max, summary.mean, summary.stdDev, summary.rms});
+  AppendNumbers(text_, {summary.min, summary.max, summary.mean, summary.stdDev, summary.rms}, kDigits);
   log_.Write(text_ += '\n');
   return summary;
 }

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <span>
 #include <string>
 #include <vector>
@@ -67,7 +66,6 @@ class PointComparison {
 
   void CompareBlock();
   void AppendRow(std::size_t i, const Point3& p, double height, double difference);
-  void AppendNumbers(std::initializer_list<double> numbers);
 
   const TIN& tin_;
   Row row_;

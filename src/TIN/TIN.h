@@ -320,6 +320,8 @@ class TIN {
   void AppendNeighbours(std::int32_t vertex, std::vector<std::int32_t>& seenBy,
                         std::vector<std::int32_t>& list) const;
 
+  template <typename IsBeyond>
+  int FarthestCorner(const TINTriangle& triangle, IsBeyond isBeyond) const;
   int LevelCorner(const TINTriangle& triangle, int corner, double sign, double cosLimit, double minElevation);
   double BlendedZ(const TINVertex& vertex) const;
 

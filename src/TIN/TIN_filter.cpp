@@ -1,6 +1,7 @@
 // The slope filter and the smoother: they change heights, and nothing else.
 
 #include <cmath>
+#include <functional>
 #include <new>
 
 #include "TIN/TIN.h"
@@ -21,22 +22,23 @@ double SquareDistance(const PointRecord& a, const PointRecord& b) {
 
 }  // namespace
 
-int TIN::HighestCorner(const TINTriangle& triangle) const {
+// The first corner whose height goes beyond that of all before it.
+template <typename IsBeyond>
+int TIN::FarthestCorner(const TINTriangle& triangle, IsBeyond isBeyond) const {
   const auto z = [&](int k) { return vertices[static_cast<std::size_t>(triangle.v[k])].z; };
-  int highest = 0;
+  int farthest = 0;
   for (int k = 1; k < 3; ++k) {
-    if (z(k) > z(highest)) highest = k;
+    if (isBeyond(z(k), z(farthest))) farthest = k;
   }
-  return highest;
+  return farthest;
+}
+
+int TIN::HighestCorner(const TINTriangle& triangle) const {
+  return FarthestCorner(triangle, std::greater<>());
 }
 
 int TIN::LowestCorner(const TINTriangle& triangle) const {
-  const auto z = [&](int k) { return vertices[static_cast<std::size_t>(triangle.v[k])].z; };
-  int lowest = 0;
-  for (int k = 1; k < 3; ++k) {
-    if (z(k) < z(lowest)) lowest = k;
-  }
-  return lowest;
+  return FarthestCorner(triangle, std::less<>());
 }
 
 double TIN::NeighbourMeanZ(std::int32_t vertex, double cosLimit) const {

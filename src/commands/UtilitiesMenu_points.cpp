@@ -37,15 +37,10 @@ std::string CannotReadText(const std::string& path) {
   return "Read points file " + path + " error!\n";
 }
 
-// Writes the point as a line "x, y, z, value".
-bool WriteRow(const PointRecord& point, OutputFile& file) {
-  constexpr int kDigits = 13;
-  std::string row;
-  AppendGeneral(row, point.x, kDigits);
-  for (const double number : {point.y, point.z, point.value}) {
-    row += ", ";
-    AppendGeneral(row, number, kDigits);
-  }
+// Writes the point as a line "x, y, z, value". `row` is scratch, so that not every line asks for memory.
+bool WriteRow(const PointRecord& point, std::string& row, OutputFile& file) {
+  row.clear();
+  AppendNumbers(row, {point.x, point.y, point.z, point.value}, 13);
   row += '\n';
   return file.Write(row);
 }
@@ -88,10 +83,11 @@ int AskWindow(const TINPoints& points, ExtentWindow& window, float& minCorr) {
 std::int32_t WriteWindow(const TINPoints& points, const ExtentWindow& window, float minScore,
                          OutputFile& file) {
   std::int32_t nWritten = 0;
+  std::string row;
   for (std::int32_t i = 0; i < points.GetCount(); ++i) {
     const PointRecord& point = *points.GetPoint(i);
     if (!IsInWindow(point, window) || !(minScore <= static_cast<float>(point.value))) continue;
-    if (!WriteRow(point, file)) return -1;
+    if (!WriteRow(point, row, file)) return -1;
     ++nWritten;
   }
   return file.Commit() ? nWritten : -1;
@@ -109,11 +105,12 @@ std::optional<Taken> WriteInRegions(const TINPoints& points, const std::vector<R
                                     OutputFile& file) {
   Taken taken;
   std::vector<std::int32_t> list;
+  std::string row;
   for (const Region& region : regions) {
     list.clear();
     if (points.CollectInRegion(region, list) >= 0) ++taken.nRegions;
     for (const std::int32_t i : list) {
-      if (!WriteRow(*points.GetPoint(i), file)) return std::nullopt;
+      if (!WriteRow(*points.GetPoint(i), row, file)) return std::nullopt;
     }
     taken.nPoints += static_cast<std::int64_t>(list.size());
   }

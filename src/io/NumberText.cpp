@@ -53,6 +53,15 @@ void AppendGeneral(std::string& text, double value, int precision) {
   AppendReal(text, value, std::chars_format::general, precision);
 }
 
+void AppendNumbers(std::string& text, std::initializer_list<double> numbers, int precision) {
+  bool isFirst = true;
+  for (const double number : numbers) {
+    if (!isFirst) text += ", ";
+    isFirst = false;
+    AppendGeneral(text, number, precision);
+  }
+}
+
 void AppendInt(std::string& text, std::int64_t value) {
   char buffer[24];
   text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);

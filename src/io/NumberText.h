@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +15,9 @@ void AppendFixed(std::string& text, double value, int decimals = 6);
 
 // Appends printf's "%.<precision>g", which is also a C++ stream's default form at that precision.
 void AppendGeneral(std::string& text, double value, int precision);
+
+// Numbers in that form, joined by ", ".
+void AppendNumbers(std::string& text, std::initializer_list<double> numbers, int precision);
 
 void AppendInt(std::string& text, std::int64_t value);
 

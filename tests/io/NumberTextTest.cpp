@@ -101,5 +101,13 @@ TEST(NumberText, AppendIntAndTrimmed) {
   EXPECT_EQ(Trimmed(" \n"), "");
 }
 
+TEST(NumberText, NumbersAreJoinedByCommasAndBlanks) {
+  std::string text = "7: ";
+  AppendNumbers(text, {1.5, -0.1, 1e20}, 3);
+  EXPECT_EQ(text, "7: 1.5, -0.1, 1e+20");
+  AppendNumbers(text, {}, 3);
+  EXPECT_EQ(text, "7: 1.5, -0.1, 1e+20");
+}
+
 }  // namespace
 }  // namespace corvane
