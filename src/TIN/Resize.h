@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "TIN/LargePages.h"
+#include "io/LargePages.h"
 
 namespace corvane {
 

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <new>
 
-#include "TIN/LargePages.h"
 #include "TIN/PointBlocks.h"
+#include "io/LargePages.h"
 
 namespace corvane {
 

@@ -4,10 +4,10 @@
 #include <limits>
 
 #include "TIN/GridFailure.h"
-#include "TIN/LargePages.h"
 #include "TIN/RecordExtent.h"
 #include "TIN/Resize.h"
 #include "TIN/Spacing.h"
+#include "io/LargePages.h"
 #include "numerics/Histogram.h"
 #include "numerics/Truncate.h"
 

@@ -4,11 +4,11 @@
 #include <array>
 #include <new>
 
-#include "TIN/LargePages.h"
 #include "TIN/PointsHeader.h"
 #include "TIN/RecordExtent.h"
 #include "TIN/TIN.h"
 #include "io/InputFile.h"
+#include "io/LargePages.h"
 #include "io/NumberText.h"
 #include "io/OutputFile.h"
 #include "ui/ErrorTexts.h"

@@ -7,11 +7,11 @@
 #include <numeric>
 #include <utility>
 
-#include "TIN/LargePages.h"
 #include "TIN/RecordExtent.h"
 #include "TIN/TIN.h"
 #include "TIN/VertexTable.h"
 #include "io/InputFile.h"
+#include "io/LargePages.h"
 #include "io/NumberText.h"
 #include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"

@@ -41,6 +41,18 @@ class RecordReader {
     }
   }
 
+  // The same, with what was scanned still to come, as after a step back in the file.
+  template <typename Scan>
+  auto Peek(Scan scan) {
+    TextScanner start{{}};
+    const auto result = Next([&](TextScanner& scanner) {
+      start = scanner;
+      return scan(scanner);
+    });
+    scanner_ = start;
+    return result;
+  }
+
   // True once a scan has run into the end of the file, as feof() after fscanf.
   bool AtEnd() const { return scanner_.AtEnd(); }
 

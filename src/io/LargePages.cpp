@@ -1,4 +1,4 @@
-#include "TIN/LargePages.h"
+#include "io/LargePages.h"
 
 #include <sys/mman.h>
 
