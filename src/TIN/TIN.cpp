@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "TIN/Cross.h"
+#include "Geometry/Cross.h"
 #include "TIN/RecordExtent.h"
 #include "ui/FrontEnd.h"
 

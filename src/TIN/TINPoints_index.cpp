@@ -6,7 +6,7 @@
 #include <limits>
 #include <utility>
 
-#include "TIN/Cross.h"
+#include "Geometry/Cross.h"
 #include "TIN/Spacing.h"
 #include "TIN/TINPoints.h"
 #include "numerics/Truncate.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "TIN/Cross.h"
+#include "Geometry/Cross.h"
 #include "TIN/Prefetch.h"
 #include "TIN/TIN.h"
 
@@ -97,7 +97,7 @@ double TIN::InterpolateZ(const Point3& p, std::int32_t triangle) const {
 }
 
 double TIN::InterpolateZ(const Point3& p, const PointRecord& vertex, const Point3& normal) {
-  if (!(std::fabs(normal.z) >= 1e-12)) return p.z;
+  if (!(std::fabs(normal.z) >= kMinNormalZ)) return p.z;
   return (normal.x * vertex.x + normal.y * vertex.y + normal.z * vertex.z - normal.x * p.x - normal.y * p.y) /
          normal.z;
 }

@@ -7,7 +7,7 @@
 #include <limits>
 #include <random>
 
-#include "TIN/Cross.h"
+#include "Geometry/Cross.h"
 #include "TIN/TIN.h"
 #include "TINSample.h"
 #include "support/TempFolder.h"
