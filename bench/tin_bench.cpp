@@ -5,7 +5,6 @@
 //   "queries": FindTriangle, points uniformly random (wanted: 2,000,000 a second or more)
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <chrono>
 #include <cstdio>
@@ -14,6 +13,7 @@
 #include <random>
 #include <vector>
 
+#include "PeakMemory.h"
 #include "RandomSurvey.h"
 #include "TIN/TIN.h"
 
@@ -48,27 +48,6 @@ void ReadTwice(const std::string& path) {
 
 void Load(TIN& tin, const std::string& path) {
   if (tin.ReadTIN(path) < 0 || tin.StoreTriangle(path) < 0) std::abort();
-}
-
-// The most memory that the process has held since the last ResetPeak, in bytes.
-double PeakBytes() {
-  std::FILE* status = std::fopen("/proc/self/status", "r");
-  char line[256];
-  double peak = 0.0;
-  while (std::fgets(line, sizeof line, status) != nullptr) {
-    double kilobytes = 0.0;
-    if (std::sscanf(line, "VmHWM: %lf", &kilobytes) == 1) peak = kilobytes * 1024.0;
-  }
-  std::fclose(status);
-  return peak;
-}
-
-void ResetPeak() {
-  malloc_trim(0);  // what making the survey has left behind
-  if (std::FILE* file = std::fopen("/proc/self/clear_refs", "w")) {
-    std::fputs("5", file);
-    std::fclose(file);
-  }
 }
 
 void LoadTin(benchmark::State& state) {
