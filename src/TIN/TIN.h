@@ -18,6 +18,7 @@ namespace corvane {
 class InputFile;
 class OutputFile;
 class VertexTable;
+struct ExtentWindow;
 
 struct TINTriangle {
   std::int32_t id = 0;               // position in `triangles`; negative: deleted
@@ -81,6 +82,7 @@ class NeighbourLists {
 class TIN {
  public:
   static constexpr std::int64_t kFirstTriangle = 4;  // its place in the file, behind the count
+  static constexpr double kMinNormalZ = 1e-12;       // of a plane that does not stand upright
 
   TIN();
   virtual ~TIN();
@@ -155,7 +157,7 @@ class TIN {
   void FindTriangles(std::span<const Point3> points, std::span<FoundTriangle> found) const;
 
   // The height at p of the triangle's plane, through its first corner; p.z if the plane stands upright
-  // (|nz| < 1e-12).
+  // (|nz| < kMinNormalZ).
   double InterpolateZ(const Point3& p, std::int32_t triangle) const;
 
   // The same for the plane through `vertex` with unit normal `normal`.
@@ -251,6 +253,26 @@ class TIN {
   // Cost: a sort of the vertices by height, and the groups that stay.
   int ReduceSurface(double areaLimit);
 
+  // Fits a smooth surface (Surface.h) to each tile of about 2000 vertices, and groups the vertices of a tile
+  // that lie `threshold` or more above or below it. Vertices with id -1 don't take part; a tile that can't be
+  // fitted has no group. Labels count on by tile from the last group's. Tells in status pane 0 how far it is.
+  // 1, or -1 without memory.
+  // Cost: cubic in the vertices of a tile.
+  int FitTiles(double lambda, double shape, double threshold);
+
+  // Writes the heights at the centres of a raster's cells as an image of floats, and shows the time in a box.
+  // The raster begins in the window's upper left corner and reaches to or past the lower right one. A centre
+  // in no triangle, or on corner 0 of its triangle, has `defaultZ`. 0; -1, with nothing written: no cells,
+  // more than 2^31, or no memory. `stored` gets what the image's Write returns.
+  // Cost: one pass over the triangles, and the raster's cells.
+  int CreateDem(const std::string& path, const ExtentWindow& window, float cellSize, double defaultZ,
+                int* stored = nullptr) const;
+
+  // Writes the triangles, raw ones or those of the model that are not deleted, as polygons of a shape file,
+  // their numbers in the field "DD" of its table. 0; with a warning -1: the shape file or -2: the table can't
+  // be created, -3: the field can't be added; -4: the files could not be written.
+  int WriteShape(const std::string& path) const;
+
   // Histograms of vertexSlopes and of the vertices' z (between the extent's minZ and maxZ). 1; -1 as
   // MakeHistogram.
   int SlopeHistogram(double binSize, Histogram& histogram) const;
@@ -281,6 +303,8 @@ class TIN {
   std::vector<std::int32_t> highlight;  // triangles that the view draws in the second colour
 
  private:
+  friend class TinRaster;
+
   // The plan positions of a triangle's corners, together for the point test.
   struct CornerXY {
     double x = 0.0;
@@ -319,6 +343,15 @@ class TIN {
   void ComputeNormals();
   void AppendNeighbours(std::int32_t vertex, std::vector<std::int32_t>& seenBy,
                         std::vector<std::int32_t>& list) const;
+
+  // Shows the corners of the triangles, raw ones or those of the model that are not deleted, until `take`
+  // returns false. The number of those taken; -1 if one was not.
+  using TakeTriangle = std::function<bool(const PointRecord&, const PointRecord&, const PointRecord&)>;
+  std::int64_t ForEachTriangle(const TakeTriangle& take) const;
+
+  bool TileVertices(GridIndex& tiles) const;
+  void GroupOutliers(std::span<const std::int32_t> tile, double lambda, double shape, double threshold,
+                     std::int32_t label);
 
   template <typename IsBeyond>
   int FarthestCorner(const TINTriangle& triangle, IsBeyond isBeyond) const;
