@@ -15,7 +15,7 @@
 #include "shell/CorvaneDoc.h"
 #include "shell/MainFrm.h"
 #include "shell/MaskChooser.h"
-#include "shell/RunTimer.h"
+#include "ui/RunTimer.h"
 #include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"
 

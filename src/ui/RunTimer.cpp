@@ -1,4 +1,4 @@
-#include "shell/RunTimer.h"
+#include "ui/RunTimer.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include <new>
 
 #include "shell/ChildFrm.h"
-#include "shell/RunTimer.h"
+#include "ui/RunTimer.h"
 #include "shell/ShellFixture.h"
 
 namespace corvane {
