@@ -13,4 +13,8 @@ inline const FileChooser kOpenPoints{.filter = kPointsFilter};
 inline const FileChooser kSavePoints{
     .mode = FileChooser::Mode::Save, .filter = kPointsFilter, .defaultExtension = "pts"};
 
+inline const FileChooser kSaveText{.mode = FileChooser::Mode::Save,
+                                   .filter = "Text Files (*.txt)|*.txt|All Files (*.*)|*.*|",
+                                   .defaultExtension = "txt"};
+
 }  // namespace corvane

@@ -35,6 +35,13 @@ CommandResult OnSurfaceReduction(CCorvaneView& view);
 CommandResult OnTinClassification(CCorvaneView& view);
 CommandResult OnTinDifferential(CCorvaneView& view);
 
+// Marks the vertices that lie far from a smooth surface through their surroundings, and writes them and the
+// others as points files.
+CommandResult OnSurfaceSmooth(CCorvaneView& view);
+
+// A trial of surfaces of radial basis functions on a points file.
+CommandResult OnSurfaceFitting(CCorvaneView& view);
+
 // Shows how many vertices there are at which height.
 CommandResult OnTinZHistogram(CCorvaneView& view);
 

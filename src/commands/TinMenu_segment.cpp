@@ -1,11 +1,11 @@
 // The commands on the TIN menu that tell objects from ground.
 
 #include "commands/Failures.h"
+#include "commands/PointsOutput.h"
 #include "commands/TinMenu.h"
 #include "forms/ValueInput.h"
-#include "io/Paths.h"
 #include "shell/CommandShapes.h"
-#include "shell/RunTimer.h"
+#include "ui/RunTimer.h"
 
 namespace corvane {
 
@@ -15,26 +15,10 @@ constexpr double kCutStep = 0.1;    // ground units
 constexpr double kHeightBin = 0.1;  // ground units
 constexpr double kHighestShare = 0.05;
 
-std::string OutputName(CCorvaneView& view, const char* suffix) {
-  return DerivedName(view.GetDocument().GetPathName(), suffix);
-}
-
-// Writes the vertices with these marks beside the document.
-bool WritePointsBeside(CCorvaneView& view, const char* suffix, int mode) {
-  const std::string path = OutputName(view, suffix);
-  const std::int32_t written = view.GetDocument().GetTIN().WritePoints(path, mode);
-  if (written == -2) ShowWarning(WriteErrorText(path));
-  return written >= 0;
-}
-
-// Marks what belongs to groups, and writes ground and objects apart.
+// Writes ground and objects apart.
 CommandResult WriteSplit(CCorvaneView& view) {
-  view.GetDocument().GetTIN().MarkGroupMembers();
-  Ui().SetStatusText(0,
-                     "Groups of objects: " + std::to_string(view.GetDocument().GetTIN().groups.size()) + ".");
-  const bool ground = WritePointsBeside(view, "_Grd.pts", 1);
-  const bool objects = WritePointsBeside(view, "_NonGrd.pts", 2);
-  return ground && objects ? CommandResult::Done : CommandResult::Failed;
+  return WriteSplitPoints(view, "Groups of objects", "_Grd.pts", "_NonGrd.pts") ? CommandResult::Done
+                                                                                : CommandResult::Failed;
 }
 
 // The largest plan area of an object, in square ground units; nothing on Cancel.
@@ -102,7 +86,7 @@ CommandResult OnTinDifferential(CCorvaneView& view) {
   TIN& tin = view.GetDocument().GetTIN();
   WaitCursor wait;
   if (tin.ComputeSlopes() < 0) return FailWithWarning("Failed to create the differential TIN!");
-  const std::string path = OutputName(view, "_Diff.tin");
+  const std::string path = BesideDocument(view, "_Diff.tin");
   const int written = tin.WriteCompactTIN(path);
   wait.End();
   if (written < 0) ShowWarning(WriteErrorText(path));

@@ -20,9 +20,6 @@ namespace corvane {
 
 namespace {
 
-const FileChooser kSaveText{.mode = FileChooser::Mode::Save,
-                            .filter = "Text Files (*.txt)|*.txt|All Files (*.*)|*.*|",
-                            .defaultExtension = "txt"};
 // Kept: a title stands in the place of the default extension, and is appended as one.
 const FileChooser kOpenSource{.filter = kPointsFilter, .defaultExtension = "Choose a Points Set."};
 const FileChooser kSaveResampled{

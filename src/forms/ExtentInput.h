@@ -34,9 +34,15 @@ class ExtentInput {
   int AskPoints(double minX, double maxY, double maxX, double minY, double spacingX, ExtentWindow& window,
                 float* cellSize, float* minCorr);
 
+  // Shows `window`, the cell size and `minCorrCoeff` as they are, not widened, and takes over what was
+  // entered.
+  int AskAsShown(ExtentWindow& window, float* cellSize);
+
  private:
-  int Show(const double extent4[4], float cellSizeShown, float minCorrShown, ExtentWindow& window,
-           float* cellSize, float* minCorr);
+  // All arguments hold what is shown, and on OK what was entered.
+  static int Show(const std::string& label, ExtentWindow& window, float& cellSize, float& minCorr);
+  int ShowWidened(const double extent4[4], float cellSizeShown, float minCorrShown, ExtentWindow& window,
+                  float* cellSize, float* minCorr) const;
 };
 
 }  // namespace corvane

@@ -181,6 +181,26 @@ TEST(ExtentInput, SetsItsOwnCellSizeAndCorrelation) {
   EXPECT_EQ(minCorr, 0.5f);
 }
 
+TEST(ExtentInput, ShowsAWindowAsItIs) {
+  TestFrontEnd ui;
+  ui.forms = {[](Form& form) { return !SetFieldFromText(*form.Find("xEnd"), "99.5"); }};
+  ExtentInput input;
+  input.minCorrCoeffLabel = "No-Data Value:";
+  ExtentWindow window{10.7, -3.5, INFINITY, -0.5};
+  float cellSize = 2.5f;
+  EXPECT_EQ(input.AskAsShown(window, &cellSize), 0);
+  const Form& shown = ui.shownForms.at(0);
+  EXPECT_EQ(shown.fields.at(5).label, "No-Data Value:");
+  EXPECT_EQ(std::get<double>(shown.fields.at(2).value), 0.0);  // no form could accept an infinity
+  EXPECT_EQ(window.xStart, 10.7);
+  EXPECT_EQ(window.yStart, -3.5);
+  EXPECT_EQ(window.xEnd, 99.5);
+  EXPECT_EQ(window.yEnd, -0.5);
+  EXPECT_EQ(cellSize, 2.5f);
+  EXPECT_EQ(input.AskAsShown(window, &cellSize), -1);
+  EXPECT_EQ(window.xEnd, 99.5);
+}
+
 TEST(ExtentInput, CancelFillsNothing) {
   TestFrontEnd ui;
   ExtentInput input;

@@ -1,0 +1,152 @@
+// The commands on the menus Utilities > Image and Image that make images from images.
+
+#include "commands/Choosers.h"
+#include "commands/Failures.h"
+#include "commands/ImageExtent.h"
+#include "commands/ImageFiles.h"
+#include "commands/UtilitiesMenu.h"
+#include "erdasimg/RasterTools.h"
+#include "forms/ValueInput.h"
+#include "io/Paths.h"
+#include "io/TextCase.h"
+#include "numerics/Truncate.h"
+#include "shell/CommandShapes.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr const char* kImageFilter = "Image Files (*.lan)|*.lan|All Files (*.*)|*.*|";
+constexpr auto kSave = FileChooser::Mode::Save;
+
+const FileChooser kOpenForeign{
+    .filter = "All Files (*.*)|*.*|Lan Files (*.lan)|*.lan|Bil Files (*.bil)|*.bil|",
+    .title = "Choose a Image."};
+const FileChooser kSaveLan{.mode = kSave, .filter = "Lan Files (*.lan)|*.lan|", .title = "Choose a Image."};
+const FileChooser kOpenWhole{.filter = kImageFilter, .title = "Choose an Image to Subset"};
+const FileChooser kSavePart{.mode = kSave, .filter = kImageFilter, .title = "Choose the file to save to"};
+const FileChooser kSavePartText{.mode = kSave,
+                                .filter = "Text Files (*.txt)|*.txt|All Files (*.*)|*.*|",
+                                .title = "Choose the file to save to"};
+const FileChooser kOpenImage{.filter = kImageFilter, .title = "Choose an Image."};
+const FileChooser kSaveImage{.mode = kSave, .filter = kImageFilter, .title = "Choose an Image."};
+const FileChooser kOpenTestImage{.filter = kImageFilter, .title = "Choose a Image."};
+
+// False if the grid of raw floats could not be read, or has no cells, which has been shown.
+bool ReadGrid(const std::string& path, ErdasImg& image) {
+  const int status = image.ReadFloatGrid(path);
+  if (status == 1 && HasPixels(image)) return true;
+  const std::string failed = status == -2 ? path : DerivedName(path, ".hdr");
+  ShowWarning(status == -3 ? ErdasImg::kNoMemoryText : OpenErrorText(failed));
+  return false;
+}
+
+CommandResult CutSubset(const FileChooser& save, bool (*write)(const std::string&, ErdasImg&)) {
+  const auto paths = ChooseInOrder({kOpenWhole, save});
+  if (!paths) return CommandResult::Cancelled;
+  ErdasImg image;
+  const bool isRead = ReadImage((*paths)[0], image);
+  ImageRect rect;
+  if (GetPixelExtent(*image.GetHeader(), rect) < 0) return CommandResult::Cancelled;
+  if (image.ClipToImage(rect) < 0) return ResultOf(isRead);
+
+  WaitCursor wait;
+  const auto [left, top] = image.GetStart();
+  ErdasImg subset;
+  image.ExtractTo(rect.left - left, rect.right - left, rect.top - top, rect.bottom - top, true, subset);
+  if (!subset.GetBands() || !write((*paths)[1], subset)) return CommandResult::Failed;
+  TellWritten((*paths)[1], subset.GetSize());
+  return ResultOf(isRead);
+}
+
+bool WriteText(const std::string& path, ErdasImg& image) {
+  return image.WriteText(path) == 1;
+}
+
+}  // namespace
+
+CommandResult OnImageConversion(CCorvaneView&) {
+  const auto path = ChooseFile(kOpenForeign);
+  if (!path) return CommandResult::Cancelled;
+  const bool isLan = EqualIgnoringCase(FileExtension(*path), ".lan");
+  if (!isLan && !EqualIgnoringCase(FileExtension(*path), ".bil")) return CommandResult::Done;
+  const auto outPath = ChooseFile(kSaveLan);
+  if (!outPath) return CommandResult::Cancelled;
+
+  WaitCursor wait;
+  ErdasImg image;
+  if (isLan) {
+    const bool isRead = ReadImage(*path, image);
+    return StoreImage(*outPath, image, isRead);
+  }
+  return ReadGrid(*path, image) ? StoreImage(*outPath, image, true) : CommandResult::Failed;
+}
+
+CommandResult OnSubset(CCorvaneView&) {
+  return CutSubset(kSavePart, WriteImage);
+}
+
+CommandResult OnSubsetToText(CCorvaneView&) {
+  return CutSubset(kSavePartText, WriteText);
+}
+
+CommandResult OnSampleImage(CCorvaneView&) {
+  const auto path = ChooseFile(kOpenImage);
+  if (!path) return CommandResult::Cancelled;
+  ValueInput factor{.value = 2.0};
+  if (!factor.Ask()) return CommandResult::Cancelled;
+  const std::int32_t n = TruncateSaturated(factor.value);
+  if (n < 2) return CommandResult::Done;
+
+  WaitCursor wait;
+  ErdasImg image;
+  const bool isRead = ReadImage(*path, image);
+  ErdasImg sampled;
+  const int status = SampleImage(image, n, sampled);
+  if (status == -2) return FailWithWarning(ErdasImg::kNoMemoryText);
+  if (status < 0) return ResultOf(isRead);
+  return StoreImage(DerivedName(*path, std::to_string(n) + ".lan"), sampled, isRead);
+}
+
+CommandResult OnScalePixelValue(CCorvaneView&) {
+  const auto path = ChooseFile(kOpenImage);
+  if (!path) return CommandResult::Cancelled;
+  ValueInput factor{.title = "Input the scale factor", .value = 2.0};
+  if (!factor.Ask()) return CommandResult::Cancelled;
+  const std::int32_t n = TruncateSaturated(factor.value);
+  if (n < 0) return CommandResult::Done;
+  const auto outPath = ChooseFile(kSaveImage);
+  if (!outPath) return CommandResult::Cancelled;
+
+  WaitCursor wait;
+  ErdasImg image;
+  const bool isRead = ReadImage(*path, image);
+  ErdasImg scaled;
+  if (DivideImage(image, n, scaled) < 0) return FailWithWarning(ErdasImg::kNoMemoryText);
+  return StoreImage(*outPath, scaled, isRead);
+}
+
+CommandResult OnDifferenceImage(CCorvaneView&) {
+  const auto paths = ChooseInOrder({kOpenImage, kOpenImage, kSaveImage});
+  if (!paths) return CommandResult::Cancelled;
+  WaitCursor wait;
+  ErdasImg first;
+  ErdasImg second;
+  const bool isFirstRead = ReadImage((*paths)[0], first);
+  const bool isSecondRead = ReadImage((*paths)[1], second);
+  if (first.GetPackType() != second.GetPackType()) ShowWarning("The two images have different data type!");
+  ErdasImg difference;
+  if (SubtractImages(first, second, difference) < 0) return FailWithWarning(ErdasImg::kNoMemoryText);
+  return StoreImage((*paths)[2], difference, isFirstRead && isSecondRead);
+}
+
+CommandResult OnImageIoTest(CCorvaneView&) {
+  const auto path = ChooseFile(kOpenTestImage);
+  if (!path) return CommandResult::Cancelled;
+  WaitCursor wait;
+  ErdasImg image;
+  const bool isRead = ReadImage(*path, image);
+  return StoreImage(*path + "qvo", image, isRead);
+}
+
+}  // namespace corvane
