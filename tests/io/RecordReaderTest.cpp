@@ -125,5 +125,30 @@ TEST(RecordReader, ARecordBeyondTheMemoryFails) {
   EXPECT_EXIT(ScanLongRecord(std::size_t{1} << 30), testing::ExitedWithCode(1), "");
 }
 
+TEST(RecordReader, PeekLeavesTheRecordToCome) {
+  const TempFolder folder;
+  WriteFileBytes("a.txt", "1 \n  word 2 last");
+  const auto scanWord = [](TextScanner& scanner) {
+    std::string word;
+    scanner.ScanWord(word);
+    return word;
+  };
+  for (const std::size_t windowSize : {1, 3, 100}) {
+    InputFile file("a.txt");
+    RecordReader reader(file, windowSize);
+    EXPECT_EQ(reader.Peek(scanWord), "1");
+    EXPECT_EQ(reader.Next(ScanStep).value, 1.0);
+    EXPECT_EQ(reader.Peek(scanWord), "word");
+    EXPECT_EQ(reader.GetPosition(), 5);
+    EXPECT_EQ(reader.Next(scanWord), "word");
+    EXPECT_EQ(reader.Next(scanWord), "2");
+    EXPECT_EQ(reader.Peek(scanWord), "last");
+    EXPECT_FALSE(reader.AtEnd());
+    EXPECT_EQ(reader.Next(scanWord), "last");
+    EXPECT_TRUE(reader.AtEnd());
+    EXPECT_EQ(reader.Peek(scanWord), "");
+  }
+}
+
 }  // namespace
 }  // namespace corvane
