@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{1} << 18;  // bytes read at a time
 
 // Bytes of a plane written at a time: the way to the disk of one block begins while the next is copied.
-constexpr std::size_t kWriteBlock = std::size_t{1} << 23;
+constexpr std::size_t kWriteBlock = std::size_t{1} << 20;
 
 std::size_t LineBytes(const ErdasImg& image) {
   return static_cast<std::size_t>(image.GetSize().cx) * static_cast<std::size_t>(image.GetBytesPerPixel());
