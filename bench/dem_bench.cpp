@@ -135,7 +135,7 @@ std::string LayerPath() {
 bool RunGdalGrid(const std::string& layer, const ExtentWindow& window) {
   char command[1000];
   std::snprintf(command, sizeof command,
-                "gdal_grid -q -a linear:radius=0:nodata=230 -txe %.17g %.17g -tye %.17g %.17g -outsize %d %d "
+                "gdal_grid -q --config GDAL_NUM_THREADS 1 -a linear:radius=0:nodata=230 -txe %.17g %.17g -tye %.17g %.17g -outsize %d %d "
                 "-ot Float32 -of GTiff -l points %s %s",
                 window.xStart, window.xEnd, window.yEnd, window.yStart, kSide, kSide, layer.c_str(),
                 Survey().PathOf("gdal.tif").c_str());

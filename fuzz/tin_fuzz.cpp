@@ -1,10 +1,12 @@
-// Any bytes as a ".tin" file: read, store, search, link, filter, segment, write. The raw
-// triangles give the same.
+// Any bytes as a ".tin" file: read, store, search, link, sample, filter, segment, write. The raw
+// triangles give the same; a raster has the heights that the search finds.
 
+#include <cmath>
 #include <cstdlib>
 
 #include "FuzzFolder.h"
 #include "TIN/TIN.h"
+#include "TIN/TinRaster.h"
 #include "io/OutputFile.h"
 
 namespace corvane {
@@ -25,7 +27,30 @@ void FilterTin(TIN& tin) {
   tin.ZHistogram(0.1, histogram);
 }
 
+constexpr int kNodes = 23;                  // along each side
+constexpr std::int32_t kFewVertices = 200;  // a surface through them is soon fitted
+
+void SampleTin(const TIN& tin) {
+  const Extent6& extent = tin.GetExtent();
+  const double cell = std::fmax(extent.maxX - extent.minX, extent.maxY - extent.minY) / (kNodes - 3);
+  std::vector<double> xs;
+  std::vector<double> ys;
+  for (int i = 0; i < kNodes; ++i) {
+    xs.push_back(extent.minX + (i - 1) * cell);
+    ys.push_back(extent.maxY - (i - 1) * cell);
+  }
+  std::vector<float> filled(xs.size() * ys.size());
+  std::vector<float> searched(filled.size());
+  TinRaster(tin, xs, ys, cell, 230.0, filled).Fill();
+  TinRaster(tin, xs, ys, cell, 230.0, searched).FillByNode();
+  for (std::size_t i = 0; i < filled.size(); ++i) {
+    const bool areNumbers = !std::isnan(filled[i]) || !std::isnan(searched[i]);
+    if (areNumbers && filled[i] != searched[i]) std::abort();
+  }
+}
+
 void UseTin(TIN& tin) {
+  SampleTin(tin);
   const Extent6& extent = tin.GetExtent();
   const Point3 middle = {(extent.minX + extent.maxX) / 2.0, (extent.minY + extent.maxY) / 2.0, 0.0};
   std::int32_t triangle = 0;
@@ -37,6 +62,7 @@ void UseTin(TIN& tin) {
     tin.RecomputeNormals(v);
     tin.NormalizeNormals(v);
   }
+  if (tin.GetPointCount() < kFewVertices) tin.FitTiles(10.0, 1.0, 1.5);
   FilterTin(tin);
   OutputFile file(FuzzPath("out.tin"));
   tin.WriteTIN(file);
