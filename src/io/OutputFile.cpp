@@ -9,24 +9,14 @@
 #include <cstring>
 #include <filesystem>
 
+#include "io/Target.h"
+
 namespace corvane {
 
 namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 18;
 constexpr const char* kOpenFiles = "/proc/self/fd/";  // the way from a descriptor to a name
-
-// The file that a path leads to, behind symbolic links; the path itself where there is no file yet.
-std::string ResolvedTarget(const std::string& path) {
-  std::error_code error;
-  const auto resolved = std::filesystem::weakly_canonical(path, error);
-  return error ? path : resolved.string();
-}
-
-std::string FolderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
-}
 
 mode_t NewFileMode() {
   const mode_t mask = umask(0);

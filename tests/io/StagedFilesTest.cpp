@@ -70,6 +70,40 @@ TEST(StagedFiles, FollowLinks) {
   EXPECT_EQ(ReadFileBytes("real/a.tif"), "new");
 }
 
+TEST(StagedFiles, FollowLinksToWhatIsNotThereYet) {
+  const TempFolder folder;
+  std::filesystem::create_directory("real");
+  std::filesystem::create_symlink("real/a.tif", "link.tif");
+  StagedFiles stage("link.tif");
+  WriteFileBytes(stage.GetPath(), "new");
+  EXPECT_TRUE(stage.Commit());
+  EXPECT_TRUE(std::filesystem::is_symlink("link.tif"));
+  EXPECT_EQ(ReadFileBytes("real/a.tif"), "new");
+}
+
+TEST(StagedFiles, KeepThePermissionsOfWhatTheyReplace) {
+  const TempFolder folder;
+  WriteFileBytes("a.tif", "old");
+  const auto owner = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+  std::filesystem::permissions("a.tif", owner);
+  StagedFiles stage("a.tif");
+  WriteFileBytes(stage.GetPath(), "new");
+  EXPECT_TRUE(stage.Commit());
+  EXPECT_EQ(std::filesystem::status("a.tif").permissions(), owner);
+}
+
+TEST(StagedFiles, CommitTogetherMovesAllOrNone) {
+  const TempFolder folder;
+  std::filesystem::create_directory("b.shp");
+  StagedFiles table("a.dbf");
+  StagedFiles shapes("a.shp");
+  WriteFileBytes(table.GetPath(), "table");
+  WriteFileBytes(shapes.GetPath(), "shapes");
+  WriteFileBytes(std::filesystem::path(shapes.GetPath()).parent_path() / "b.shp", "in the way");
+  EXPECT_FALSE(StagedFiles::CommitTogether({&table, &shapes}));
+  EXPECT_EQ(FilesHere(), std::vector<std::string>{"b.shp"});
+}
+
 TEST(StagedFiles, FailWithoutFiles) {
   const TempFolder folder;
   StagedFiles stage("net.shp");
