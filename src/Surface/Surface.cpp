@@ -1,5 +1,6 @@
 #include "Surface/Surface.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <new>
@@ -94,7 +95,7 @@ void Surface::FillPolynomial() {
   for (std::int32_t i = 0; i < nPoints; ++i) {
     const Point3& p = points[i];
     const double terms[] = {1.0, p.x, p.y, p.x * p.x, p.y * p.y};
-    const std::int32_t nTerms = nPolyTerms > 3 ? 5 : 3;
+    const std::int32_t nTerms = std::min(nPolyTerms, nPolyTerms > 3 ? 5 : 3);
     for (std::int32_t k = 0; k < nTerms; ++k) {
       matrix[i][nPoints + k] = terms[k];
       matrix[nPoints + k][i] = terms[k];
@@ -103,7 +104,7 @@ void Surface::FillPolynomial() {
 }
 
 double Surface::Evaluate(Point3& p) const {
-  if (coefficients.empty()) return 0.0;
+  if (coefficients.empty() || static_cast<std::int32_t>(coefficients.size()) != GetOrder()) return 0.0;
   double radial = 0.0;
   for (std::int32_t i = 0; i < nPoints; ++i) {
     const double r2 = SquaredDistance(p, points[i]);
@@ -115,7 +116,7 @@ double Surface::Evaluate(Point3& p) const {
   if (nPolyTerms > 0) height += polynomial[0];
   double xPower = 1.0;
   double yPower = 1.0;
-  for (std::int32_t k = 1; k <= nPolyTerms / 2; ++k) {
+  for (std::int32_t k = 1; 2 * k < nPolyTerms; ++k) {
     xPower *= p.x;
     yPower *= p.y;
     height += polynomial[2 * k - 1] * xPower;

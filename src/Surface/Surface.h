@@ -34,8 +34,8 @@ struct SurfaceRect {
 // points, its memory quadratic (32 MB for 2000 points).
 class Surface {
  public:
-  // A system of more unknowns, 3.2 GB, counts as one without memory.
-  static constexpr std::int32_t kMaxOrder = 20000;
+  // A system of more unknowns, 800 MB and a minute's work, counts as one without memory.
+  static constexpr std::int32_t kMaxOrder = 10000;
 
   virtual ~Surface() = default;
 
@@ -49,7 +49,8 @@ class Surface {
   // kernel, or two points at one (x, y); -2: no memory.
   int BuildSystem(double lambda);
 
-  // Sets p.z to the surface's height at (x, y). Returns the height without the polynomial part.
+  // Sets p.z to the surface's height at (x, y). Returns the height without the polynomial part. Without a fit
+  // p stays as it was, and the result is 0.
   double Evaluate(Point3& p) const;
 
   void EvaluateAll(std::int32_t n, Point3* points) const;

@@ -134,6 +134,21 @@ TEST(Surface, EvaluateReturnsTheHeightWithoutThePolynomial) {
   EXPECT_DOUBLE_EQ(surface.Evaluate(onPoint), 2 * 0.5 * std::log10(1.0) + 5 * 2.5 * std::log10(5.0));
 }
 
+TEST(Surface, OddSettingsStayWithinTheSystem) {
+  const std::vector<Point3> points = ScatteredPoints(6);
+  Surface surface;
+  surface.polyOrder = 0;
+  surface.nPolyTerms = 2;
+  surface.Fit(6, points.data(), kThinPlateKernel, 0.0, 1.0);
+  EXPECT_EQ(surface.coefficients.size(), 8u);
+  Point3 p{1, 2, 9};
+  surface.Evaluate(p);
+  surface.nPolyTerms = 5;  // no longer those of the fit
+  p.z = 9.0;
+  EXPECT_EQ(surface.Evaluate(p), 0.0);
+  EXPECT_EQ(p.z, 9.0);
+}
+
 TEST(Surface, EvaluateLeavesPointsAloneWithoutAFit) {
   const Surface surface;
   Point3 p{1, 2, 9};
