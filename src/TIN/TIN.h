@@ -48,6 +48,13 @@ struct SlopeSeed {
   std::int32_t vertex = 0;
 };
 
+// A DEM as it was written.
+struct StoredDem {
+  std::int32_t nRows = 0;
+  std::int32_t nCols = 0;
+  int status = 1;  // as ErdasImg::Write returns it
+};
+
 // What the search finds for one point.
 struct FoundTriangle {
   int result = -1;             // as TIN::FindTriangle returns it
@@ -255,23 +262,23 @@ class TIN {
 
   // Fits a smooth surface (Surface.h) to each tile of about 2000 vertices, and groups the vertices of a tile
   // that lie `threshold` or more above or below it. Vertices with id -1 don't take part; a tile that can't be
-  // fitted has no group. Labels count on by tile from the last group's. Tells in status pane 0 how far it is.
-  // 1, or -1 without memory.
-  // Cost: cubic in the vertices of a tile.
-  int FitTiles(double lambda, double shape, double threshold);
+  // fitted has no group, and is counted in `nSkipped`. Labels count on by tile from the last group's. Tells
+  // in status pane 0 how far it is. 1, or -1 without memory. Cost: cubic in the vertices of a tile.
+  int FitTiles(double lambda, double shape, double threshold, std::int64_t* nSkipped = nullptr);
 
   // Writes the heights at the centres of a raster's cells as an image of floats, and shows the time in a box.
   // The raster begins in the window's upper left corner and reaches to or past the lower right one. A centre
   // in no triangle, or on corner 0 of its triangle, has `defaultZ`. 0; -1, with nothing written: no cells,
-  // more than 2^31, or no memory. `stored` gets what the image's Write returns.
+  // more than 2^31, or no memory. `stored` gets the raster's size and what the image's Write returns.
   // Cost: one pass over the triangles, and the raster's cells.
   int CreateDem(const std::string& path, const ExtentWindow& window, float cellSize, double defaultZ,
-                int* stored = nullptr) const;
+                StoredDem* stored = nullptr) const;
 
   // Writes the triangles, raw ones or those of the model that are not deleted, as polygons of a shape file,
   // their numbers in the field "DD" of its table. 0; with a warning -1: the shape file or -2: the table can't
-  // be created, -3: the field can't be added; -4: the files could not be written.
-  int WriteShape(const std::string& path) const;
+  // be created, -3: the field can't be added; -4: the files could not be written. All of the old files are
+  // then as they were. `nPolygons` gets the number of polygons.
+  int WriteShape(const std::string& path, std::int64_t* nPolygons = nullptr) const;
 
   // Histograms of vertexSlopes and of the vertices' z (between the extent's minZ and maxZ). 1; -1 as
   // MakeHistogram.
@@ -350,7 +357,7 @@ class TIN {
   std::int64_t ForEachTriangle(const TakeTriangle& take) const;
 
   bool TileVertices(GridIndex& tiles) const;
-  void GroupOutliers(std::span<const std::int32_t> tile, double lambda, double shape, double threshold,
+  bool GroupOutliers(std::span<const std::int32_t> tile, double lambda, double shape, double threshold,
                      std::int32_t label);
 
   template <typename IsBeyond>

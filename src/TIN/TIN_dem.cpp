@@ -51,7 +51,7 @@ std::vector<double> CellCentres(double start, double step, std::int32_t n) {
 }  // namespace
 
 int TIN::CreateDem(const std::string& path, const ExtentWindow& window, float cellSize, double defaultZ,
-                   int* stored) const {
+                   StoredDem* stored) const {
   RunTimer timer;
   ErdasImg dem;
   try {
@@ -67,7 +67,7 @@ int TIN::CreateDem(const std::string& path, const ExtentWindow& window, float ce
     return -1;
   }
   const int written = dem.Write(path);
-  if (stored) *stored = written;
+  if (stored) *stored = {dem.GetSize().cy, dem.GetSize().cx, written};
   timer.Stop();
   timer.ShowTotal();
   return 0;

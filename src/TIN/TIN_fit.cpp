@@ -46,7 +46,7 @@ bool TIN::TileVertices(GridIndex& tiles) const {
   return tiles.InsertAll(nPoints, vertexAt) >= 0;
 }
 
-int TIN::FitTiles(double lambda, double shape, double threshold) {
+int TIN::FitTiles(double lambda, double shape, double threshold, std::int64_t* nSkipped) {
   GridIndex tiles;
   if (!MakeLabels(-1) || !TileVertices(tiles)) return -1;
   std::int32_t label = groups.empty() ? -1 : groups.back().label;
@@ -56,7 +56,9 @@ int TIN::FitTiles(double lambda, double shape, double threshold) {
     for (std::int32_t row = 0; row < tiles.nRows; ++row) {
       for (std::int32_t col = 0; col < tiles.nCols; ++col) {
         Ui().SetStatusText(0, "Fitting tile " + std::to_string(++nDone) + " of " + nTiles + " ...");
-        GroupOutliers(tiles.GetCell(row, col), lambda, shape, threshold, ++label);
+        const auto tile = tiles.GetCell(row, col);
+        const bool isFitted = GroupOutliers(tile, lambda, shape, threshold, ++label);
+        if (!isFitted && !tile.empty() && nSkipped) ++*nSkipped;
       }
     }
   } catch (const std::bad_alloc&) {
@@ -65,8 +67,8 @@ int TIN::FitTiles(double lambda, double shape, double threshold) {
   return 1;
 }
 
-// Fits a surface to the tile's vertices and groups those that lie off it. A tile without a surface has none.
-void TIN::GroupOutliers(std::span<const std::int32_t> tile, double lambda, double shape, double threshold,
+// Fits a surface to the tile's vertices and groups those that lie off it. False if there is no surface.
+bool TIN::GroupOutliers(std::span<const std::int32_t> tile, double lambda, double shape, double threshold,
                         std::int32_t label) {
   std::vector<std::int32_t> live;
   std::vector<Point3> points;
@@ -77,7 +79,7 @@ void TIN::GroupOutliers(std::span<const std::int32_t> tile, double lambda, doubl
     points.push_back({vertex.x, vertex.y, vertex.z});
   }
   Surface surface;
-  if (!FitTile(points, lambda, shape, surface)) return;
+  if (!FitTile(points, lambda, shape, surface)) return false;
   TINGroup group;
   group.label = label;
   for (std::size_t i = 0; i < live.size(); ++i) {
@@ -88,6 +90,7 @@ void TIN::GroupOutliers(std::span<const std::int32_t> tile, double lambda, doubl
     labels[static_cast<std::size_t>(live[i])] = label;
   }
   if (!group.members.empty()) groups.push_back(std::move(group));
+  return true;
 }
 
 }  // namespace corvane

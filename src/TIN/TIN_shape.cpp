@@ -28,9 +28,13 @@ using TableFile = std::unique_ptr<DBFInfo, CloseTable>;
 
 constexpr int kNumberWidth = 5;  // digits
 
-// The bytes of a closed triangle in a shape file, and of the file's header.
-constexpr std::uintmax_t kPolygonBytes = 120;
-constexpr std::uintmax_t kHeaderBytes = 100;
+// The bytes of a file of closed triangles: its header with what ends it, and each triangle.
+struct FileSize {
+  const char* extension;
+  std::uintmax_t ofHeader;
+  std::uintmax_t ofTriangle;
+};
+constexpr FileSize kFileSizes[] = {{".shp", 100, 120}, {".shx", 100, 8}, {".dbf", 66, kNumberWidth + 1}};
 
 // A ring: the corners of a triangle, the first one again at the end.
 struct Ring {
@@ -55,11 +59,17 @@ bool WriteRing(const Ring& ring, SHPInfo* shapes, DBFInfo* table) {
   return number >= 0;
 }
 
-// The library does not tell when what it still held did not get to the disk.
-bool HasAllPolygons(const std::string& path, std::uintmax_t nPolygons) {
+// Whether the files are as long as so many triangles make them: the library does not tell when what it still
+// held did not get to the disk.
+bool AreWhole(const std::vector<std::string>& files, std::int64_t nTriangles) {
   std::error_code error;
-  return !std::filesystem::is_regular_file(path, error) ||
-         std::filesystem::file_size(path, error) == kHeaderBytes + nPolygons * kPolygonBytes;
+  for (const std::string& file : files) {
+    for (const auto& [extension, ofHeader, ofTriangle] : kFileSizes) {
+      const std::uintmax_t size = ofHeader + static_cast<std::uintmax_t>(nTriangles) * ofTriangle;
+      if (FileExtension(file) == extension && std::filesystem::file_size(file, error) != size) return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace
@@ -82,16 +92,18 @@ std::int64_t TIN::ForEachTriangle(const TakeTriangle& take) const {
   return nTaken;
 }
 
-int TIN::WriteShape(const std::string& path) const {
+int TIN::WriteShape(const std::string& path, std::int64_t* nPolygons) const {
   StagedFiles shapeStage(path);
-  ShapeFile shapes(shapeStage.IsOpen() ? SHPCreate(shapeStage.GetPath().c_str(), SHPT_POLYGON) : nullptr);
+  const bool canStage = shapeStage.IsOpen() && !shapeStage.IsDirect();  // three files are no device
+  ShapeFile shapes(canStage ? SHPCreate(shapeStage.GetPath().c_str(), SHPT_POLYGON) : nullptr);
   if (!shapes) {
     ShowWarning("Unable to create:" + path + ".");
     return -1;
   }
   const std::string tablePath = DerivedName(path, ".dbf");
   StagedFiles tableStage(tablePath);
-  TableFile table(tableStage.IsOpen() ? DBFCreate(tableStage.GetPath().c_str()) : nullptr);
+  TableFile table(tableStage.IsOpen() && !tableStage.IsDirect() ? DBFCreate(tableStage.GetPath().c_str())
+                                                                : nullptr);
   if (!table) {
     ShowWarning("DBFCreate(" + tablePath + ") failed.");
     return -2;
@@ -108,8 +120,10 @@ int TIN::WriteShape(const std::string& path) const {
   shapes.reset();
   table.reset();
   const bool isWhole =
-      nWritten >= 0 && HasAllPolygons(shapeStage.GetPath(), static_cast<std::uintmax_t>(nWritten));
-  return isWhole && tableStage.Commit() && shapeStage.Commit() ? 0 : -4;
+      nWritten >= 0 && AreWhole(shapeStage.GetFiles(), nWritten) && AreWhole(tableStage.GetFiles(), nWritten);
+  if (!isWhole || !StagedFiles::CommitTogether({&tableStage, &shapeStage})) return -4;
+  if (nPolygons) *nPolygons = nWritten;
+  return 0;
 }
 
 }  // namespace corvane

@@ -8,6 +8,7 @@
 #include "Geometry/Cross.h"
 #include "TIN/Prefetch.h"
 #include "numerics/SimdVersion.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
@@ -23,12 +24,13 @@ bool IsEmpty(const float& height) {
 constexpr double kMargin = 1.0 / 64.0;         // of a cell: nodes so far outside of a box are tested, too
 constexpr double kMaxDrift = 1.0 / 256.0;      // of a cell: how far rounding may move a node from its place
 constexpr double kSureDistance = 1.0 / 128.0;  // of a cell: nodes that are not tested are farther away
-constexpr double kRounding = 0x1p-46;          // 64 times the half unit in the last place of 1.0
+constexpr double kRounding = 0x1p-46;          // 128 times the half unit in the last place of 1.0
 
 // Triangles that cover each other would be tested with every node below all of them.
 constexpr std::int64_t kTestsPerNode = 64;
 constexpr std::int64_t kSpareTests = 10000000;
 
+constexpr std::size_t kRowsBetweenTexts = 100;
 constexpr std::size_t kMinCols = 4;  // of a raster whose nodes are taken several at a time
 constexpr int kRowsAtOnce = 16;
 constexpr std::int32_t kAhead = 16;  // triangles whose vertices are asked for in advance
@@ -61,7 +63,7 @@ struct PlainTriangle {
   Side sides[3];
   double nx, ny, nz;  // the plane
   double offset;      // nx * x + ny * y + nz * z of its first corner
-  double minX, maxX;  // the box
+  double minX, maxX;  // of the nodes to take
   const double* xs;
   std::int64_t nCols;
   std::int64_t firstCol, lastCol;
@@ -144,6 +146,9 @@ void TinRaster::FillByNode() {
 
 void TinRaster::FillEmptyByNode() {
   for (std::size_t row = 0; row < ys_.size(); ++row) {
+    if (row % kRowsBetweenTexts == 0 && row > 0) {
+      Ui().SetStatusText(0, "Row " + std::to_string(row) + " of " + std::to_string(ys_.size()) + " ...");
+    }
     for (std::size_t col = 0; col < xs_.size(); ++col) {
       float& height = heights_[row * xs_.size() + col];
       if (!IsEmpty(height)) continue;
@@ -182,9 +187,12 @@ void TinRaster::FindNodesWithinExtent() {
 
 // Whether rounding can not let a node outside of the box, by more than a sure distance d, pass the test.
 //
-// With twice the area T, a box of w by h, s = w + h and nodes up to e away: the shortest side is at least
-// T / s, and the sine of each half angle at least T / (2 s^2), so that the product for some side of a node
-// at distance d is below -d * T^2 / (2 s^3), while its rounding error is below 8 * 2^-53 * e^2.
+// Only nodes in the cells that list the triangle matter, which are at most e = w + h + 2 cells away, w by h
+// being the box. With twice the area T and s = w + h: the shortest side is at least T / s, and the sine of
+// each half angle at least T / (2 s^2), so that the product for some side of a node at distance d is below
+// -d * T^2 / (2 s^3), while its rounding error is below 8 * 2^-53 * e^2. T itself is rounded by less than
+// 8 * 2^-53 * s^2, a small part of it wherever the condition holds and d is below e. kRounding has a factor
+// of 8 to spare.
 bool TinRaster::IsPlain(const TIN::Corners& corners, const Extent6& box) const {
   const double doubleArea = Cross(corners.c[0], corners.c[1], corners.c[2]);
   const double s = (box.maxX - box.minX) + (box.maxY - box.minY);
@@ -257,8 +265,8 @@ void TinRaster::FillPlain(std::int32_t triangle, const TIN::Corners& corners, co
       plane.ny,
       plane.nz,
       plane.nx * a.x + plane.ny * a.y + plane.nz * tin_.GetVertex(triangle, 0).z,
-      box.minX,
-      box.maxX,
+      std::max(box.minX, xs_[static_cast<std::size_t>(nodes.firstCol)]),
+      std::min(box.maxX, xs_[static_cast<std::size_t>(nodes.lastCol)]),
       xs_.data(),
       static_cast<std::int64_t>(xs_.size()),
       nodes.firstCol,

@@ -22,11 +22,11 @@ std::string BesideDocument(CCorvaneView& view, const char* suffix) {
   return DerivedName(view.GetDocument().GetPathName(), suffix);
 }
 
-bool WriteSplitPoints(CCorvaneView& view, const char* kind, const char* groundSuffix,
+bool WriteSplitPoints(CCorvaneView& view, const std::string& kind, const char* groundSuffix,
                       const char* restSuffix) {
   TIN& tin = view.GetDocument().GetTIN();
   tin.MarkGroupMembers();
-  Ui().SetStatusText(0, kind + (": " + std::to_string(tin.groups.size())) + ".");
+  Ui().SetStatusText(0, kind + ": " + std::to_string(tin.groups.size()) + ".");
   const bool ground = WritePointsBeside(view, groundSuffix, 1);
   const bool rest = WritePointsBeside(view, restSuffix, 2);
   return ground && rest;

@@ -12,6 +12,7 @@ std::string BesideDocument(CCorvaneView& view, const char* suffix);
 // Marks the vertices that belong to groups as no ground (id -1), and writes ground and the rest apart, beside
 // the document. Tells in status pane 0 how many groups there are, calling them `kind`. False, with a warning,
 // if a file can't be written.
-bool WriteSplitPoints(CCorvaneView& view, const char* kind, const char* groundSuffix, const char* restSuffix);
+bool WriteSplitPoints(CCorvaneView& view, const std::string& kind, const char* groundSuffix,
+                      const char* restSuffix);
 
 }  // namespace corvane

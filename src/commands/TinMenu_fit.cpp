@@ -56,15 +56,18 @@ CommandResult OnSurfaceSmooth(CCorvaneView& view) {
   if (!HasLoadedTin(view)) return CommandResult::Failed;
   RunTimer timer;
   WaitCursor wait;
-  const int fitted = view.GetDocument().GetTIN().FitTiles(kTileLambda, kTileShape, kTileThreshold);
+  std::int64_t nSkipped = 0;
+  const int fitted = view.GetDocument().GetTIN().FitTiles(kTileLambda, kTileShape, kTileThreshold, &nSkipped);
   wait.End();
   timer.Stop();
   timer.ShowTotal();
+  // The marks don't count as a change of the document.
   RedrawTin(view);
-  const bool written =
-      WriteSplitPoints(view, "Tiles with points off the surface", "_SmGrd.pts", "_SmNonGrd.pts");
-  if (fitted < 0) return FailWithWarning("Surface Smooth: there is not enough memory.");
-  return written ? CommandResult::Done : CommandResult::Failed;
+  if (fitted < 0) ShowWarning("Surface Smooth: there is not enough memory; some tiles are not fitted.");
+  std::string kind = "Tiles with points off the surface";
+  if (nSkipped > 0) kind = "Tiles that could not be fitted: " + std::to_string(nSkipped) + ". " + kind;
+  const bool written = WriteSplitPoints(view, kind, "_SmGrd.pts", "_SmNonGrd.pts");
+  return fitted >= 0 && written ? CommandResult::Done : CommandResult::Failed;
 }
 
 // Kept: the surface is never evaluated, so the first file holds the heights that were read and the second

@@ -16,8 +16,7 @@ namespace corvane {
 
 namespace {
 
-const FileChooser kOpenTin{.filter = "TIN Files (*.tin)|*.tin|All Files (*.*)|*.*|"};
-const FileChooser kOpenTinThatExists{.filter = kOpenTin.filter, .mustExist = true};
+const FileChooser kOpenTin{.filter = "TIN Files (*.tin)|*.tin|All Files (*.*)|*.*|", .mustExist = true};
 const FileChooser kSaveDem{.mode = FileChooser::Mode::Save,
                            .filter = "DEM Files (*.dem)|*.dem|All Files (*.*)|*.*|",
                            .defaultExtension = "DEM"};
@@ -36,27 +35,9 @@ bool LoadTin(const std::string& path, TIN& tin) {
   if (tin.ReadTIN(path) < 0) return false;
   Ui().SetStatusText(0, "Done reading TIN.");
   if (tin.StoreTriangle(path) >= 0) return true;
+  if (tin.GetTriangleCount() > 0) Ui().SetStatusText(0, "All corners of the TIN are at one place.");
   ShowWarning("Failed to create the DEM!");
   return false;
-}
-
-// Has triangles, raw or stored, at hand in the document: those that it holds, or those of its file, which is
-// asked for where it has none. They stay raw.
-CommandResult HaveTriangles(CCorvaneView& view) {
-  CCorvaneDoc& document = view.GetDocument();
-  std::string path = document.GetPathName();
-  if (path.empty()) {
-    const auto chosen = ChooseFile(kOpenTin);
-    if (!chosen) return CommandResult::Cancelled;
-    path = *chosen;
-  }
-  if (document.GetTIN().GetTriangleCount() < 1) {
-    WaitCursor wait;
-    if (document.GetTIN().ReadTIN(path) != 0) return CommandResult::Failed;
-  }
-  view.paintEnabled = false;  // Kept: also where the TIN was loaded and painted before
-  document.SetPathName(path, true);
-  return CommandResult::Done;
 }
 
 // What three commands in a row come to: a failure counts before a Cancel.
@@ -71,7 +52,7 @@ CommandResult WorstOf(std::initializer_list<CommandResult> results) {
 }  // namespace
 
 CommandResult OnCreateDem(CCorvaneView&) {
-  const auto paths = ChooseInOrder({kOpenTinThatExists, kSaveDem});
+  const auto paths = ChooseInOrder({kOpenTin, kSaveDem});
   if (!paths) return CommandResult::Cancelled;
   TIN tin;
   if (!LoadTin((*paths)[0], tin)) return CommandResult::Failed;
@@ -82,11 +63,13 @@ CommandResult OnCreateDem(CCorvaneView&) {
   float cellSize = kFirstCellSize;
   if (ExtentInput().Ask(extent4, window, &cellSize) < 0) return CommandResult::Cancelled;
   WaitCursor wait;
-  int stored = 1;
+  StoredDem stored;
   const int created = tin.CreateDem((*paths)[1], window, cellSize, kHeightOfNoData, &stored);
   wait.End();
   if (created < 0) return FailWithWarning("Failed to create the DEM!");
-  return IsWritten((*paths)[1], stored) ? CommandResult::Done : CommandResult::Failed;
+  if (!IsWritten((*paths)[1], stored.status)) return CommandResult::Failed;
+  TellWritten((*paths)[1], {stored.nCols, stored.nRows});
+  return CommandResult::Done;
 }
 
 CommandResult OnCreateDemFromPoints(CCorvaneView& view) {
@@ -97,14 +80,18 @@ CommandResult OnCreateDemFromPoints(CCorvaneView& view) {
 }
 
 CommandResult OnTinToShape(CCorvaneView& view) {
-  const CommandResult loaded = HaveTriangles(view);
+  const CommandResult loaded = LoadTinOnDemand(view, TinForm::RawOrStored);
   if (loaded != CommandResult::Done) return loaded;
   const auto path = ChooseFile(kSaveShape);
   if (!path) return CommandResult::Cancelled;
   WaitCursor wait;
-  const int written = view.GetDocument().GetTIN().WriteShape(*path);
+  std::int64_t nPolygons = 0;
+  const int written = view.GetDocument().GetTIN().WriteShape(*path, &nPolygons);
   wait.End();
-  if (written >= 0) return CommandResult::Done;
+  if (written >= 0) {
+    Ui().SetStatusText(0, "Written to " + *path + ": " + std::to_string(nPolygons) + " polygons.");
+    return CommandResult::Done;
+  }
   ShowStop("Failed to Convet TIN to Shape");
   return CommandResult::Failed;
 }

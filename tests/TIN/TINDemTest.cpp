@@ -109,9 +109,11 @@ TEST_F(TINDem, CellsThatMakeNoRasterFailAndNothingIsWritten) {
 }
 
 TEST_F(TINDem, FailedWriteIsNotItsOwnFailure) {
-  int stored = 1;
+  StoredDem stored;
   EXPECT_EQ(tin.CreateDem("missing/a.lan", {0, 0, 10, 10}, 1.0f, 230.0, &stored), 0);
-  EXPECT_LT(stored, 0);
+  EXPECT_LT(stored.status, 0);
+  EXPECT_EQ(stored.nRows, 10);
+  EXPECT_EQ(stored.nCols, 10);
   EXPECT_THAT(ui.EventsWith("message"),
               ElementsAre("message warning: Write file missing/a.lan error!", kTotal));
 }

@@ -101,6 +101,42 @@ TEST_F(TINFit, TilesAreFittedOnTheirOwnRowByRowAndCountLabels) {
   EXPECT_THAT(ui.EventsWith("status").back(), "status 0: Fitting tile 4 of 4 ...");
 }
 
+// A vertex is judged by the surface through the vertices of its own tile alone.
+TEST_F(TINFit, TileBordersAreNotBlended) {
+  LoadTriangles(
+      GridMesh(60, 60, 1.0, [](int row, int col) { return row == 43 && col < 44 ? 4.0 : 0.1 * (col % 3); }));
+  const double cell = std::sqrt(59.0 * 59.0 * 2000.0 / 3600.0);
+  std::vector<std::int32_t> firstTile;
+  std::vector<Point3> points;
+  for (const TINVertex& v : tin.vertices) {
+    if (v.x >= cell || v.y >= cell) continue;
+    firstTile.push_back(v.id);
+    points.push_back({v.x, v.y, v.z});
+  }
+  Surface surface;
+  ASSERT_EQ(surface.Fit(static_cast<std::int32_t>(points.size()), points.data(), kThinPlateKernel, 10.0, 1.0),
+            1);
+  std::vector<std::int32_t> expected;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    Point3 fitted = points[i];
+    surface.Evaluate(fitted);
+    if (std::fabs(fitted.z - points[i].z) >= 1.5) expected.push_back(firstTile[i]);
+  }
+  std::ranges::sort(expected);
+  ASSERT_FALSE(expected.empty());
+  ASSERT_EQ(tin.FitTiles(10.0, 1.0, 1.5), 1);
+  EXPECT_EQ(IdsOf(tin.groups[0]), expected);
+}
+
+TEST_F(TINFit, SkippedTilesAreCounted) {
+  auto mesh = GridMesh(15, 12, 1.0, GroundWithOutliers);
+  mesh.push_back({{{1000, 3.0, 3.0, 5.0, 1.0}, {1001, 4.0, 3.0, 5.0, 1.0}, {1002, 3.0, 4.0, 5.0, 1.0}}});
+  LoadTriangles(mesh);
+  std::int64_t nSkipped = 0;
+  ASSERT_EQ(tin.FitTiles(10.0, 1.0, 1.5, &nSkipped), 1);
+  EXPECT_EQ(nSkipped, 1);
+}
+
 TEST_F(TINFit, LabelsCountOnFromTheLastGroup) {
   LoadTriangles(GridMesh(15, 12, 1.0, GroundWithOutliers));
   tin.groups.resize(1);

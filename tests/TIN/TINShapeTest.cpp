@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "TINSample.h"
+#include "erdasimg/FileSizeLimit.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 
@@ -135,6 +136,49 @@ TEST_F(TINShape, FailuresNameTheFileAndLeaveTheOldOnes) {
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message warning: DBFCreate(net.dbf) failed."));
   EXPECT_EQ(ReadFileBytes("net.shp"), "old");
   EXPECT_FALSE(std::filesystem::exists("net.shx"));
+}
+
+TEST_F(TINShape, WhatStandsInTheWayOfOneFileStopsAll) {
+  ASSERT_EQ(tin.ReadTIN("a.tin"), 0);
+  WriteFileBytes("net.dbf", "old");
+  std::filesystem::create_directory("net.shx");
+  EXPECT_EQ(tin.WriteShape("net.shp"), -4);
+  EXPECT_EQ(ReadFileBytes("net.dbf"), "old");
+  EXPECT_FALSE(std::filesystem::exists("net.shp"));
+}
+
+TEST_F(TINShape, DevicesAreRefused) {
+  ASSERT_EQ(tin.ReadTIN("a.tin"), 0);
+  std::filesystem::create_symlink("/dev/null", "net.shp");
+  EXPECT_EQ(tin.WriteShape("net.shp"), -1);
+  EXPECT_FALSE(std::filesystem::exists("net.dbf"));
+}
+
+TEST_F(TINShape, FullDiskLeavesTheOldFiles) {
+  WriteFileBytes("many.tin", TinBytes(GridMesh(20, 20, 1.0, [](int, int) { return 0.0; })));
+  ASSERT_EQ(tin.ReadTIN("many.tin"), 0);
+  ASSERT_EQ(tin.WriteShape("net.shp"), 0);
+  const std::string whole = ReadFileBytes("net.shp");
+  for (const rlim_t size : {100, 5000, 20000}) {
+    const FileSizeLimit limit(size);
+    EXPECT_EQ(tin.WriteShape("net.shp"), -4) << size;
+  }
+  EXPECT_EQ(ReadFileBytes("net.shp"), whole);
+}
+
+TEST_F(TINShape, NumbersOfSixDigitsLoseTheirLast) {
+  const std::vector<SampleTriangle> one(100002, TwoTriangles()[0]);
+  WriteFileBytes("many.tin", TinBytes(one));
+  ASSERT_EQ(tin.ReadTIN("many.tin"), 0);
+  std::int64_t nPolygons = 0;
+  ASSERT_EQ(tin.WriteShape("net.shp", &nPolygons), 0);
+  EXPECT_EQ(nPolygons, 100002);
+  DBFHandle table = DBFOpen("net.dbf", "rb");
+  ASSERT_TRUE(table);
+  EXPECT_EQ(DBFGetRecordCount(table), 100002);
+  EXPECT_EQ(DBFReadIntegerAttribute(table, 99999, 0), 99999);
+  EXPECT_EQ(DBFReadIntegerAttribute(table, 100001, 0), 10000);
+  DBFClose(table);
 }
 
 }  // namespace

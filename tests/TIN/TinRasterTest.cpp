@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -165,6 +166,151 @@ TEST_F(TinRasterTest, GivesWhatTheSearchGivesOnSlivers) {
     ExpectReferenceHeights(slivers, NodesFrom(x0 - 1.0, y0 + 5.0, 0.125, 80, 50), 0.125);
     if (HasFailure()) break;
   }
+}
+
+// A TIN and a raster that lie badly: coordinates from tiny to huge, triangles thin down to their rounding, on
+// a coarse grid, clockwise, far smaller or larger than a cell, and nodes on and about their corners.
+class BadCase {
+ public:
+  explicit BadCase(unsigned seed) : random_(seed) {
+    static constexpr double kBases[] = {0.0, 0.0, 0.0, 1e6 + 0.1, 5.4e6 + 0.2, -1e6, 450000.1, 1e15, -1e-20};
+    base_ = kBases[Whole(0, 8)];
+    const double size = std::max(std::fabs(base_), 1e-300);
+    const double scales[] = {1e-3, size * std::exp2(-Whole(20, 52)), std::pow(10.0, Whole(-30, 30)), size,
+                             std::pow(10.0, Whole(-2, 4))};
+    scale_ = scales[Whole(0, 4)];
+    kind_ = Whole(0, 5);
+    grid_ = Whole(0, 1) == 0 ? 0 : Whole(2, 16);
+    angle_ = Real(0.0, 6.3);
+    thinness_ = std::pow(10.0, Real(-17.0, 0.0));
+    const int nTriangles = Whole(1, 40);
+    for (int i = 0; i < nTriangles; ++i) AddTriangle();
+  }
+
+  double CellSize(const Extent6& extent) {
+    const double side = std::max(extent.maxX - extent.minX, extent.maxY - extent.minY);
+    const double sizes[] = {side * std::pow(10.0, Real(-3.0, 3.0)), side * std::pow(10.0, Real(-12.0, 20.0)),
+                            side * thinness_ * std::pow(10.0, Real(-2.0, 2.0)), side / Whole(1, 32),
+                            side / Real(1.0, 40.0)};
+    const double size = sizes[Whole(0, 4)];
+    return Whole(0, 1) == 0 ? size : static_cast<float>(size);
+  }
+
+  // Around a corner of some triangle, exactly on it or a little off.
+  Nodes NodesAround(double cellSize) {
+    const int nCols = Whole(0, 3) > 0 ? Whole(1, 40) : Whole(1, 5);
+    const int nRows = Whole(0, 3) > 0 ? Whole(1, 40) : Whole(1, 5);
+    const PointRecord& corner =
+        triangles[static_cast<std::size_t>(Whole(0, static_cast<int>(triangles.size()) - 1))][0];
+    const double off = Whole(0, 1) == 0 ? 0.0 : Whole(-3, 3) / 128.0 * cellSize;
+    return NodesFrom(corner.x - Whole(0, nCols) * cellSize + off, corner.y + Whole(0, nRows) * cellSize + off,
+                     cellSize, nCols, nRows);
+  }
+
+  std::vector<SampleTriangle> triangles;
+
+ private:
+  int Whole(int from, int to) {
+    return from + static_cast<int>(random_() % static_cast<unsigned>(to - from + 1));
+  }
+  double Real(double from, double to) { return from + (to - from) * (random_() / 4294967296.0); }
+
+  PointRecord Corner() {
+    double a = Real(0.0, 1.0);
+    double b = Real(0.0, 1.0);
+    if (grid_ > 0) {
+      a = std::floor(a * grid_) / grid_;
+      b = std::floor(b * grid_) / grid_;
+    }
+    if (kind_ == 1 || kind_ == 2) {  // near one line
+      const double across = (b - 0.5) * thinness_;
+      b = a * std::sin(angle_) + across * std::cos(angle_);
+      a = a * std::cos(angle_) - across * std::sin(angle_);
+    } else if (kind_ == 3) {  // a few units of rounding off a line
+      b = a / 2.0 + Whole(-3, 3) * 0x1p-52 * (std::fabs(base_) / scale_ + 1.0);
+    }
+    return {nCorners_++, base_ + a * scale_, base_ + b * scale_, Real(-100.0, 100.0), 1.0};
+  }
+
+  void AddTriangle() {
+    const PointRecord centre = Corner();
+    const double shrink = kind_ == 4 ? std::pow(10.0, -Real(0.0, 6.0)) : 1.0;
+    SampleTriangle triangle;
+    for (PointRecord& corner : triangle) {
+      corner = Corner();
+      if (kind_ == 4) {
+        corner.x = centre.x + (corner.x - base_) * shrink;
+        corner.y = centre.y + (corner.y - base_) * shrink;
+      }
+      if (!triangles.empty() && Whole(0, 3) == 0)
+        corner = triangles.back()[static_cast<std::size_t>(Whole(0, 2))];
+    }
+    const auto& [p, q, r] = triangle;
+    if (Whole(0, 3) > 0 && (q.x - p.x) * (r.y - p.y) < (r.x - p.x) * (q.y - p.y))
+      std::swap(triangle[1], triangle[2]);
+    triangles.push_back(triangle);
+  }
+
+  std::mt19937 random_;
+  double base_;
+  double scale_;
+  int kind_;
+  int grid_;
+  double angle_;
+  double thinness_;
+  std::int32_t nCorners_ = 0;
+};
+
+TEST_F(TinRasterTest, GivesWhatTheSearchGivesInBadCases) {
+  int nHeights = 0;
+  for (unsigned seed = 1; seed <= 5000; ++seed) {
+    BadCase bad(seed);
+    WriteFileBytes("a.tin", TinBytes(bad.triangles));
+    if (!Load(tin, "a.tin")) continue;
+    const double cellSize = bad.CellSize(tin.GetExtent());
+    if (!(cellSize > 0.0) || !std::isfinite(cellSize)) continue;
+    const Nodes nodes = bad.NodesAround(cellSize);
+    const std::vector<float> expected = FilledByNode(nodes, cellSize);
+    for (const SimdVersion version : AvailableSimdVersions()) {
+      const ForcedSimdVersion forced(version);
+      const std::vector<float> heights = Filled(nodes, cellSize);
+      const bool areEqual =
+          std::equal(heights.begin(), heights.end(), expected.begin(),
+                     [](float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); });
+      ASSERT_TRUE(areEqual) << "seed " << seed << ", version " << static_cast<int>(version);
+    }
+    nHeights += static_cast<int>(
+        std::count_if(expected.begin(), expected.end(), [](float z) { return z != 230.0f; }));
+  }
+  EXPECT_GT(nHeights, 50000);
+}
+
+// A node a hair beside a triangle far larger than its cells, which rounding lets pass the test.
+TEST_F(TinRasterTest, NodesBesideTheBoxAreNotTaken) {
+  const std::vector<SampleTriangle> triangles = {
+      {{{0, 0x1.29e4129e4129fp-6, 0x1.745d1745d1746p-5, -4.0, 1.0},
+        {1, 0x1.79ca10c924223p-67, 0x1.79ca10c924223p-67, 96.5, 1.0},
+        {2, 0x1.29e4129e4129fp-5, 0x1.29e4129e4129fp-6, -46.0, 1.0}}}};
+  const double cellSize = 0x1.5cbae2p-27;
+  ExpectReferenceHeights(triangles, NodesFrom(-0x1.5cbae1ffff432p-26, 0x1.7ap-67, cellSize, 4, 1), cellSize);
+}
+
+// A node a hair beside a triangle, and over the border of the index's cell from it: the triangle passes the
+// test by rounding, but the search never looks at it from there.
+TEST_F(TinRasterTest, NodesInCellsWithoutTheTriangleAreNotTaken) {
+  constexpr int kNinths[][2] = {
+      {1, 8}, {1, 1}, {6, 7}, {8, 4}, {0, 7}, {4, 6}, {0, 2}, {8, 2}, {5, 3}, {0, 1}, {5, 3}, {0, 8},
+      {1, 8}, {4, 1}, {6, 3}, {5, 3}, {2, 7}, {0, 5}, {5, 8}, {1, 4}, {6, 3}, {5, 7}, {5, 7}, {2, 3},
+      {3, 8}, {5, 2}, {8, 2}, {5, 3}, {0, 7}, {3, 4}, {5, 2}, {0, 8}, {3, 4}, {4, 2}, {8, 3}, {5, 3},
+      {5, 4}, {2, 7}, {6, 2}, {2, 8}, {0, 0}, {8, 3}, {8, 3}, {0, 8}, {2, 8}, {4, 4}, {0, 2}, {4, 3}};
+  std::vector<SampleTriangle> triangles(std::size(kNinths) / 3);
+  for (std::size_t i = 0; i < std::size(kNinths); ++i) {
+    triangles[i / 3][i % 3] = {static_cast<std::int32_t>(i), kNinths[i][0] / 9.0 * 1000.0,
+                               kNinths[i][1] / 9.0 * 1000.0, static_cast<double>(i), 1.0};
+  }
+  const double cellSize = 0x1.70b9dep+6;
+  ExpectReferenceHeights(triangles, NodesFrom(0x1.861f442aaaaaap+8, 0x1.bc71c71c71c7p+7, cellSize, 4, 1),
+                         cellSize);
 }
 
 // So many triangles on top of each other that the nodes are looked up instead.
