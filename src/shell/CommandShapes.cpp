@@ -46,7 +46,7 @@ std::optional<std::vector<std::string>> ChooseInOrder(const std::vector<FileChoo
   return paths;
 }
 
-CommandResult LoadTinOnDemand(CCorvaneView& view) {
+CommandResult LoadTinOnDemand(CCorvaneView& view, TinForm form) {
   CCorvaneDoc& document = view.GetDocument();
   std::string path = document.GetPathName();
   if (path.empty()) {
@@ -55,8 +55,13 @@ CommandResult LoadTinOnDemand(CCorvaneView& view) {
     path = *chosen;
   }
   const bool isLoaded = document.GetTIN().GetTriangleCount() >= 1;
-  if (!isLoaded && document.OnOpenDocument(path) <= 0) return CommandResult::Failed;
-  if (!HasLoadedTin(view)) return CommandResult::Failed;
+  if (form == TinForm::RawOrStored) {
+    WaitCursor wait;
+    if (!isLoaded && document.GetTIN().ReadTIN(path) != 0) return CommandResult::Failed;
+  } else {
+    if (!isLoaded && document.OnOpenDocument(path) <= 0) return CommandResult::Failed;
+    if (!HasLoadedTin(view)) return CommandResult::Failed;
+  }
   view.paintEnabled = false;  // Kept: also where the TIN was loaded and painted before
   document.SetPathName(path, true);
   return CommandResult::Done;

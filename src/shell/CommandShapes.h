@@ -33,8 +33,10 @@ std::optional<std::vector<std::string>> ChooseInOrder(const std::vector<FileChoo
 
 // Shape C, the TIN-on-demand command: the document's path, or one from a chooser; loads the TIN where none
 // is loaded, with painting off. Done when the TIN is at hand, otherwise the command's result. A file that
-// opens and gives no TIN ends in the text of the guard.
-CommandResult LoadTinOnDemand(CCorvaneView& view);
+// opens and gives no TIN ends in the text of the guard. For a command that takes raw triangles as well the
+// file is only read, and may hold none.
+enum class TinForm { Stored, RawOrStored };
+CommandResult LoadTinOnDemand(CCorvaneView& view, TinForm form = TinForm::Stored);
 
 // Shape D, the batch command: the chooser for the batch file. Nothing on Cancel.
 std::optional<std::string> ChooseBatchFile();

@@ -15,9 +15,9 @@
 #include "shell/CorvaneDoc.h"
 #include "shell/MainFrm.h"
 #include "shell/MaskChooser.h"
-#include "ui/RunTimer.h"
 #include "ui/ErrorTexts.h"
 #include "ui/FrontEnd.h"
+#include "ui/RunTimer.h"
 
 namespace corvane {
 
