@@ -11,10 +11,10 @@ namespace corvane {
 
 constexpr double kFewBytes = 1 << 16;
 
-// Whether an image of this many bytes is large, but not beyond what a file may promise without holding it:
-// reading it takes room and time, and finds nothing new.
-inline bool IsLargePromise(double bytes) {
-  return bytes > kFewBytes && bytes < 2.0 * ErdasImg::kMaxMissingBytes;
+// Whether an image of this many bytes is large, but not beyond the `most` that a file may promise without
+// holding it: reading it takes room and time, and finds nothing new.
+inline bool IsLargePromise(double bytes, double most = ErdasImg::kMaxMissingBytes) {
+  return bytes > kFewBytes && bytes < 2.0 * most;
 }
 
 // The first five lines of a grid.

@@ -1,8 +1,13 @@
-// Any bytes as a .lan: its header, its pixels, what is cut from them, and writing it again in all forms.
+// Any bytes as a .lan: its header, its pixels, what is cut from them and added to them, its samples pixel by
+// pixel, and writing it again in all forms.
+
+#include <algorithm>
+#include <vector>
 
 #include "FuzzFolder.h"
 #include "LargePromise.h"
 #include "erdasimg/ErdasImg.h"
+#include "io/InputFile.h"
 
 namespace corvane {
 namespace {
@@ -27,6 +32,32 @@ void CutOut(ErdasImg& image) {
   image.MakeDib();
 }
 
+// Bytes of the samples that ReadInterleaved takes.
+double BytesOfSamples(const ErdasHeader& header) {
+  return 1.0 * header.cols * header.rows * std::min<std::int32_t>(header.bandCount, 3);
+}
+
+void ReadSamples(const std::string& path) {
+  ErdasImg image;
+  image.ReadHeader(path);
+  if (IsLargePromise(BytesOfSamples(*image.GetHeader()), ErdasImg::kMaxMissingSamples)) return;
+  InputFile file(path);
+  std::vector<std::uint8_t> samples;
+  image.ReadInterleaved(file, samples);
+}
+
+// Writes an image that is in memory from samples that stand pixel by pixel. One of no bands may have any
+// size.
+void WriteSamples(ErdasImg& image) {
+  if (image.GetBands().size() == 0) return;
+  const std::int64_t nBands = std::max(image.GetBandCount(), 3);  // WriteInterleavedLan takes three
+  std::vector<std::uint8_t> samples(static_cast<std::size_t>(image.GetImageBytes() * nBands), 7);
+  image.GetInterleaved(samples.data());
+  image.SetFromInterleaved(samples.data());
+  if (image.GetBandCount() < kSlowBands) image.WriteInterleaved(FuzzPath("samples.tif"), samples.data());
+  image.WriteInterleaved(FuzzPath("samples.lan"), samples.data());
+}
+
 double BytesOfPixels(const ErdasHeader& header) {
   return 1.0 * header.cols * header.rows * header.bandCount * BytesOfPackType(header.packType);
 }
@@ -36,10 +67,13 @@ void Run(const std::uint8_t* data, std::size_t size) {
   ErdasImg image;
   image.ReadHeader(path);
   WriteAll(image);
+  ReadSamples(path);
   if (IsLargePromise(BytesOfPixels(*image.GetHeader()))) return;
   image.Read(path);
   CutOut(image);
+  image.AddImage(path);
   WriteAll(image);
+  WriteSamples(image);
 }
 
 }  // namespace

@@ -2,16 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace corvane {
 
 namespace {
 
-// The box of `count` points, of which `point` gives the one of an index.
+// The box of `count` points, of which `pointAt` gives the one of an index.
 template <typename PointAt>
-void Bound(std::size_t count, PointAt point, Box2D& box) {
+void Bound(std::size_t count, PointAt pointAt, Box2D& box) {
   for (std::size_t i = 0; i < count; ++i) {
-    const Point2D p = point(i);
+    const Point2D p = pointAt(i);
     if (i == 0) box = {p.x, p.y, p.x, p.y};
     box.minX = std::min(box.minX, p.x);
     box.minY = std::min(box.minY, p.y);

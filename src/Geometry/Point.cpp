@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <istream>
+#include <iterator>
 #include <locale>
 #include <ostream>
 
+#include "Geometry/Coordinatewise.h"
 #include "Geometry/Cross.h"
 #include "Geometry/Vector.h"
 
@@ -31,27 +33,15 @@ class ClassicLocale {
   std::locale previous_;
 };
 
-template <typename Result>
-Result Combined(const Point& p, const Point& q, double sign) {
-  Result result;
-  result.dim = std::max(p.dim, q.dim);
-  result.x = p.x + sign * q.x;
-  result.y = p.y + sign * q.y;
-  result.z = p.z + sign * q.z;
-  return result;
-}
+// The texts of Point::Error.
+constexpr const char* kErrorTexts[] = {"no error", "error: invalid dimension for operation",
+                                       "error: Point sum is not affine"};
 
 template <typename Number>
 Point AffineSum(std::span<const Number> weights, std::span<const Point> points) {
-  const std::size_t count = std::min(weights.size(), points.size());
-  Point sum;
-  sum.dim = 1;
+  Point sum = WeightedSum(weights, points);
   double weightSum = 0.0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const double weight = weights[i];
-    weightSum += weight;
-    sum = sum + weight * points[i];
-  }
+  for (const Number weight : weights.first(std::min(weights.size(), points.size()))) weightSum += weight;
   sum.err = weightSum == 1.0 ? Point::Enot : Point::Esum;
   return sum;
 }
@@ -82,16 +72,8 @@ int Point::SetDim(int n) {
 }
 
 const char* Point::ErrorText() const {
-  switch (err) {
-    case Enot:
-      return "no error";
-    case Edim:
-      return "error: invalid dimension for operation";
-    case Esum:
-      return "error: Point sum is not affine";
-    default:
-      return "error: unknown err value";
-  }
+  const bool isKnown = err >= 0 && err < static_cast<int>(std::size(kErrorTexts));
+  return isKnown ? kErrorTexts[err] : "error: unknown err value";
 }
 
 Point& Point::operator+=(const Vector& v) {
@@ -125,23 +107,13 @@ Point operator+(const Point& p, const Point& q) {
 }
 
 Point operator*(double c, const Point& p) {
-  Point result;
-  result.dim = p.dim;
-  result.x = c * p.x;
-  result.y = c * p.y;
-  result.z = c * p.z;
-  return result;
+  return Scaled<Point>(p, c);
 }
 Point operator*(const Point& p, double c) {
-  return c * p;
+  return Scaled<Point>(p, c);
 }
 Point operator/(const Point& p, double c) {
-  Point result;
-  result.dim = p.dim;
-  result.x = p.x / c;
-  result.y = p.y / c;
-  result.z = p.z / c;
-  return result;
+  return Divided<Point>(p, c);
 }
 
 Point Asum(std::span<const int> weights, std::span<const Point> points) {
@@ -155,10 +127,7 @@ double Distance(const Point& p, const Point& q) {
   return std::sqrt(Distance2(p, q));
 }
 double Distance2(const Point& p, const Point& q) {
-  const double dx = p.x - q.x;
-  const double dy = p.y - q.y;
-  const double dz = p.z - q.z;
-  return dx * dx + dy * dy + dz * dz;
+  return (p - q).Len2();
 }
 
 double IsLeft(Point& p0, const Point& p1, const Point& p2) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <iosfwd>
 #include <span>
 
@@ -9,9 +8,12 @@ namespace corvane {
 class Vector;
 
 // A point of 1, 2 or 3 dimensions. Operations follow the affine rules: point - point is a vector, point +
-// vector a point, and a weighted sum of points is one if the weights add up to 1. None throws or stops at an
-// error: the result tells of it in its `err`. A result of two operands has the larger of their dimensions;
-// `err` of an operand does not pass on.
+// vector a point, and a weighted sum of points is one if the weights add up to 1. A result of two operands
+// has the larger of their dimensions.
+//
+// Nothing throws or stops at an error; `err` tells of it. A new object that comes out of an operation has its
+// own `err`, Enot if nothing else is said, whatever the operands have. What changes an object in place (+=,
+// ^=, SetDim, Normalize, reading) leaves its `err` as it was, if nothing else is said; copies take it along.
 class Point {
  public:
   enum Error { Enot, Edim, Esum };
@@ -31,9 +33,10 @@ class Point {
   // or 3 it stays, `err` becomes Edim, and the result is 1.
   int SetDim(int n);
 
-  // "no error" and the like.
+  // What `err` means: "no error" and the like.
   const char* ErrorText() const;
 
+  // Moves the point, which gets the larger dimension.
   Point& operator+=(const Vector& v);
   Point& operator-=(const Vector& v);
 
@@ -51,9 +54,14 @@ class Point {
 // Whether the dimensions and as many coordinates are equal.
 bool operator==(const Point& p, const Point& q);
 
+// The way from q to p.
 Vector operator-(const Point& p, const Point& q);
+
+// The point moved by a vector.
 Point operator+(const Point& p, const Vector& v);
 Point operator-(const Point& p, const Vector& v);
+
+// The coordinates times c, or divided by it.
 Point operator*(double c, const Point& p);
 Point operator*(const Point& p, double c);
 Point operator/(const Point& p, double c);
@@ -61,11 +69,12 @@ Point operator/(const Point& p, double c);
 // The sum of the coordinates, as a part of an affine sum.
 Point operator+(const Point& p, const Point& q);
 
-// The sum of weights[i] * points[i]. `err` is Esum unless the weights add up to exactly 1.
+// The sum of weights[i] * points[i]. `err` is Esum unless the weights add up to exactly 1. Of spans of
+// unequal lengths the shorter one counts; of none the origin in 1 dimension comes out, with Esum.
 Point Asum(std::span<const int> weights, std::span<const Point> points);
 Point Asum(std::span<const double> weights, std::span<const Point> points);
 
-// In all 3 coordinates.
+// The distance in all 3 coordinates, and its square.
 double Distance(const Point& p, const Point& q);
 double Distance2(const Point& p, const Point& q);
 
@@ -74,8 +83,9 @@ double Distance2(const Point& p, const Point& q);
 double IsLeft(Point& p0, const Point& p1, const Point& p2);
 
 // "(x)", "(x, y)" or "(x, y, z)" in the C locale, in the stream's precision; "Error: P.dim = " and the number
-// for any other dimension. Any character does for a bracket or comma when reading; only ")" has a meaning,
-// and the number of coordinates before it becomes the dimension. A point that can't be read stays as it was.
+// for any other dimension. When reading, any character that is no white space does for a bracket or comma;
+// only ")" has a meaning, and the number of coordinates before it becomes the dimension. A point that can't
+// be read stays as it was, and the stream has failed; `err` stays in any case.
 std::istream& operator>>(std::istream& in, Point& p);
 std::ostream& operator<<(std::ostream& out, const Point& p);
 

@@ -1,30 +1,10 @@
 #include "Geometry/Vector.h"
 
-#include <algorithm>
 #include <cmath>
 
+#include "Geometry/Coordinatewise.h"
+
 namespace corvane {
-
-namespace {
-
-Vector VectorOf(int dim, double x, double y, double z) {
-  Vector v;
-  v.dim = dim;
-  v.x = x;
-  v.y = y;
-  v.z = z;
-  return v;
-}
-
-template <typename Number>
-Vector WeightedSum(std::span<const Number> weights, std::span<const Vector> vectors) {
-  const std::size_t count = std::min(weights.size(), vectors.size());
-  Vector sum = VectorOf(1, 0.0, 0.0, 0.0);
-  for (std::size_t i = 0; i < count; ++i) sum += static_cast<double>(weights[i]) * vectors[i];
-  return sum;
-}
-
-}  // namespace
 
 double Vector::Len() const {
   return std::sqrt(Len2());
@@ -39,11 +19,11 @@ void Vector::Normalize() {
 }
 
 Vector Vector::operator-() const {
-  return VectorOf(dim, -x, -y, -z);
+  return Made<Vector>(dim, -x, -y, -z);
 }
 
 Vector Vector::operator~() const {
-  Vector v = VectorOf(dim, -y, x, z);
+  Vector v = Made<Vector>(dim, -y, x, z);
   if (dim != 2) v.err = Edim;
   return v;
 }
@@ -78,24 +58,29 @@ Vector& Vector::operator-=(const Vector& w) {
 }
 
 Vector& Vector::operator^=(const Vector& w) {
-  return *this = *this ^ w;
+  const Vector product = *this ^ w;
+  dim = product.dim;
+  x = product.x;
+  y = product.y;
+  z = product.z;
+  return *this;
 }
 
 Vector operator*(double c, const Vector& v) {
-  return VectorOf(v.dim, c * v.x, c * v.y, c * v.z);
+  return Scaled<Vector>(v, c);
 }
 Vector operator*(const Vector& v, double c) {
-  return c * v;
+  return Scaled<Vector>(v, c);
 }
 Vector operator/(const Vector& v, double c) {
-  return VectorOf(v.dim, v.x / c, v.y / c, v.z / c);
+  return Divided<Vector>(v, c);
 }
 
 Vector operator+(const Vector& v, const Vector& w) {
-  return VectorOf(std::max(v.dim, w.dim), v.x + w.x, v.y + w.y, v.z + w.z);
+  return Combined<Vector>(v, w, 1.0);
 }
 Vector operator-(const Vector& v, const Vector& w) {
-  return VectorOf(std::max(v.dim, w.dim), v.x - w.x, v.y - w.y, v.z - w.z);
+  return Combined<Vector>(v, w, -1.0);
 }
 
 double operator*(const Vector& v, const Vector& w) {
@@ -103,7 +88,7 @@ double operator*(const Vector& v, const Vector& w) {
 }
 
 Vector operator^(const Vector& v, const Vector& w) {
-  return VectorOf(3, v.y * w.z - v.z * w.y, v.z * w.x - v.x * w.z, v.x * w.y - v.y * w.x);
+  return Made<Vector>(3, v.y * w.z - v.z * w.y, v.z * w.x - v.x * w.z, v.x * w.y - v.y * w.x);
 }
 
 Vector Sum(std::span<const int> weights, std::span<const Vector> vectors) {

@@ -17,6 +17,9 @@ namespace {
 // Two thousand kilometres in steps of 0.1. Beyond, a group counts as one that does not split.
 constexpr double kMaxCuts = 2e7;
 
+// A hundred kilometres below the start, from where each cut makes a group of its own.
+constexpr double kMaxCutsBelow = 1e6;
+
 // Tells in status pane 0, now and then, how high the cuts have come.
 class CutProgress {
  public:
@@ -154,6 +157,7 @@ int TIN::SegmentByPlaneCut(double zStart, double zEnd, double zStep, double area
   CalcTrianglesArea();
   const bool isFirstRun = groups.empty() && labels.empty();
   const double highestCut = zStart + kMaxCuts * zStep;
+  const double lowestCut = zStart - kMaxCutsBelow * zStep;
   std::int32_t label = -1;
   double cut = zStart + zStep;
   LabelAboveCut(cut, label);
@@ -171,7 +175,7 @@ int TIN::SegmentByPlaneCut(double zStart, double zEnd, double zStep, double area
     }
     // Kept: one running value for all groups; the first one to reach zEnd ends the whole loop.
     if (isTooLarge) cut = zStep + groups[next].cutHeight;
-    if (isTooLarge && cut <= highestCut && SplitAt(next, cut, label)) {
+    if (isTooLarge && cut >= lowestCut && cut <= highestCut && SplitAt(next, cut, label)) {
       groups[next] = {};
       continue;
     }

@@ -18,4 +18,13 @@ bool ReadPoints(const std::string& path, const std::string& failure, TINPoints& 
   return true;
 }
 
+std::string MissingText(const TINPoints& points, const std::string& path) {
+  const std::int32_t nMissing = points.GetMissingCount();
+  return nMissing > 0 ? " Points missing in " + path + ": " + std::to_string(nMissing) + "." : "";
+}
+
+void LeaveOutMissing(TINPoints& points) {
+  points.Truncate(points.GetCount() - points.GetMissingCount());
+}
+
 }  // namespace corvane

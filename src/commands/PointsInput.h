@@ -13,4 +13,10 @@ void TellMissing(const TINPoints& points);
 // be read or holds no points.
 bool ReadPoints(const std::string& path, const std::string& failure, TINPoints& points);
 
+// What the last status text of a command ends with: that the file has been cut short, if so.
+std::string MissingText(const TINPoints& points, const std::string& path);
+
+// Points that a cut file lacks are no points at (0, 0).
+void LeaveOutMissing(TINPoints& points);
+
 }  // namespace corvane

@@ -1,6 +1,7 @@
 // The commands on the menu Utilities > DEM that turn rasters of heights into other files and back.
 
 #include "TIN/GridFailure.h"
+#include "TIN/PointComparison.h"
 #include "TIN/PointRaster.h"
 #include "TIN/Spacing.h"
 #include "TIN/TINPoints.h"
@@ -8,6 +9,7 @@
 #include "commands/Failures.h"
 #include "commands/ImageExtent.h"
 #include "commands/ImageFiles.h"
+#include "commands/PointsInput.h"
 #include "commands/UtilitiesMenu.h"
 #include "erdasimg/PixelWindow.h"
 #include "erdasimg/RasterTools.h"
@@ -37,24 +39,42 @@ void MoveToCorner(ErdasHeader& header) {
   header.yMap -= header.yCell / 2;
 }
 
-// Why FillDem has made no DEM, as a sentence for the person.
-std::string NoDemText(int status, double cellSize) {
+// Tells in the message pane what of an image has been written: the values of a window.
+void TellWindow(const std::string& path, const PixelWindow& window, const std::string& more) {
+  if (window.nRows > 0 && window.nCols > 0) {
+    TellValuesWritten(path, {window.nCols, window.nRows}, more);
+  } else {
+    Ui().SetStatusText(0, "There is no cell in the rectangle." + more);
+  }
+}
+
+// Why FillDem has made no DEM of cells of these sizes, as a sentence for the person.
+std::string NoDemText(int status, double cellX, double cellY) {
   if (status == -2) return ErdasImg::kNoMemoryText;
   if (status == -3) return "The grid is too large.";
-  return IsSpacing(cellSize) ? "There is no cell in the extents." : NoGridText(cellSize);
-}
-
-std::string MissingCellsText(const AsciiGridHeader& header, std::int64_t nCells) {
-  const std::int64_t nMissing = std::int64_t{header.nRows} * header.nCols - nCells;
-  return nMissing > 0 ? " The grid is cut short: cells missing: " + std::to_string(nMissing) + "." : "";
-}
-
-std::string PlacedText(std::int32_t nPlaced, std::int32_t nPoints, std::int32_t nMissing) {
-  std::string text = " Points placed: " + std::to_string(nPlaced) + " of " + std::to_string(nPoints) + ".";
-  if (nMissing > 0) {
-    text += " The points file is cut short: points missing: " + std::to_string(nMissing) + ".";
+  for (const double cell : {cellX, cellY}) {
+    if (!IsSpacing(static_cast<float>(cell))) return NoGridText(cell);
   }
-  return text;
+  return "There is no cell in the extents.";
+}
+
+// About cells of an ASCII grid that could not be read, if there are any.
+std::string CellsText(std::int64_t nRead, const ImageSize& size) {
+  const std::int64_t nCells = std::int64_t{size.cy} * size.cx;
+  if (nRead == nCells) return "";
+  return " Cells written: " + std::to_string(nRead) + " of " + std::to_string(nCells) +
+         "; the rest is missing or no number.";
+}
+
+std::string PlacedText(std::int32_t nPlaced, std::int32_t nPoints) {
+  const std::string text = " Points placed: " + std::to_string(nPlaced) + " of " + std::to_string(nPoints);
+  return text + (nPlaced < nPoints ? ", left out: " + std::to_string(nPoints - nPlaced) + "." : ".");
+}
+
+// Why a points file could not be read, as TINPoints::Read says.
+CommandResult FailToRead(const std::string& path, int status) {
+  if (status < -1) return FailWith(kPointsMemoryError);
+  return FailWithWarning(OpenErrorText(path) + (InputFile(path).IsOpen() ? "\nIt holds no points." : ""));
 }
 
 }  // namespace
@@ -73,7 +93,7 @@ CommandResult OnDemToAsciiGrid(CCorvaneView&) {
   OutputFile file((*paths)[1]);
   if (!file.IsOpen()) return FailToOpen((*paths)[1]);
   if (!WriteAsciiGrid(dem, window, kNoDataZ, file) || !file.Commit()) return FailToWrite((*paths)[1]);
-  TellWritten((*paths)[1], {window.nCols, window.nRows});
+  TellWindow((*paths)[1], window, CutText(dem));
   return ResultOf(isRead);
 }
 
@@ -82,10 +102,13 @@ CommandResult OnAsciiGridToDem(CCorvaneView&) {
   if (!paths) return CommandResult::Cancelled;
   WaitCursor wait;
   ErdasImg dem;
-  if (dem.ReadAsciiGrid((*paths)[0]) < 0 || !HasPixels(dem)) {
+  std::int64_t nUnread = 0;
+  if (dem.ReadAsciiGrid((*paths)[0], &nUnread) < 0 || !HasPixels(dem)) {
     return FailWithWarning("Conversion from ASCII Grid to DEM failed");
   }
-  return StoreImage((*paths)[1], dem, true);
+  const auto [cols, rows] = dem.GetSize();
+  const std::int64_t nRead = std::int64_t{rows} * cols - nUnread;
+  return StoreImage((*paths)[1], dem, true, CellsText(nRead, dem.GetSize()));
 }
 
 CommandResult OnAsciiGridToTopaz(CCorvaneView&) {
@@ -103,7 +126,8 @@ CommandResult OnAsciiGridToTopaz(CCorvaneView&) {
   const int status = AsciiGridToTopaz(ascii, topaz, header, nCells);
   if (status == -1) return FailWithWarning("Conversion from ASCII Grid to TOPAZ failed");
   if (status < 0 || !topaz.Commit()) return FailToWrite(topazPath);
-  TellWritten(topazPath, {header.nCols, header.nRows}, MissingCellsText(header, nCells));
+  const ImageSize size = {header.nCols, header.nRows};
+  TellValuesWritten(topazPath, size, CellsText(nCells, size));
   return CommandResult::Done;
 }
 
@@ -122,7 +146,7 @@ CommandResult OnDemToPoints(CCorvaneView&) {
   const int status = WriteRasterPoints(dem, window, file);
   if (status == -2) return FailToWrite((*paths)[1], "There are too many points.");
   if (status < 0 || !file.Commit()) return FailToWrite((*paths)[1]);
-  TellWritten((*paths)[1], {window.nCols, window.nRows});
+  TellWindow((*paths)[1], window, CutText(dem));
   return ResultOf(isRead);
 }
 
@@ -131,17 +155,17 @@ CommandResult OnPointsToDem(CCorvaneView&) {
   if (!paths) return CommandResult::Cancelled;
   WaitCursor wait;
   TINPoints points;
-  if (points.Read((*paths)[0]) < 1) return FailToOpen((*paths)[0]);
-  const std::int32_t nMissing = points.GetMissingCount();
-  points.Truncate(points.GetCount() - nMissing);
+  const int read = points.Read((*paths)[0]);
+  if (read < 1) return FailToRead((*paths)[0], read);
+  LeaveOutMissing(points);
 
   ErdasImg dem;
   std::int32_t nPlaced = 0;
   const int status = PointsToDem(points, dem, nPlaced);
-  const double cellSize = IsSpacing(points.spacingX) ? points.spacingY : points.spacingX;
-  if (status < 0) return FailToWrite((*paths)[1], NoDemText(status, cellSize));
+  if (status < 0) return FailToWrite((*paths)[1], NoDemText(status, points.spacingX, points.spacingY));
   if (!WriteImage((*paths)[1], dem)) return CommandResult::Failed;
-  TellWritten((*paths)[1], dem.GetSize(), PlacedText(nPlaced, points.GetCount(), nMissing));
+  TellWritten((*paths)[1], dem.GetSize(),
+              PlacedText(nPlaced, points.GetCount()) + MissingText(points, (*paths)[0]));
   return CommandResult::Done;
 }
 
@@ -156,7 +180,7 @@ CommandResult OnGenerateFlatDem(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg dem;
   const int status = FlatDem(rect, cellSize, z, dem);
-  if (status < 0) return FailToWrite(*path, NoDemText(status, cellSize));
+  if (status < 0) return FailToWrite(*path, NoDemText(status, cellSize, cellSize));
   return StoreImage(*path, dem, true);
 }
 

@@ -32,16 +32,28 @@ const FileChooser kOpenImage{.filter = kImageFilter, .title = "Choose an Image."
 const FileChooser kSaveImage{.mode = kSave, .filter = kImageFilter, .title = "Choose an Image."};
 const FileChooser kOpenTestImage{.filter = kImageFilter, .title = "Choose a Image."};
 
+// Why a grid of raw floats could not be read, as ReadFloatGrid says.
+std::string NoFloatGridText(int status, const std::string& path, const ErdasImg& image) {
+  const std::string hdrText = OpenErrorText(DerivedName(path, ".hdr"));
+  if (status == -1) return hdrText;
+  const auto [cols, rows] = image.GetSize();
+  if (cols <= 0 || rows <= 0) return hdrText + "\nIts first two lines give no columns and rows.";
+  return status == -2 ? OpenErrorText(path) : ErdasImg::kNoMemoryText;
+}
+
 // False if the grid of raw floats could not be read, or has no cells, which has been shown.
 bool ReadGrid(const std::string& path, ErdasImg& image) {
   const int status = image.ReadFloatGrid(path);
+  TellCut(image);
   if (status == 1 && HasPixels(image)) return true;
-  const std::string failed = status == -2 ? path : DerivedName(path, ".hdr");
-  ShowWarning(status == -3 ? ErdasImg::kNoMemoryText : OpenErrorText(failed));
+  ShowWarning(NoFloatGridText(status, path, image));
   return false;
 }
 
-CommandResult CutSubset(const FileChooser& save, bool (*write)(const std::string&, ErdasImg&)) {
+using Store = CommandResult (*)(const std::string& path, ErdasImg& image, bool isInputRead,
+                                const std::string& more);
+
+CommandResult CutSubset(const FileChooser& save, Store store) {
   const auto paths = ChooseInOrder({kOpenWhole, save});
   if (!paths) return CommandResult::Cancelled;
   ErdasImg image;
@@ -54,13 +66,8 @@ CommandResult CutSubset(const FileChooser& save, bool (*write)(const std::string
   const auto [left, top] = image.GetStart();
   ErdasImg subset;
   image.ExtractTo(rect.left - left, rect.right - left, rect.top - top, rect.bottom - top, true, subset);
-  if (!subset.GetBands() || !write((*paths)[1], subset)) return CommandResult::Failed;
-  TellWritten((*paths)[1], subset.GetSize());
-  return ResultOf(isRead);
-}
-
-bool WriteText(const std::string& path, ErdasImg& image) {
-  return image.WriteText(path) == 1;
+  if (!subset.GetBands()) return CommandResult::Failed;
+  return store((*paths)[1], subset, isRead, CutText(image));
 }
 
 }  // namespace
@@ -68,26 +75,24 @@ bool WriteText(const std::string& path, ErdasImg& image) {
 CommandResult OnImageConversion(CCorvaneView&) {
   const auto path = ChooseFile(kOpenForeign);
   if (!path) return CommandResult::Cancelled;
-  const bool isLan = EqualIgnoringCase(FileExtension(*path), ".lan");
+  const bool isLan = ErdasImg::IsLan(*path);
   if (!isLan && !EqualIgnoringCase(FileExtension(*path), ".bil")) return CommandResult::Done;
   const auto outPath = ChooseFile(kSaveLan);
   if (!outPath) return CommandResult::Cancelled;
 
   WaitCursor wait;
   ErdasImg image;
-  if (isLan) {
-    const bool isRead = ReadImage(*path, image);
-    return StoreImage(*outPath, image, isRead);
-  }
-  return ReadGrid(*path, image) ? StoreImage(*outPath, image, true) : CommandResult::Failed;
+  const bool isRead = isLan ? ReadImage(*path, image) : ReadGrid(*path, image);
+  if (!isRead && !isLan) return CommandResult::Failed;
+  return StoreImage(*outPath, image, isRead, CutText(image));
 }
 
 CommandResult OnSubset(CCorvaneView&) {
-  return CutSubset(kSavePart, WriteImage);
+  return CutSubset(kSavePart, StoreImage);
 }
 
 CommandResult OnSubsetToText(CCorvaneView&) {
-  return CutSubset(kSavePartText, WriteText);
+  return CutSubset(kSavePartText, StoreText);
 }
 
 CommandResult OnSampleImage(CCorvaneView&) {
@@ -105,7 +110,7 @@ CommandResult OnSampleImage(CCorvaneView&) {
   const int status = SampleImage(image, n, sampled);
   if (status == -2) return FailWithWarning(ErdasImg::kNoMemoryText);
   if (status < 0) return ResultOf(isRead);
-  return StoreImage(DerivedName(*path, std::to_string(n) + ".lan"), sampled, isRead);
+  return StoreImage(DerivedName(*path, std::to_string(n) + ".lan"), sampled, isRead, CutText(image));
 }
 
 CommandResult OnScalePixelValue(CCorvaneView&) {
@@ -123,7 +128,7 @@ CommandResult OnScalePixelValue(CCorvaneView&) {
   const bool isRead = ReadImage(*path, image);
   ErdasImg scaled;
   if (DivideImage(image, n, scaled) < 0) return FailWithWarning(ErdasImg::kNoMemoryText);
-  return StoreImage(*outPath, scaled, isRead);
+  return StoreImage(*outPath, scaled, isRead, CutText(image));
 }
 
 CommandResult OnDifferenceImage(CCorvaneView&) {
@@ -137,7 +142,8 @@ CommandResult OnDifferenceImage(CCorvaneView&) {
   if (first.GetPackType() != second.GetPackType()) ShowWarning("The two images have different data type!");
   ErdasImg difference;
   if (SubtractImages(first, second, difference) < 0) return FailWithWarning(ErdasImg::kNoMemoryText);
-  return StoreImage((*paths)[2], difference, isFirstRead && isSecondRead);
+  return StoreImage((*paths)[2], difference, isFirstRead && isSecondRead,
+                    CutText(first, "The first image") + CutText(second, "The second image"));
 }
 
 CommandResult OnImageIoTest(CCorvaneView&) {
@@ -146,7 +152,7 @@ CommandResult OnImageIoTest(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg image;
   const bool isRead = ReadImage(*path, image);
-  return StoreImage(*path + "qvo", image, isRead);
+  return StoreImage(*path + "qvo", image, isRead, CutText(image));
 }
 
 }  // namespace corvane

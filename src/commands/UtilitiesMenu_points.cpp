@@ -51,13 +51,7 @@ bool ReadPointsAndMask(const std::string& pointsPath, const std::string& maskPat
   return false;
 }
 
-// What the last status text of a command ends with: that the file has been cut short, if so.
-std::string MissingText(const TINPoints& points, const std::string& path) {
-  const std::int32_t nMissing = points.GetMissingCount();
-  return nMissing > 0 ? " Points missing in " + path + ": " + std::to_string(nMissing) + "." : "";
-}
-
-// The same about regions of the mask that could not be used.
+// What the last status text of a command says about regions of the mask that could not be used.
 std::string RegionsText(std::size_t nUsed, std::size_t nRegions) {
   if (nRegions == 0) return " The mask gives no regions that can be used.";
   if (nUsed == nRegions) return "";
@@ -121,11 +115,6 @@ std::string ResampleText(const TINPoints& points, double cellSize, std::int32_t 
     text += " There are no samples: the extents are shorter than one unit, or than the cell size.";
   }
   return text;
-}
-
-// Points that a cut file lacks are no points at (0, 0).
-void LeaveOutMissing(TINPoints& points) {
-  points.Truncate(points.GetCount() - points.GetMissingCount());
 }
 
 // Puts the points of both files on the grid of the first and writes it over the first file.

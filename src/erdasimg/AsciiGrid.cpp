@@ -76,4 +76,11 @@ void ReadAsciiGridPlace(RecordReader& reader, AsciiGridHeader& header) {
   header.cellSize = ReadLabelledReal(reader, header.cellSize);
 }
 
+std::optional<double> ReadAsciiGridCell(RecordReader& reader) {
+  return reader.Next([](TextScanner& scanner) {
+    double value = 0.0;
+    return scanner.ScanDouble(value) ? std::optional(value) : std::nullopt;
+  });
+}
+
 }  // namespace corvane

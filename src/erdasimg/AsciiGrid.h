@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace corvane {
@@ -44,5 +45,8 @@ void ReadAsciiGridPlace(RecordReader& reader, AsciiGridHeader& header);
 
 // Reads one such line of a label and a number: the number, or `otherwise`.
 double ReadLabelledReal(RecordReader& reader, double otherwise);
+
+// Reads a cell, as scanf's "%lf"; nothing where no number stands.
+std::optional<double> ReadAsciiGridCell(RecordReader& reader);
 
 }  // namespace corvane

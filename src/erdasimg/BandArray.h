@@ -4,16 +4,23 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace corvane {
 
 // The pixel buffers of an image, one a band. Copies share the buffers; the last one that goes releases them,
-// so that a window of an image may outlive it.
+// so that a window of an image may outlive it. Moved from, an array is empty.
 class BandArray {
  public:
   // No buffers at all: the state of an empty image.
   BandArray() = default;
+  BandArray(const BandArray&) = default;
+  BandArray(BandArray&& other) noexcept { Swap(other); }
+  BandArray& operator=(BandArray other) noexcept {
+    Swap(other);
+    return *this;
+  }
 
   // Zeroed buffers of `bandBytes` each, in one allocation one after the other if `contiguous`. Without
   // buffers if a number is negative or there is no memory.
@@ -24,6 +31,9 @@ class BandArray {
 
   std::size_t size() const { return bands_.size(); }
   std::size_t GetBandBytes() const { return bandBytes_; }
+
+  // Whether all bands lie in one allocation, one after the other.
+  bool IsContiguous() const { return isContiguous_; }
 
   // Whether another array holds these buffers, too.
   bool IsShared() const {
@@ -50,6 +60,13 @@ class BandArray {
   }
 
  private:
+  void Swap(BandArray& other) noexcept {
+    std::swap(bands_, other.bands_);
+    std::swap(bandBytes_, other.bandBytes_);
+    std::swap(isContiguous_, other.isContiguous_);
+    std::swap(isAllocated_, other.isAllocated_);
+  }
+
   std::vector<std::shared_ptr<std::uint8_t>> bands_;
   std::size_t bandBytes_ = 0;
   bool isContiguous_ = false;

@@ -60,13 +60,22 @@ struct GroundExtent {
 // `packType` says. Pixel values cross the interface as doubles, whatever their type.
 //
 // A path with the extension "lan" is read and written here; any other is read through GDAL, and written as
-// GeoTIFF. Status results are 1 for success and negative for failure.
+// GeoTIFF. Of the status results only 1 is success: failures are negative, and those that GDAL tells of
+// itself are above 1.
 //
 // Bands and pixels that are not there read as 0, and what is stored into them is dropped.
+//
+// GetPixel and SetPixel look the pixel's type up at each call. Hot loops use the forms for rows and for many
+// places, or BandPixels.h, which knows the type outside of the loop.
+//
+// An image that was moved from keeps its header and has no bands.
 class ErdasImg {
  public:
   // A file may promise this many bytes of pixels more than it holds; they are zero then.
   static constexpr std::int64_t kMaxMissingBytes = std::int64_t{1} << 31;
+
+  // The same for ReadInterleaved.
+  static constexpr std::int64_t kMaxMissingSamples = std::int64_t{1} << 26;
 
   static constexpr const char* kNoMemoryText = "Allocate Memory for Image Fails";
 
@@ -74,6 +83,8 @@ class ErdasImg {
   virtual ~ErdasImg();
   ErdasImg(const ErdasImg&) = delete;
   ErdasImg& operator=(const ErdasImg&) = delete;
+  ErdasImg(ErdasImg&&) = default;
+  ErdasImg& operator=(ErdasImg&&) = default;
 
   // Memory (ErdasImg.cpp).
 
@@ -104,9 +115,12 @@ class ErdasImg {
   int Read(const std::string& path);
 
   // Reads header and pixels of an open .lan: the one band, or for each row a line of each band. Nothing is
-  // checked; pixels that the file lacks are zero. Always 1: without memory for the pixels it shows "Allocate
-  // Memory for Image Fails" and the image has none.
+  // checked; pixels that the file lacks are zero. Always 1: without memory for the pixels it shows
+  // kNoMemoryText and the image has none.
   int ReadLan(InputFile& file);
+
+  // Bytes of header and pixels that a .lan or a float grid lacked when it was read last; 0 for other files.
+  std::int64_t GetMissingBytes() const { return missingBytes_; }
 
   // Reads all bands in the type of the first one, as bytes if that is none of ours (packType 0xFFFE; 0xFFFF
   // for an unknown type). A dataset without a place on the ground leaves the header's. Prints driver and
@@ -135,9 +149,9 @@ class ErdasImg {
   int ReadFloatGrid(const std::string& path);
 
   // Reads an ASCII grid into doubles (AsciiGrid.h). 1; -1: it does not open; -3: no memory. Cells that it
-  // lacks get its no-data value.
+  // lacks or that are no numbers get its no-data value; `nUnread`, if given, gets how many those are.
   // Kept: the corner as in ReadFloatGrid.
-  int ReadAsciiGrid(const std::string& path);
+  int ReadAsciiGrid(const std::string& path, std::int64_t* nUnread = nullptr);
 
   // Writes the pixels as text, band by band: each followed by a blank, a line a row, and an empty line behind
   // each band. Integers are plain, others "%f". A type that is not ours, 4-bit packing included, or an image
@@ -167,7 +181,12 @@ class ErdasImg {
   const ErdasHeader* GetHeader() const { return &m_header; }
   void CopyHeader(ErdasHeader& dest) const { dest = m_header; }
   const BandArray& GetBands() const { return m_bands; }
-  void SetBands(const BandArray& bands) { m_bands = bands; }
+
+  // Takes the buffers, which it then shares with whoever has them; the header stays.
+  void SetBands(const BandArray& bands) {
+    m_bands = bands;
+    m_bandsContiguous = bands.IsContiguous() ? 1 : 0;
+  }
   const BandArray& GetSubsetBands() const { return m_subset; }
   const std::string& GetFileName() const { return m_fileName; }
   void SetFileName(const std::string& name) { m_fileName = name; }
@@ -199,9 +218,11 @@ class ErdasImg {
   void SetPixelRow(std::int32_t band, std::int32_t row, std::int32_t firstCol,
                    std::span<const double> values);
 
-  // Samples between pixels (ErdasImg_samples.cpp). Whole numbers are the pixels' centres.
+  // Samples between pixels (ErdasImg_samples.cpp). Whole numbers are the pixels' centres. A place that is not
+  // a number is outside for the nearest pixel; bilinear and bicubic samples are not a number there.
 
-  // The pixel at trunc(row + 0.5), trunc(col + 0.5); false outside, and for a band that is not there.
+  // The pixel at trunc(row + 0.5), trunc(col + 0.5), so that the first one reaches up to -1.5; false outside,
+  // and for a band that is not there.
   bool GetPixelNearest(std::int32_t band, double row, double col, double& value) const;
 
   // Between the four pixels around the place: (1 - fc)(1 - fr) a + (1 - fc) fr b + fc (1 - fr) c + fc fr d, a
@@ -257,13 +278,15 @@ class ErdasImg {
   // Subsets (ErdasImg_subset.cpp). Windows are x0, x1, y0, y1, all included; what lies outside of the image
   // is zero. Without a positive size nothing happens, and the subset is the one before. Its buffers are used
   // again while their number and size stay the same and nobody shares them. Without memory there is none, and
-  // "Allocate Memory for Image Fails" is shown.
+  // kNoMemoryText is shown.
 
-  // Cuts the window out, top row first.
+  // Cuts the window out, top row first. Unlike ClipToImage it takes pixel indices, which count from 0
+  // whatever the image's start: see there.
   const BandArray& GetSubset(std::int32_t x0, std::int32_t x1, std::int32_t y0, std::int32_t y1);
 
-  // Rows counted from the bottom: the subset runs from image row rows - y0 - 1 to rows - y1 - 1. With
-  // `interleaved` and several bands its samples stand pixel by pixel in one buffer.
+  // Rows counted from the bottom: the subset runs from image row rows - y0 - 1 to rows - y1 - 1, and
+  // m_subsetRect counts from the bottom, too: its top, y0, is the lowest row. With `interleaved` and several
+  // bands its samples stand pixel by pixel in one buffer: BandArray::GetBlock() has them, not GetBand().
   const BandArray& GetSubsetFlipped(std::int32_t x0, std::int32_t x1, std::int32_t y0, std::int32_t y1,
                                     bool interleaved);
 
@@ -271,7 +294,8 @@ class ErdasImg {
   // end: `area` of them. A row with an odd number of crossings ends it; what is not reached is zero.
   const BandArray& GetSubsetRegion(const ScanRegion& region);
 
-  // Clears what lies outside of the region's runs in a subset that GetSubset cut over m_subsetRect.
+  // Clears what lies outside of the region's runs in a subset that GetSubset cut over m_subsetRect. Only
+  // after GetSubset: others do not lie row by row as m_subsetRect says.
   void ClearSubsetRegion(const ScanRegion& region);
 
   // Cuts the window with GetSubset, or, not `straight`, GetSubsetFlipped, and makes `dest` an image of it,
@@ -280,7 +304,8 @@ class ErdasImg {
                  ErdasImg& dest);
 
   // Cuts a rectangle of image-file coordinates to the image. 1; -1 if nothing is left, which the rectangle
-  // tells, too.
+  // tells, too. The start of the image makes pixel indices of it: in an image of 10 columns and 8 rows that
+  // starts at (100, 50), {95, 48, 104, 52} becomes {100, 50, 104, 52}, and GetSubset(0, 4, 0, 2) cuts it out.
   int ClipToImage(ImageRect& rect) const;
 
   // Cuts a rectangle on the ground to the image's, from xMap to cols * xCell + xMap and between yMap and
@@ -296,14 +321,16 @@ class ErdasImg {
   std::vector<std::uint8_t> MakeDib8() const;
   std::vector<std::uint8_t> MakeDib() const;
 
-  // Up to three bands, pixel by pixel: cols * rows * bands bytes.
+  // The first three bands at most, pixel by pixel: cols * rows * min(bands, 3) bytes.
   void GetInterleaved(std::uint8_t* buffer) const;
 
   // The same from an open .lan of bytes, whose header is taken; m_bands stays. `buffer` gets its size.
-  // Samples that the file lacks are 0. 1; -1, with an empty buffer, without a positive size or memory.
+  // Samples that the file lacks are 0. 1; -1, with an empty buffer, without a positive size or memory, and
+  // for more samples than the bytes that the file holds and kMaxMissingSamples.
   int ReadInterleaved(InputFile& file, std::vector<std::uint8_t>& buffer);
 
-  // The reverse of GetInterleaved, with all bands and any pixel size.
+  // The reverse of GetInterleaved, with all bands and any pixel size: cols * rows * bands * bytesPerPixel
+  // bytes.
   // Kept: pixel (0, 0) stays as it was.
   void SetFromInterleaved(const std::uint8_t* buffer);
 
@@ -311,8 +338,10 @@ class ErdasImg {
   // SetFromInterleaved and Write for any other.
   int WriteInterleaved(const std::string& path, const std::uint8_t* buffer);
 
-  // A .lan of three bands of bytes, which bandCount becomes. 1; -1, without a message, if it can't be
-  // written.
+  // A .lan of three bands of bytes, which bandCount becomes: cols * rows * 3 bytes, or null for the header
+  // alone. 1; -1, without a message, if it can't be written.
+  // Kept: the header's pixel type is written as it is, so that only one of bytes makes a file that reads
+  // back.
   int WriteInterleavedLan(const std::string& path, const std::uint8_t* buffer);
 
   // Sums and tests (ErdasImg_statistics.cpp).
@@ -324,7 +353,8 @@ class ErdasImg {
   void ComputeSumsExcept(std::uint8_t value);
 
   // Adds an image of the same geometry pixel by pixel, if its pixels are floats or doubles. The path form
-  // holds one row of the other image at a time. 1; -1 if the geometry differs or the file does not open.
+  // takes a .lan alone, whatever its name, and holds a block of it at a time. 1; -1 if the geometry differs
+  // or the file does not open, the latter with a warning.
   int AddImage(const ErdasImg& other);
   int AddImage(const std::string& path);
 
@@ -337,9 +367,11 @@ class ErdasImg {
 
   // The correlation coefficient of the pattern with the window of its size in `other` that is centred on the
   // pixel, its first column being col - cols / 2; both are band 0 as bytes. With S, Q the sum and sum of
-  // squares of the pattern, as its ComputeSums left them, s, q those of the window, p the sum of products and
-  // n the number of pixels: (p - s S / n) / sqrt((Q - S^2 / n) (q - s^2 / n)). 1.0 if both are flat, 0.0 if
-  // one is, and for a pattern without pixels.
+  // squares of the pattern, s, q those of the window, p the sum of products and n = cols * rows of the
+  // pattern: (p - s S / n) / sqrt((Q - S^2 / n) (q - s^2 / n)). 1.0 if both are flat, 0.0 if one is, and for
+  // a pattern without pixels. What of the window is outside of the image counts as 0, and n stays.
+  // pattern.ComputeSums() comes first, which makes S and Q. They are -1.0 each where it was not called, and
+  // the result is then not a number, or 0.0 for a flat window.
   static double CorrelateWindow(const ErdasImg& pattern, std::int32_t col, std::int32_t row,
                                 const ErdasImg& other);
 
@@ -350,7 +382,7 @@ class ErdasImg {
 
   // Looks for a prominent pixel on circles around the pixel, of the radius 1 first, `radius` last, and on
   // each from left to right, above before below. The first one goes to `col` and `row`. Its IsProminent; 0 if
-  // there is none.
+  // there is none. The start may be outside of the image. No radius takes longer than a walk over the image.
   int FindProminent(std::int32_t& col, std::int32_t& row, std::int32_t radius, double threshold) const;
 
   // Minimum and maximum, or entropy in nats over 256 bins from 0 on, of each band of a window centred on
@@ -363,7 +395,7 @@ class ErdasImg {
                         std::vector<double>& values);
 
   std::uint8_t m_subsetContiguous = 0;
-  double m_pixelSum = -1.0;
+  double m_pixelSum = -1.0;  // of ComputeSums; -1.0 before, the squares too
   double m_pixelSumSq = -1.0;
   std::int32_t m_pixelCount = 0;
   BandArray m_bands;
@@ -373,7 +405,7 @@ class ErdasImg {
   std::uint8_t m_bandsContiguous = 0;
   BandArray m_subset;
   ImageSize m_subsetSize;
-  ImageRect m_subsetRect;  // the window that the subset was cut from
+  ImageRect m_subsetRect;  // the window that the subset was cut from, its rows as GetSubset... counted them
 
  private:
   // Bands for the header's size and type in place of the old ones. False, with no bands, if they need more
@@ -382,6 +414,8 @@ class ErdasImg {
 
   int ReadForeign(const std::string& path);  // 0 if GDAL cannot open it
   int WriteGeoTiff(const std::string& path);
+
+  std::int64_t missingBytes_ = 0;
 };
 
 }  // namespace corvane

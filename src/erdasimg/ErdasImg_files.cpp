@@ -50,13 +50,16 @@ class LineOrder {
   std::size_t lineBytes_;
 };
 
-void ReadLines(InputFile& file, const LineOrder& lines) {
+// Returns how many bytes came.
+std::size_t ReadLines(InputFile& file, const LineOrder& lines) {
   std::array<std::uint8_t, kBlock> block;
+  std::size_t position = 0;
   std::size_t got = 1;
-  for (std::size_t position = 0; position < lines.GetBytes() && got > 0; position += got) {
+  for (; position < lines.GetBytes() && got > 0; position += got) {
     got = file.Read(block.data(), std::min(kBlock, lines.GetBytes() - position));
     lines.Store({block.data(), got}, position);
   }
+  return position;
 }
 
 bool WritePlane(OutputFile& file, std::span<const std::uint8_t> plane) {
@@ -97,6 +100,7 @@ bool ErdasImg::IsLan(const std::string& path) {
 }
 
 int ErdasImg::Read(const std::string& path) {
+  missingBytes_ = 0;
   if (!IsLan(path)) {
     const int status = ReadForeign(path);
     if (status != 0) return status;
@@ -123,16 +127,14 @@ int ErdasImg::ReadHeader(const std::string& path) {
 }
 
 int ErdasImg::ReadLan(InputFile& file) {
-  file.Read(&m_header, sizeof m_header);
+  missingBytes_ = static_cast<std::int64_t>(sizeof m_header - file.Read(&m_header, sizeof m_header));
   if (!AllocateUpTo(file.BytesLeft().value_or(0) + kMaxMissingBytes, false)) {
     ShowWarning(kNoMemoryText);
     return 1;
   }
-  if (GetBandCount() == 1) {
-    file.Read(m_bands[0], m_bands.GetBandBytes());
-  } else {
-    ReadLines(file, {m_bands, LineBytes(*this)});
-  }
+  const std::size_t got = GetBandCount() == 1 ? file.Read(m_bands[0], m_bands.GetBandBytes())
+                                              : ReadLines(file, {m_bands, LineBytes(*this)});
+  missingBytes_ += static_cast<std::int64_t>(m_bands.GetBandBytes() * m_bands.size() - got);
   return 1;
 }
 

@@ -1,7 +1,6 @@
 // Images of other formats, through GDAL.
 
 #include <gdal_priv.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -9,6 +8,7 @@
 
 #include "erdasimg/ErdasImg.h"
 #include "erdasimg/GdalScope.h"
+#include "io/MachineMemory.h"
 #include "io/StagedFiles.h"
 #include "numerics/Truncate.h"
 #include "ui/FrontEnd.h"
@@ -24,11 +24,6 @@ struct DatasetCloser {
   void operator()(GDALDataset* dataset) const { GDALClose(dataset); }
 };
 using OpenDataset = std::unique_ptr<GDALDataset, DatasetCloser>;
-
-// Compressed and virtual files may hold any number of pixels, so that only the machine limits them.
-std::int64_t BytesOfMachine() {
-  return std::int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGE_SIZE);
-}
 
 bool IsSharedType(int type) {
   return type >= GDT_UInt16 && type <= GDT_Float64;
@@ -128,6 +123,7 @@ int ErdasImg::ReadGdal(GDALDataset* dataset) {
   m_header.packType = PackTypeOf(first ? first->GetRasterDataType() : GDT_Unknown);
   TakePlace(*dataset, m_header);
 
+  // Compressed and virtual files may hold any number of pixels, so that only the machine limits them.
   if (!AllocateUpTo(BytesOfMachine(), true)) return -3;
   const CPLErr error =
       dataset->RasterIO(GF_Read, 0, 0, m_header.cols, m_header.rows, m_bands[0], m_header.cols, m_header.rows,

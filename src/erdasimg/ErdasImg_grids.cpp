@@ -53,20 +53,20 @@ double ReadNoData(RecordReader& reader, double otherwise) {
   return isThere ? ReadLabelledReal(reader, otherwise) : otherwise;
 }
 
-void ReadCells(RecordReader& reader, std::span<double> cells, double noData) {
-  const auto scanCell = [noData](TextScanner& scanner) {
-    double value = noData;
-    scanner.ScanDouble(value);
-    return value;
-  };
+// Returns how many cells could not be read, and are `noData`.
+std::int64_t ReadCells(RecordReader& reader, std::span<double> cells, double noData) {
+  auto nUnread = static_cast<std::int64_t>(cells.size());
   while (!cells.empty() && !reader.HasFailed()) {
     const std::int64_t before = reader.GetPosition();
-    cells.front() = reader.Next(scanCell);
+    const auto cell = ReadAsciiGridCell(reader);
+    cells.front() = cell.value_or(noData);
+    if (cell) --nUnread;
     // At the end of the file, or at a character that no number begins with, nothing more will come.
     if (reader.GetPosition() == before) break;
     cells = cells.subspan(1);
   }
   std::ranges::fill(cells, noData);
+  return nUnread;
 }
 
 }  // namespace
@@ -79,17 +79,19 @@ int ErdasImg::ReadFloatGrid(const std::string& path) {
   ReadAsciiGridPlace(reader, grid);
   const bool isHighByteFirst = IsHighByteFirst(reader);
   m_header = HeaderOfGrid(grid, kPackFloat);
+  missingBytes_ = 0;
 
   InputFile data(path);
   if (!AllocateUpTo(data.BytesLeft().value_or(0) + kMaxMissingBytes, false)) return -3;
   if (!data.IsOpen()) return -2;
   const auto pixels = m_bands.GetBand(0);
   const std::size_t got = data.Read(pixels.data(), pixels.size());
+  missingBytes_ = static_cast<std::int64_t>(pixels.size() - got);
   if (isHighByteFirst) SwapBytes(pixels.first(got + (pixels.size() - got) % sizeof(float)));
   return 1;
 }
 
-int ErdasImg::ReadAsciiGrid(const std::string& path) {
+int ErdasImg::ReadAsciiGrid(const std::string& path, std::int64_t* nUnread) {
   InputFile file(path);
   if (!file.IsOpen()) return -1;
   const std::int64_t maxCells = file.BytesLeft().value_or(0) / 2 + 1;  // a digit and a blank
@@ -98,11 +100,14 @@ int ErdasImg::ReadAsciiGrid(const std::string& path) {
   ReadAsciiGridPlace(reader, grid);
   grid.noData = ReadNoData(reader, grid.noData);
   m_header = HeaderOfGrid(grid, kPackDouble);
+  missingBytes_ = 0;
 
   constexpr std::int64_t kCellBytes = sizeof(double);
   if (!AllocateUpTo(maxCells * kCellBytes + kMaxMissingBytes, false)) return -3;
   const auto band = m_bands.GetBand(0);
-  ReadCells(reader, {reinterpret_cast<double*>(band.data()), band.size() / sizeof(double)}, grid.noData);
+  const std::span cells{reinterpret_cast<double*>(band.data()), band.size() / sizeof(double)};
+  const std::int64_t nNoData = ReadCells(reader, cells, grid.noData);
+  if (nUnread) *nUnread = nNoData;
   return 1;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <exception>
 
@@ -6,8 +7,6 @@
 #include "erdasimg/PixelCopy.h"
 #include "io/InputFile.h"
 #include "io/OutputFile.h"
-#include "io/Paths.h"
-#include "io/TextCase.h"
 #include "numerics/Truncate.h"
 
 namespace corvane {
@@ -15,6 +14,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int32_t kMostSamples = 3;  // of a pixel on display
+constexpr std::int64_t kBlock = 1 << 16;  // bytes read at a time
 
 // The header of a device-independent bitmap, little-endian.
 struct DibHeader {
@@ -101,21 +101,30 @@ std::vector<std::uint8_t> DibOf(const ErdasImg& image, std::int32_t nSamples) {
   return dib;
 }
 
+// Reads a line of bytes to places `step` bytes apart, or past it without a place. False if it is not whole.
+bool ReadLine(InputFile& file, std::int64_t cols, std::uint8_t* to, std::size_t step) {
+  std::array<std::uint8_t, kBlock> block;
+  while (cols > 0) {
+    const auto size = static_cast<std::size_t>(std::min(cols, kBlock));
+    const std::size_t got = file.Read(block.data(), size);
+    if (to) {
+      CopyPixels(block.data(), 1, to, step, static_cast<std::int64_t>(got), 1);
+      to += got * step;
+    }
+    if (got < size) return false;
+    cols -= static_cast<std::int64_t>(size);
+  }
+  return true;
+}
+
 // Reads the lines of a .lan, whose header has been read, to their places between those of the other bands.
 void ReadLines(InputFile& file, const ErdasHeader& header, std::int32_t nSamples, std::uint8_t* to) {
-  const auto cols = static_cast<std::size_t>(header.cols);
-  auto line = ZeroedBytes(header.cols);
-  if (line.empty()) return;
+  const auto step = static_cast<std::size_t>(nSamples);
   for (std::int32_t row = 0; row < header.rows; ++row) {
     for (std::int32_t band = 0; band < header.bandCount; ++band) {
-      const std::size_t got = file.Read(line.data(), cols);
-      if (band < nSamples) {
-        CopyPixels(line.data(), 1, to + band, static_cast<std::size_t>(nSamples),
-                   static_cast<std::int64_t>(got), 1);
-      }
-      if (got < cols) return;
+      if (!ReadLine(file, header.cols, band < nSamples ? to + band : nullptr, step)) return;
     }
-    to += cols * static_cast<std::size_t>(nSamples);
+    to += static_cast<std::size_t>(header.cols) * step;
   }
 }
 
@@ -130,8 +139,8 @@ std::vector<std::uint8_t> ErdasImg::MakeDib() const {
 }
 
 void ErdasImg::GetInterleaved(std::uint8_t* buffer) const {
-  if (!buffer || m_header.cols <= 0 || m_header.rows <= 0) return;
   const std::int32_t nSamples = std::min(GetBandCount(), kMostSamples);
+  if (!buffer || nSamples == 0 || m_header.cols <= 0 || m_header.rows <= 0) return;
   const std::size_t rowBytes = static_cast<std::size_t>(m_header.cols) * static_cast<std::size_t>(nSamples);
   for (std::int32_t row = 0; row < m_header.rows; ++row) {
     std::fill_n(buffer, rowBytes, std::uint8_t{0});
@@ -145,7 +154,7 @@ int ErdasImg::ReadInterleaved(InputFile& file, std::vector<std::uint8_t>& buffer
   file.Read(&m_header, sizeof m_header);
   const std::int32_t nSamples = std::min(GetBandCount(), kMostSamples);
   if (m_header.cols <= 0 || m_header.rows <= 0) return -1;
-  const std::int64_t limit = file.BytesLeft().value_or(0) + kMaxMissingBytes;
+  const std::int64_t limit = file.BytesLeft().value_or(0) + kMaxMissingSamples;
   const std::int64_t nPixels = std::int64_t{m_header.cols} * m_header.rows;
   if (nSamples > 0 && nPixels > limit / nSamples) return -1;
   buffer = ZeroedBytes(nPixels * nSamples);
@@ -170,7 +179,7 @@ void ErdasImg::SetFromInterleaved(const std::uint8_t* buffer) {
 }
 
 int ErdasImg::WriteInterleaved(const std::string& path, const std::uint8_t* buffer) {
-  if (EqualIgnoringCase(FileExtension(path), ".lan")) return WriteInterleavedLan(path, buffer);
+  if (IsLan(path)) return WriteInterleavedLan(path, buffer);
   SetFromInterleaved(buffer);
   return Write(path);
 }
@@ -178,7 +187,7 @@ int ErdasImg::WriteInterleaved(const std::string& path, const std::uint8_t* buff
 int ErdasImg::WriteInterleavedLan(const std::string& path, const std::uint8_t* buffer) {
   OutputFile file(path);
   if (!file.IsOpen()) return -1;
-  m_header.bandCount = kMostSamples;
+  m_header.bandCount = kMostSamples;  // Kept: packType stays, though the samples are bytes
   const std::int32_t cols = buffer ? std::max(m_header.cols, 0) : 0;
   auto line = ZeroedBytes(cols);
   bool good = file.Write(&m_header, sizeof m_header) && static_cast<std::int64_t>(line.size()) == cols;

@@ -37,9 +37,10 @@ template <typename Pixel>
 class BandSampler {
  public:
   BandSampler(const ErdasImg& image, std::int32_t band) : pixels_(image, band) {
-    if (band < 0 || band >= image.GetBandCount()) return;
-    nRows_ = image.m_header.rows;
-    nCols_ = image.m_header.cols;
+    const ErdasHeader& header = image.m_header;
+    if (band < 0 || band >= header.bandCount || header.rows <= 0 || header.cols <= 0) return;
+    nRows_ = header.rows;
+    nCols_ = header.cols;
   }
 
   bool Nearest(double row, double col, double& value) const {
@@ -115,8 +116,9 @@ class BandSampler {
   }
 
   BandPixels<Pixel> pixels_;
-  double nRows_ = 0.0;  // none for a band that is not there
-  double nCols_ = 0.0;
+  // -1, so that no place is inside, for a band that is not there and an image without rows or columns.
+  double nRows_ = -1.0;
+  double nCols_ = -1.0;
 };
 
 template <typename Sample>

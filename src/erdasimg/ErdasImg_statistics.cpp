@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <exception>
 #include <limits>
 
 #include "erdasimg/BandPixels.h"
@@ -75,6 +74,8 @@ struct ByteSums {
   }
 };
 
+constexpr std::int64_t kBlock = 1 << 16;  // bytes read at a time, whole pixels
+
 // Adds pixels that are floats or doubles; a pixel that one side lacks is 0 there.
 template <typename Pixel>
 void AddPixels(const BandPixels<Pixel>& to, std::int64_t first, const BandPixels<Pixel>& from,
@@ -90,18 +91,31 @@ void WithAddedType(const ErdasImg& image, Add add) {
   });
 }
 
+// Adds the next line of a .lan, block by block. False if it is not whole.
+template <typename Pixel>
+bool AddLine(InputFile& file, const BandPixels<Pixel>& to, std::int64_t first, std::int32_t cols) {
+  std::array<std::uint8_t, kBlock> block;
+  std::int64_t nLeft = std::int64_t{cols} * static_cast<std::int64_t>(sizeof(Pixel));
+  while (nLeft > 0) {
+    const auto size = static_cast<std::size_t>(std::min(nLeft, kBlock));
+    const std::size_t got = file.Read(block.data(), size);
+    const auto nPixels = static_cast<std::int64_t>(got / sizeof(Pixel));
+    AddPixels(to, first, BandPixels<Pixel>({block.data(), got}, sizeof(Pixel), 1, cols), nPixels);
+    if (got < size) return false;
+    first += nPixels;
+    nLeft -= static_cast<std::int64_t>(size);
+  }
+  return true;
+}
+
 // Adds the lines of a .lan behind its header, as many as there are.
 template <typename Pixel>
 void AddLines(const ErdasImg& image, InputFile& file) {
-  const std::int32_t cols = image.m_header.cols;
-  std::vector<std::uint8_t> line(static_cast<std::size_t>(cols) * sizeof(Pixel));
-  for (std::int32_t row = 0; row < image.m_header.rows; ++row) {
+  const std::int32_t nRows = image.GetBandCount() > 0 ? image.m_header.rows : 0;
+  for (std::int32_t row = 0; row < nRows; ++row) {
     for (std::int32_t band = 0; band < image.GetBandCount(); ++band) {
-      const std::size_t got = file.Read(line.data(), line.size());
       const BandPixels<Pixel> to(image, band);
-      const BandPixels<Pixel> from({line.data(), got}, sizeof(Pixel), 1, cols);
-      AddPixels(to, to.IndexOf(row, 0), from, static_cast<std::int64_t>(got / sizeof(Pixel)));
-      if (got < line.size()) return;
+      if (!AddLine(file, to, to.IndexOf(row, 0), image.m_header.cols)) return;
     }
   }
 }
@@ -172,9 +186,81 @@ int ProminenceAt(const BytePixels& pixels, std::int64_t col, std::int64_t row, d
   return 0;
 }
 
-// No pixel of the image is further away than this.
-std::int64_t ReachOf(const BytePixels& pixels, std::int64_t col, std::int64_t row) {
-  return std::abs(col) + std::abs(row) + pixels.cols + pixels.rows;
+// From `first` to `last`, both included.
+struct Interval {
+  std::int64_t first;
+  std::int64_t last;
+
+  Interval CutTo(const Interval& other) const {
+    return {std::max(first, other.first), std::min(last, other.last)};
+  }
+};
+
+// The circles around a start, as far as they cross the image. The circle of radius r has pixels at each
+// column dx from the start, -r to r, in the rows trunc(row - h - 0.5) and trunc(row + h + 0.5), where
+// h = sqrt(r^2 - dx^2). These are rows of the image only for h between two bounds. Walking no more than these
+// parts, all circles together take about as long as a walk over the image, however far away the start is.
+class Circles {
+ public:
+  Circles(const BytePixels& pixels, std::int32_t col, std::int32_t row) {
+    if (pixels.held.empty()) return;
+    // Pixels behind the end of the band and their neighbours are all 0.
+    const auto nHeld = static_cast<std::int64_t>(pixels.held.size());
+    const std::int64_t nCols = std::min<std::int64_t>(pixels.cols, nHeld + 1);
+    const std::int64_t nRows = std::min<std::int64_t>(pixels.rows, (nHeld - 1) / pixels.cols + 2);
+    columns_ = {-std::int64_t{col}, nCols - 1 - col};
+    leastH_ = std::max({0.0, static_cast<double>(row - nRows) - 0.5, -1.5 - row});
+    mostH_ = std::max(row + 0.5, static_cast<double>(nRows - row) - 0.5);
+    const auto nearest = static_cast<double>(std::max({std::int64_t{0}, columns_.first, -columns_.last}));
+    const auto furthest = static_cast<double>(std::max(-columns_.first, columns_.last));
+    radii_ = {std::max(Down(std::hypot(nearest, leastH_)), std::int64_t{1}),
+              Up(std::hypot(furthest, mostH_))};
+  }
+
+  // The radii of circles that may have pixels in the image.
+  Interval GetRadii() const { return radii_; }
+
+  // The columns, from the start, where the circle may have pixels in the image, from left to right.
+  std::array<Interval, 2> ColumnsOf(std::int64_t r) const {
+    const std::int64_t inner = Down(LegOf(r, mostH_));
+    const std::int64_t outer = std::min(Up(LegOf(r, leastH_)), r);
+    return {Interval{-outer, -inner}.CutTo(columns_),
+            Interval{std::max(inner, std::int64_t{1}), outer}.CutTo(columns_)};
+  }
+
+ private:
+  // Whole numbers that are surely not greater, or not less, whatever was rounded.
+  static std::int64_t Down(double x) { return std::max(TruncateTo64(x) - 1, std::int64_t{0}); }
+  static std::int64_t Up(double x) { return TruncateTo64(x) + 2; }
+
+  // The other leg of a right triangle; 0 if the given one is longer than the hypotenuse.
+  static double LegOf(std::int64_t hypotenuse, double leg) {
+    const auto c = static_cast<double>(hypotenuse);
+    return std::sqrt(std::max((c - leg) * (c + leg), 0.0));
+  }
+
+  Interval columns_ = {0, -1};
+  Interval radii_ = {1, 0};
+  double leastH_ = 0.0;
+  double mostH_ = 0.0;
+};
+
+// The first prominent pixel of a part of a circle goes to `col` and `row`. Its prominence; 0 if there is
+// none.
+int ProminenceIn(const BytePixels& pixels, std::int64_t r, const Interval& columns, std::int32_t& col,
+                 std::int32_t& row, double threshold) {
+  for (std::int64_t dx = columns.first; dx <= columns.last; ++dx) {
+    const double h = std::sqrt(static_cast<double>(r * r - dx * dx));
+    for (const double place : {row - h - 0.5, row + h + 0.5}) {
+      const std::int64_t y = TruncateTo64(place);
+      const int result = ProminenceAt(pixels, col + dx, y, threshold);
+      if (result == 0) continue;
+      col = static_cast<std::int32_t>(col + dx);
+      row = static_cast<std::int32_t>(y);
+      return result;
+    }
+  }
+  return 0;
 }
 
 }  // namespace
@@ -215,11 +301,7 @@ int ErdasImg::AddImage(const std::string& path) {
   if (m_header.cols <= 0) return 1;
   InputFile file(path);
   if (!file.Seek(sizeof other.m_header)) return -1;
-  try {
-    WithAddedType(*this, [&](auto pixel) { AddLines<decltype(pixel)>(*this, file); });
-  } catch (const std::exception&) {  // no memory for a line
-    return -1;
-  }
+  WithAddedType(*this, [&](auto pixel) { AddLines<decltype(pixel)>(*this, file); });
   return 1;
 }
 
@@ -260,18 +342,12 @@ int ErdasImg::IsProminent(std::int32_t col, std::int32_t row, double threshold) 
 int ErdasImg::FindProminent(std::int32_t& col, std::int32_t& row, std::int32_t radius,
                             double threshold) const {
   const BytePixels pixels(*this);
-  const std::int64_t lastRadius = std::min<std::int64_t>(radius, ReachOf(pixels, col, row));
-  for (std::int64_t r = 1; r <= lastRadius; ++r) {
-    for (std::int64_t dx = -r; dx <= r; ++dx) {
-      const double h = std::sqrt(static_cast<double>(r * r - dx * dx));
-      for (const double place : {row - h - 0.5, row + h + 0.5}) {
-        const std::int64_t y = TruncateTo64(place);
-        const int result = ProminenceAt(pixels, col + dx, y, threshold);
-        if (result == 0) continue;
-        col += static_cast<std::int32_t>(dx);
-        row = static_cast<std::int32_t>(y);
-        return result;
-      }
+  const Circles circles(pixels, col, row);
+  const Interval radii = circles.GetRadii().CutTo({1, radius});
+  for (std::int64_t r = radii.first; r <= radii.last; ++r) {
+    for (const Interval& columns : circles.ColumnsOf(r)) {
+      const int result = ProminenceIn(pixels, r, columns, col, row, threshold);
+      if (result != 0) return result;
     }
   }
   return 0;

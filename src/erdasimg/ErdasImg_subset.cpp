@@ -227,8 +227,7 @@ void ErdasImg::ExtractTo(std::int32_t x0, std::int32_t x1, std::int32_t y0, std:
   const std::int64_t yStart = m_header.yStart;
   dest.m_header = m_header;
   dest.m_bytesPerPixel = m_bytesPerPixel;
-  dest.m_bands = m_subset;
-  dest.m_bandsContiguous = m_subsetContiguous;
+  dest.SetBands(m_subset);
   dest.SetSize(m_subsetSize.cx, m_subsetSize.cy);
   dest.m_header.xStart = Saturated(xStart + x0);
   dest.m_header.yStart = Saturated(yStart + y0);

@@ -15,10 +15,6 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 16;  // bytes of text gathered before they are written
 
-bool HasText(std::uint16_t packType) {
-  return packType == kPackByte || (packType >= kPackUInt16 && packType <= kPackDouble);
-}
-
 template <typename Pixel>
 void AppendPixel(std::string& text, Pixel pixel) {
   if constexpr (std::is_floating_point_v<Pixel>) {
@@ -59,7 +55,7 @@ int ErdasImg::WriteText(const std::string& path) const {
 }
 
 int ErdasImg::WriteTextTo(OutputFile& file) const {
-  if (!HasText(GetPackType())) return 1;
+  if (!HasTextForm(GetPackType())) return 1;
   for (std::int32_t band = 0; band < GetBandCount() && m_bands[band]; ++band) {
     const bool isWritten = WithPixelType(GetPackType(), [&](auto pixel) {
       return WriteBand<decltype(pixel)>(file, m_bands.GetBand(band), GetSize());

@@ -46,6 +46,11 @@ inline std::int32_t BytesOfPackType(std::uint16_t packType) {
   return WithPixelType(packType, [](auto pixel) { return static_cast<std::int32_t>(sizeof pixel); });
 }
 
+// Whether pixels of this type can be written as text: a type of the list.
+inline bool HasTextForm(std::uint16_t packType) {
+  return packType == kPackByte || (packType >= kPackUInt16 && packType <= kPackDouble);
+}
+
 // The value as a pixel: a float is narrowed, an integer type takes the value cut towards zero to its own
 // width, so that 300 becomes 44 in a byte. What does not fit 32 bits, infinities included, is held at the
 // nearest end of the type; not-a-number becomes 0.

@@ -33,6 +33,11 @@ std::span<std::uint8_t> HeldRow(const ErdasImg& image, std::int64_t row, std::in
 
 void CopyPixels(const std::uint8_t* from, std::size_t fromStep, std::uint8_t* to, std::size_t toStep,
                 std::int64_t count, std::size_t size) {
+  if (count <= 0) return;
+  if (fromStep == size && toStep == size) {
+    std::memcpy(to, from, static_cast<std::size_t>(count) * size);
+    return;
+  }
   switch (size) {
     case 1:
       return CopyFixed<1>(from, fromStep, to, toStep, count);

@@ -5,11 +5,14 @@
 #include <cstring>
 #include <vector>
 
+#include "io/MachineMemory.h"
+
 namespace corvane {
 
 namespace {
 
-// A row of an image as pixels of type T: as they stand, or converted if its own type is another.
+// A row of an image as pixels of type T: as they stand, or converted if its own type is another. Zeros where
+// there is no row.
 template <typename T>
 class RowsAs {
  public:
@@ -23,8 +26,11 @@ class RowsAs {
     if (isSame_) {
       std::uint8_t* from = nullptr;
       image_.GetRowPointer(row, band, from);
-      if (!from) return pixels_;
-      std::memcpy(pixels_.data(), from, pixels_.size() * sizeof(T));
+      if (from) {
+        std::memcpy(pixels_.data(), from, pixels_.size() * sizeof(T));
+      } else {
+        std::ranges::fill(pixels_, T{});
+      }
     } else {
       image_.GetPixelRow(band, row, 0, values_);
       std::transform(values_.begin(), values_.end(), pixels_.begin(), PixelFrom<T>);
@@ -86,7 +92,9 @@ int FillDem(ErdasHeader header, double rows, double cols, double z, ErdasImg& de
   const bool isGrid = header.xCell > 0.0f && header.yCell < 0.0f && rows >= 1.0 && cols >= 1.0;
   if (!isGrid || !std::isfinite(header.xCell) || !std::isfinite(header.yCell)) return -1;
   const bool fits = rows < 2147483648.0 && cols < 2147483648.0;
-  if (!fits || std::trunc(rows) * std::trunc(cols) > kMaxDemCells) return -3;
+  const double nCells = std::trunc(rows) * std::trunc(cols);
+  if (!fits || nCells > kMaxDemCells) return -3;
+  if (nCells * sizeof(float) > static_cast<double>(BytesOfMachine())) return -2;
   header.packType = kPackFloat;
   header.mapType = 0;
   header.rows = static_cast<std::int32_t>(rows);

@@ -13,7 +13,8 @@ namespace corvane {
 constexpr std::int64_t kMaxDemCells = std::int64_t{1} << 31;
 
 // A DEM of rows x cols cells, cut towards zero: one band of floats, each `z`, with the place and cell of
-// `header`. Also -1 if `xCell` or -`yCell` is no positive number; -3 for more than kMaxDemCells.
+// `header`. Also -1 if `xCell` or -`yCell` is no positive number; -2 for more than the machine's memory; -3
+// for more than kMaxDemCells.
 int FillDem(ErdasHeader header, double rows, double cols, double z, ErdasImg& dem);
 
 // A DEM of one height over the rectangle: as many cells, rounded, as it is wide and high. `xMap` and `yMap`

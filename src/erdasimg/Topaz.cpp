@@ -1,7 +1,5 @@
 #include "erdasimg/Topaz.h"
 
-#include <optional>
-
 #include "io/InputFile.h"
 #include "io/NumberText.h"
 #include "io/OutputFile.h"
@@ -21,13 +19,6 @@ void SkipNoData(RecordReader& reader) {
   });
 }
 
-std::optional<double> NextCell(RecordReader& reader) {
-  return reader.Next([](TextScanner& scanner) {
-    double value = 0.0;
-    return scanner.ScanDouble(value) ? std::optional(value) : std::nullopt;
-  });
-}
-
 }  // namespace
 
 std::string TopazName(const std::string& asciiPath) {
@@ -44,9 +35,9 @@ int AsciiGridToTopaz(InputFile& ascii, OutputFile& topaz, AsciiGridHeader& heade
   const std::int64_t nWanted = std::int64_t{header.nRows} * header.nCols;
   std::string line;
   for (nCells = 0; nCells < nWanted; ++nCells) {
-    const auto cell = NextCell(reader);
+    const auto cell = ReadAsciiGridCell(reader);
     if (reader.HasFailed()) return -1;
-    if (!cell) return 1;
+    if (!cell) return nCells > 0 ? 1 : -1;
     line.clear();
     AppendFixed(line, *cell);
     line += '\n';

@@ -53,9 +53,9 @@ void RotatePoint(double p[2], double angle) {
 }
 
 void RotateExtent(double e[4], double angle) {
-  double corners[4][2] = {{e[0], e[1]}, {e[2], e[1]}, {e[0], e[3]}, {e[2], e[3]}};
-  for (auto& corner : corners) RotatePoint(corner, angle);
-  ExtentOfPoints(corners[0], 4, 2, e);
+  double corners[8] = {e[0], e[1], e[2], e[1], e[0], e[3], e[2], e[3]};
+  for (int i = 0; i < 4; ++i) RotatePoint(corners + 2 * i, angle);
+  ExtentOfPoints(corners, 4, 2, e);
 }
 
 }  // namespace corvane

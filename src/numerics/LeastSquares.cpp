@@ -23,9 +23,12 @@ Outcome SolveByGaussJordan(ConstMatrix a, const double* l, const double* w, int 
 
 Outcome SolveByCholesky(ConstMatrix a, const double* l, const double* w, int m, int n, double* x) {
   const OwnedMatrix normal(AllocMatrix(n, n));
-  if (!normal || BuildNormalMatrix(a, w, m, n, normal.get()) < 0) return Outcome::NoMemory;
-  BuildNormalVector(a, l, w, m, n, x);
-  return CholeskySolve(normal.get(), n, x) == 1 ? Outcome::Solved : Outcome::Unsolved;
+  const OwnedArray<double> rhs = NewArray<double>(n);
+  if (!normal || !rhs || BuildNormalMatrix(a, w, m, n, normal.get()) < 0) return Outcome::NoMemory;
+  BuildNormalVector(a, l, w, m, n, rhs.get());
+  const int result = CholeskySolve(normal.get(), n, rhs.get());
+  std::copy_n(rhs.get(), n, x);
+  return result == 1 ? Outcome::Solved : Outcome::Unsolved;
 }
 
 // Kept: the solver's result is dropped, only exhausted memory is a failure.

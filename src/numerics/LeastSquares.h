@@ -8,7 +8,8 @@ namespace corvane {
 
 // Adjustments of l = A x by least squares: x (n) makes the sum of squared residuals of the observations l (m)
 // smallest, A (m x n) being the design matrix, which stays as it is. The normal equations (At A) x = At l are
-// built as by NormalMatrix and NormalVector, then solved. Results: 1 is success, -1 a failure.
+// built as by NormalMatrix and NormalVector, then solved. x may be l. Results: 1 is success, -1 a failure; a
+// negative n fails as memory that can't be had, a negative m counts as no observations.
 
 // By GaussJordan. -1: the system is singular (x is what the solver has left), or memory can't be had.
 int LeastSquares(ConstMatrix a, const double* l, int m, int n, double* x);
@@ -27,10 +28,13 @@ int WeightedLeastSquaresCholesky(ConstMatrix a, const double* l, const double* w
 // Fits a hyperplane: each row of aug (m x n) holds n - 1 coordinates and the height over them, x (n) becomes
 // the n - 1 slopes and the height over the origin. By LeastSquares.
 //
-// -1: memory can't be had. Kept: a singular system gives 1.
+// -1: memory can't be had, or m is negative. Kept: a singular system gives 1. Without columns (n <= 0) there
+// is nothing to do: 1.
 int FitAugmented(ConstMatrix aug, int m, int n, double* x);
 
-// Fits the line y = out[0] x + out[1] to n points. Results as FitAugmented.
+// Fits the line y = out[0] x + out[1] to n points, heights in doubles or bytes. By LeastSquares.
+//
+// -1: memory can't be had, or n is negative. Kept: a singular system gives 1.
 int FitLine(const double* x, const double* y, int n, double* out);
 int FitLineToBytes(const double* x, const std::uint8_t* y, int n, double* out);
 

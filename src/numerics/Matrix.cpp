@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <limits>
 
 #include "numerics/RowKernels.h"
@@ -18,15 +20,15 @@ Matrix AllocMatrix(std::int64_t rows, std::int64_t cols, std::size_t elementSize
 
   // One row at least, so that there is a place to remember the block.
   const std::size_t tableRows = std::max<std::size_t>(static_cast<std::size_t>(rows), 1);
-  auto** const table = static_cast<char**>(std::calloc(tableRows, sizeof(char*)));
+  auto** const table = static_cast<double**>(std::calloc(tableRows, sizeof(double*)));
   auto* const block = static_cast<char*>(std::calloc(std::max<std::size_t>(bytes, 1), 1));
   if (!table || !block) {
     std::free(block);
     std::free(table);
     return nullptr;
   }
-  for (std::size_t i = 0; i < tableRows; ++i) table[i] = block + i * rowBytes;
-  return reinterpret_cast<Matrix>(table);
+  for (std::size_t i = 0; i < tableRows; ++i) table[i] = reinterpret_cast<double*>(block + i * rowBytes);
+  return table;
 }
 
 int FreeMatrix(Matrix m) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -9,11 +10,13 @@ namespace corvane {
 // Small dense matrices, rows x cols, zero based: m[row][column]. A matrix is a table of row pointers over one
 // block that holds all rows one behind the other, so that a whole matrix is copied with one copy from m[0] of
 // rows * cols * element size bytes. A null Matrix does not exist yet. The elements are double unless
-// AllocMatrix was told another size; its result is then cast to the type wanted.
+// AllocMatrix was told another size; each row is then cast: reinterpret_cast<float*>(m[row]).
 //
-// Vectors are zero-based arrays that the caller owns. A count of 0 is an empty matrix or vector. Results: 1
-// is success, -1 a failure, if nothing else is said. Memory that can't be had, for a negative count too, is a
-// failure; nothing is thrown or printed.
+// Vectors are zero-based arrays that the caller owns. Results: 1 is success, -1 a failure, if nothing else is
+// said. Memory that can't be had is a failure; nothing is thrown or printed.
+//
+// A count of 0 is an empty matrix or vector. With a negative count, what has to allocate fails, and
+// everything else has nothing to do, which counts as success.
 using Matrix = double**;
 using ConstMatrix = const double* const*;
 
@@ -65,11 +68,14 @@ void TransposeMatrix(ConstMatrix a, Matrix t, int rows, int cols);
 // null. Each element is the sum over the rows of A, from 0 up, of the products whose factors both differ from
 // exact zero. Returns 1, or -1 if memory can't be had.
 //
-// Cost: per row of A the square of its number of elements that are not zero.
+// Cost: per row of A, n to look at it and n_k (n_k + 1) / 2 products, n_k being the number of its elements
+// that are not zero. For a rather full row these are n_k n / 2 products instead, a register of them at a
+// time.
 int NormalMatrix(ConstMatrix a, int m, int n, Matrix* normal);
 
-// The right side v (n) = At l of observations l (m), summed as in NormalMatrix. If *v is null it is
-// allocated, to be released by std::free or held in an OwnedArray. Returns 1, or -1 if memory can't be had.
+// The right side v (n) = At l of observations l (m), summed as in NormalMatrix. *v is not l; if it is null
+// it is allocated, to be released by std::free or held in an OwnedArray. Returns 1, or -1 if memory can't be
+// had.
 int NormalVector(ConstMatrix a, const double* l, int m, int n, double** v);
 
 // Allocates *out and copies the block of rows and columns from first to last, both included.

@@ -1,5 +1,11 @@
 #include "numerics/MatrixText.h"
 
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include "io/NumberText.h"
 #include "io/OutputFile.h"
 
@@ -9,8 +15,13 @@ namespace {
 
 enum class Zeros { Short, Long };
 
-// `text` with the number, as "0" or "-0" if it is zero and Zeros::Short.
+// `text` with the number, as "0" or "-0" if it is zero and Zeros::Short. A NaN has no sign here, as not every
+// machine gives the same one to the NaN of the same operation.
 void AppendElement(std::string& text, double value, Zeros zeros) {
+  if (std::isnan(value)) {
+    text += "nan";
+    return;
+  }
   AppendFixed(text, value, value == 0.0 && zeros == Zeros::Short ? 0 : 6);
 }
 

@@ -11,89 +11,96 @@ namespace corvane {
 
 namespace {
 
+// A row is rather full if more than this part of it is not zero. Measured: the two ways take the same time at
+// 0.4 for 60 unknowns or fewer, and at 0.25 for 600.
+constexpr double kFullPart = 0.4;
+
 // Adds up the upper triangle of a normal matrix, a row of the design matrix at a time, so that each element's
 // sum runs over the rows in their order.
 //
 // Design matrices are mostly empty: the products of a row's few elements are added one by one. A row that is
-// rather full waits until kMostPivots such rows are together, whose products are added across columns, with
+// rather full waits until kMostTerms such rows are together, whose products are added across columns, with
 // the zeros: where all factors are finite a zero's product changes no sum, as no sum is ever -0.
 class NormalSum {
  public:
   // `values` and `columns` are room for n elements of a row.
-  NormalSum(int n, Matrix normal, double* values, int* columns)
-      : n_(n), normal_(normal), values_(values), columns_(columns) {}
+  NormalSum(int n, bool isWeighted, Matrix normal, double* values, int* columns)
+      : n_(n), isWeighted_(isWeighted), normal_(normal), values_(values), columns_(columns) {}
 
-  void Add(const double* row);
-  void AddWeighted(const double* row, double weight);
+  // The weight is 1 in a sum that is not weighted.
+  void Add(const double* row, double weight);
   void Flush();  // adds the rows that wait
 
  private:
-  bool IsFull(const double* row) const;
-  int Gather(const double* row);
+  void Gather(const double* row);
+  bool IsFull() const { return isFinite_ && nGathered_ > n_ * kFullPart; }
+  void FlushColumn(int column);
 
   const int n_;
+  const bool isWeighted_;
   const Matrix normal_;
-  double* const values_;
+
+  double* const values_;  // the elements of a row that are not zero, with their columns
   int* const columns_;
-  const double* waiting_[kMostPivots] = {};
+  int nGathered_ = 0;
+  bool isFinite_ = true;
+
+  const double* waiting_[kMostTerms] = {};
+  double weights_[kMostTerms] = {};
   int nWaiting_ = 0;
 };
 
-void NormalSum::Add(const double* row) {
-  if (IsFull(row)) {
+void NormalSum::Add(const double* row, double weight) {
+  Gather(row);
+  if (IsFull() && std::isfinite(weight)) {
+    weights_[nWaiting_] = weight;
     waiting_[nWaiting_++] = row;
-    if (nWaiting_ == kMostPivots) Flush();
+    if (nWaiting_ == kMostTerms) Flush();
     return;
   }
   Flush();
-  const int count = Gather(row);
-  for (int s = 0; s < count; ++s) {
+  for (int s = 0; s < nGathered_; ++s) {
     double* const sums = normal_[columns_[s]];
-    for (int t = s; t < count; ++t) sums[columns_[t]] += values_[s] * values_[t];
+    for (int t = s; t < nGathered_; ++t) sums[columns_[t]] += values_[s] * values_[t] * weight;
   }
 }
 
-void NormalSum::AddWeighted(const double* row, double weight) {
-  const int count = Gather(row);
-  for (int s = 0; s < count; ++s) {
-    double* const sums = normal_[columns_[s]];
-    for (int t = s; t < count; ++t) sums[columns_[t]] += values_[s] * values_[t] * weight;
-  }
-}
-
-void NormalSum::Flush() {
-  for (int i = 0; nWaiting_ > 0 && i < n_; ++i) {
-    const double* rows[kMostPivots];
-    double factors[kMostPivots];
-    for (int g = 0; g < nWaiting_; ++g) {
-      rows[g] = waiting_[g] + i;
-      factors[g] = -waiting_[g][i];  // x - (-f) a is x + f a, to the bit
-    }
-    SubtractMultiples(normal_[i] + i, rows, factors, nWaiting_, n_ - i);
-  }
-  nWaiting_ = 0;
-}
-
-// Whether at least a quarter of the row is not zero, and all is finite.
-bool NormalSum::IsFull(const double* row) const {
-  int nNonZero = 0;
-  int nFinite = 0;
-  for (int i = 0; i < n_; ++i) {
-    nNonZero += row[i] != 0.0;
-    nFinite += std::fabs(row[i]) <= std::numeric_limits<double>::max();
-  }
-  return nNonZero > n_ / 4 && nFinite == n_;
-}
-
-// Collects the elements that are not zero, and their columns; returns how many.
-int NormalSum::Gather(const double* row) {
+void NormalSum::Gather(const double* row) {
   int count = 0;
+  int nFinite = 0;
   for (int i = 0; i < n_; ++i) {
     columns_[count] = i;
     values_[count] = row[i];
     count += row[i] != 0.0;
+    nFinite += std::fabs(row[i]) <= std::numeric_limits<double>::max();
   }
-  return count;
+  nGathered_ = count;
+  isFinite_ = nFinite == n_;
+}
+
+void NormalSum::Flush() {
+  for (int i = 0; nWaiting_ > 0 && i < n_; ++i) FlushColumn(i);
+  nWaiting_ = 0;
+}
+
+// Adds the products with this column in those of the waiting rows that are not zero there.
+void NormalSum::FlushColumn(int column) {
+  const double* terms[kMostTerms];
+  double factors[kMostTerms];
+  double weights[kMostTerms];
+  int count = 0;
+  for (int g = 0; g < nWaiting_; ++g) {
+    terms[count] = waiting_[g] + column;
+    factors[count] = -waiting_[g][column];  // x - (-f) a is x + f a, to the bit
+    weights[count] = weights_[g];
+    count += waiting_[g][column] != 0.0;
+  }
+  double* const sums = normal_[column] + column;
+  if (isWeighted_) {
+    SubtractWeightedMultiples(sums, terms, factors, weights, count, n_ - column);
+  } else {
+    SubtractMultiples(sums, terms, factors, count, n_ - column);
+  }
 }
 
 }  // namespace
@@ -103,14 +110,8 @@ int BuildNormalMatrix(ConstMatrix a, const double* w, int m, int n, Matrix norma
   const OwnedArray<int> columns = NewArray<int>(n);
   if (!values || !columns) return -1;
   for (int i = 0; i < n; ++i) std::fill_n(normal[i], n, 0.0);
-  NormalSum sum(n, normal, values.get(), columns.get());
-  for (int k = 0; k < m; ++k) {
-    if (w) {
-      sum.AddWeighted(a[k], w[k]);
-    } else {
-      sum.Add(a[k]);
-    }
-  }
+  NormalSum sum(n, w != nullptr, normal, values.get(), columns.get());
+  for (int k = 0; k < m; ++k) sum.Add(a[k], w ? w[k] : 1.0);
   sum.Flush();
   for (int i = 0; i < n; ++i) {
     for (int j = i + 1; j < n; ++j) normal[j][i] = normal[i][j];

@@ -104,18 +104,22 @@ int** imatrix(std::int64_t nrl, std::int64_t nrh, std::int64_t ncl, std::int64_t
   return AllocateMatrix<int>(nrl, nrh, ncl, nch);
 }
 
-float** submatrix(float** a, std::int64_t oldrl, std::int64_t oldrh, std::int64_t oldcl, std::int64_t,
+float** submatrix(float** a, std::int64_t oldrl, std::int64_t oldrh, std::int64_t oldcl, std::int64_t oldch,
                   std::int64_t newrl, std::int64_t newcl) {
+  const char* const failure = "allocation failure in submatrix()";
   const std::int64_t nRows = Count(oldrl, oldrh);
-  float** const table = Allocate<float*>("allocation failure in submatrix()", nRows);
+  if (Count(oldcl, oldch) < 0) nrerror(failure);
+  float** const table = Allocate<float*>(failure, nRows);
   for (std::int64_t i = 0; i < nRows; ++i) table[i] = a[oldrl + i] + (oldcl - newcl);
   return table - newrl;
 }
 
 float** convert_matrix(float* a, std::int64_t nrl, std::int64_t nrh, std::int64_t ncl, std::int64_t nch) {
+  const char* const failure = "allocation failure in convert_matrix()";
   const std::int64_t nRows = Count(nrl, nrh);
-  float** const table = Allocate<float*>("allocation failure in convert_matrix()", nRows);
-  return LinkRows(table, a, nrl, nRows, ncl, Count(ncl, nch));
+  const std::int64_t nCols = Count(ncl, nch);
+  if (nCols < 0) nrerror(failure);
+  return LinkRows(Allocate<float*>(failure, nRows), a, nrl, nRows, ncl, nCols);
 }
 
 float*** f3tensor(std::int64_t nrl, std::int64_t nrh, std::int64_t ncl, std::int64_t nch, std::int64_t ndl,

@@ -1,9 +1,10 @@
 #include "numerics/RowKernels.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "numerics/SimdVersion.h"
 
@@ -30,32 +31,41 @@ struct AddMultipleKernel {
   }
 };
 
+// `weights` is read by the weighted kernel only.
+template <bool isWeighted>
 struct SubtractMultiplesKernel {
   // Takes `nPacks` packs of the row at a time, so that each factor is fetched once for all of them.
   template <std::size_t width, int nPacks>
-  [[gnu::always_inline]] static inline void Step(double* row, const double* const* pivots,
-                                                 const double* factors, int nPivots, std::ptrdiff_t j) {
+  [[gnu::always_inline]] static inline void Step(double* row, const double* const* terms,
+                                                 const double* factors, const double* weights, int nTerms,
+                                                 std::ptrdiff_t j) {
     SimdPack<double, width> values[nPacks], term;
     for (int p = 0; p < nPacks; ++p) values[p].Load(row + j + p * kLanesOf<width>);
-    for (int g = 0; g < nPivots; ++g) {
+    for (int g = 0; g < nTerms; ++g) {
       const double factor = factors[g];
       for (int p = 0; p < nPacks; ++p) {
-        term.Load(pivots[g] + j + p * kLanesOf<width>);
-        values[p].lanes -= term.lanes * factor;
+        term.Load(terms[g] + j + p * kLanesOf<width>);
+        term.lanes *= factor;
+        if constexpr (isWeighted) term.lanes *= weights[g];
+        values[p].lanes -= term.lanes;
       }
     }
     for (int p = 0; p < nPacks; ++p) values[p].Store(row + j + p * kLanesOf<width>);
   }
 
   template <std::size_t width>
-  [[gnu::always_inline]] static inline void Run(double* row, const double* const* pivots,
-                                                const double* factors, int nPivots, std::ptrdiff_t n) {
+  [[gnu::always_inline]] static inline void Run(double* row, const double* const* terms,
+                                                const double* factors, const double* weights, int nTerms,
+                                                std::ptrdiff_t n) {
     constexpr std::ptrdiff_t kLanes = kLanesOf<width>;
     std::ptrdiff_t j = 0;
-    for (; j + 4 * kLanes <= n; j += 4 * kLanes) Step<width, 4>(row, pivots, factors, nPivots, j);
-    for (; j + kLanes <= n; j += kLanes) Step<width, 1>(row, pivots, factors, nPivots, j);
+    for (; j + 4 * kLanes <= n; j += 4 * kLanes) Step<width, 4>(row, terms, factors, weights, nTerms, j);
+    for (; j + kLanes <= n; j += kLanes) Step<width, 1>(row, terms, factors, weights, nTerms, j);
     for (; j < n; ++j) {
-      for (int g = 0; g < nPivots; ++g) row[j] -= pivots[g][j] * factors[g];
+      for (int g = 0; g < nTerms; ++g) {
+        const double product = terms[g][j] * factors[g];
+        row[j] -= isWeighted ? product * weights[g] : product;
+      }
     }
   }
 };
@@ -63,8 +73,8 @@ struct SubtractMultiplesKernel {
 struct SubtractAndSearchKernel {
   template <std::size_t width, int nRows>
   [[gnu::always_inline]] static inline void RunRows(double* const* rows, const double* factors,
-                                                    const double* pivot, const double* mask, std::ptrdiff_t n,
-                                                    double* largest) {
+                                                    const double* pivot, const std::int64_t* mask,
+                                                    std::ptrdiff_t n, double* largest) {
     constexpr std::ptrdiff_t kLanes = kLanesOf<width>;
     SimdPack<double, width> best[nRows], value, subtrahend;
     SimdPack<std::int64_t, width> bits, shown;
@@ -72,7 +82,7 @@ struct SubtractAndSearchKernel {
     std::ptrdiff_t j = 0;
     for (; j + kLanes <= n; j += kLanes) {
       subtrahend.Load(pivot + j);
-      std::memcpy(&shown.lanes, mask + j, width);
+      shown.Load(mask + j);
       for (int r = 0; r < nRows; ++r) {
         value.Load(rows[r] + j);
         value.lanes -= subtrahend.lanes * factors[r];
@@ -88,15 +98,15 @@ struct SubtractAndSearchKernel {
       for (std::ptrdiff_t i = 0; i < kLanes; ++i) largest[r] = std::max(largest[r], double{best[r].lanes[i]});
       for (std::ptrdiff_t i = j; i < n; ++i) {
         rows[r][i] -= pivot[i] * factors[r];
-        if (mask[i] != kHidden) largest[r] = std::max(largest[r], std::fabs(rows[r][i]));
+        if (mask[i] == kShown) largest[r] = std::max(largest[r], std::fabs(rows[r][i]));
       }
     }
   }
 
   template <std::size_t width>
   [[gnu::always_inline]] static inline void Run(double* const* rows, const double* factors, int nRows,
-                                                const double* pivot, const double* mask, std::ptrdiff_t n,
-                                                double* largest) {
+                                                const double* pivot, const std::int64_t* mask,
+                                                std::ptrdiff_t n, double* largest) {
     if (nRows == kMostRows) {
       RunRows<width, kMostRows>(rows, factors, pivot, mask, n, largest);
       return;
@@ -111,21 +121,23 @@ void AddMultiple(double* to, const double* from, double factor, std::ptrdiff_t n
   RunSimd<AddMultipleKernel>(to, from, factor, n);
 }
 
-void SubtractMultiple(double* row, const double* pivot, double factor, std::ptrdiff_t n) {
-  RunSimd<SubtractMultiplesKernel>(row, &pivot, &factor, 1, n);
+void SubtractMultiple(double* row, const double* term, double factor, std::ptrdiff_t n) {
+  SubtractMultiples(row, &term, &factor, 1, n);
 }
 
-void SubtractMultiples(double* row, const double* const* pivots, const double* factors, int nPivots,
+void SubtractMultiples(double* row, const double* const* terms, const double* factors, int nTerms,
                        std::ptrdiff_t n) {
-  RunSimd<SubtractMultiplesKernel>(row, pivots, factors, nPivots, n);
+  const double* const noWeights = nullptr;
+  RunSimd<SubtractMultiplesKernel<false>>(row, terms, factors, noWeights, nTerms, n);
 }
 
-double Shown() {
-  return std::bit_cast<double>(INT64_MAX);
+void SubtractWeightedMultiples(double* row, const double* const* terms, const double* factors,
+                               const double* weights, int nTerms, std::ptrdiff_t n) {
+  RunSimd<SubtractMultiplesKernel<true>>(row, terms, factors, weights, nTerms, n);
 }
 
 void SubtractAndSearch(double* const* rows, const double* factors, int nRows, const double* pivot,
-                       const double* mask, std::ptrdiff_t n, double* largest) {
+                       const std::int64_t* mask, std::ptrdiff_t n, double* largest) {
   RunSimd<SubtractAndSearchKernel>(rows, factors, nRows, pivot, mask, n, largest);
 }
 

@@ -1,5 +1,7 @@
 #include "numerics/SimdVersion.h"
 
+#include <cstddef>
+
 namespace corvane {
 
 namespace {

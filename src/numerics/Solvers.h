@@ -8,6 +8,10 @@ namespace corvane {
 // a failure (a singular system, memory exhausted), if nothing else is said. Callers may run on with what a
 // failed solver has left, so this is as well defined as a solution: the order of all operations is fixed, and
 // every version of the machine code gives the same bits (of a NaN only that it is one).
+//
+// A system without unknowns (n = 0) is solved. So is one with a negative n, as there is nothing to do, but
+// for those that need memory for n numbers and fail: CholeskySolve, LuDecompose, LuSolve, and InvertMatrix
+// where it allocates. With m <= 0 there are no right sides, and b may be null.
 
 // Gauss-Jordan elimination with full pivoting: a (n x n) becomes its inverse, b (n x m) the solution x of
 // a x = b, a column each. Of equally large pivots the last in row order is taken.

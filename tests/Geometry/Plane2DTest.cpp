@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace corvane {
@@ -50,6 +51,15 @@ TEST(Plane2D, BoundsOfPoints) {
   EXPECT_EQ(box, (Box2D{5, 6, 5, 6}));
   PolygonBounds({}, box);
   EXPECT_EQ(box, (Box2D{5, 6, 5, 6}));
+}
+
+TEST(Plane2D, ANaNStaysInTheBoundsOnlyOfTheFirstPoint) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  Box2D box;
+  PolygonBounds(std::vector<Point2D>{{5, nan}, {nan, 9}, {7, 3}}, box);
+  EXPECT_EQ(box.minX, 5.0);
+  EXPECT_EQ(box.maxX, 7.0);
+  EXPECT_TRUE(std::isnan(box.minY) && std::isnan(box.maxY));
 }
 
 TEST(Plane2D, BoundsOfAListOfCoordinates) {

@@ -4,7 +4,9 @@
 
 #include <cmath>
 #include <locale>
+#include <span>
 #include <sstream>
+#include <string>
 
 #include "Geometry/Line.h"
 #include "Geometry/Vector.h"
@@ -83,8 +85,10 @@ TEST(Point, ErrorsHaveTexts) {
   EXPECT_STREQ(p.ErrorText(), "error: invalid dimension for operation");
   p.err = Point::Esum;
   EXPECT_STREQ(p.ErrorText(), "error: Point sum is not affine");
-  p.err = 3;
-  EXPECT_STREQ(p.ErrorText(), "error: unknown err value");
+  for (const int other : {3, -1}) {
+    p.err = other;
+    EXPECT_STREQ(p.ErrorText(), "error: unknown err value");
+  }
 }
 
 TEST(Point, PointsOfOtherDimensionsAreUnequal) {
@@ -140,6 +144,14 @@ TEST(Point, ASumThatIsNotAffineIsGivenWithAnError) {
   EXPECT_EQ(Asum(tenths, three).err, Point::Esum);
   const int good[] = {2, -1};
   ExpectPoint(Asum(good, points), 3, -4, -2, -8);
+}
+
+TEST(Point, TheShorterListCountsInAnAffineSum) {
+  const double weights[] = {1, 3};
+  const Point points[] = {P2(1, 10), P3(100, 1000, 4)};
+  ExpectPoint(Asum(std::span(weights).first(1), points), 2, 1, 10, 0);
+  ExpectPoint(Asum(weights, std::span(points).first(1)), 2, 1, 10, 0);
+  ExpectPoint(Asum(weights, std::span(points).first(0)), 1, 0, 0, 0, Point::Esum);
 }
 
 TEST(Point, DistancesAreThoseOfSpace) {
@@ -212,6 +224,16 @@ TEST(Point, APointThatCannotBeReadStays) {
     EXPECT_TRUE(in.fail()) << text;
     ExpectPoint(p, 3, 7, 8, 9);
   }
+}
+
+TEST(Point, ReadingLeavesTheError) {
+  Point p;
+  p.err = Point::Esum;
+  std::istringstream in("(1, 2) (x");
+  in >> p;
+  ExpectPoint(p, 2, 1, 2, 0, Point::Esum);
+  in >> p;
+  ExpectPoint(p, 2, 1, 2, 0, Point::Esum);
 }
 
 TEST(Line, HasTwoPointsAndTwoInThePlane) {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <span>
 
 namespace corvane {
 namespace {
@@ -81,6 +81,35 @@ TEST(Vector, CrossProductInSpace) {
   ExpectVector(v ^= V2(0, 1), 3, 0, 0, 1);
 }
 
+TEST(Vector, WhatChangesItInPlaceLeavesItsError) {
+  const auto expectKept = [](auto change) {
+    Vector v = V3(1, 0, 0);
+    v.err = Point::Esum;
+    change(v);
+    EXPECT_EQ(v.err, Point::Esum);
+  };
+  expectKept([](Vector& v) { v ^= V3(0, 1, 0); });
+  expectKept([](Vector& v) { v += V3(0, 1, 0); });
+  expectKept([](Vector& v) { v -= V3(0, 1, 0); });
+  expectKept([](Vector& v) { v *= 2.0; });
+  expectKept([](Vector& v) { v /= 2.0; });
+  expectKept([](Vector& v) { v.Normalize(); });
+}
+
+TEST(Vector, ResultsHaveNoErrorOfTheirOperands) {
+  Vector v = V3(1, 2, 3);
+  v.err = Point::Esum;
+  ExpectVector(v + v, 3, 2, 4, 6);
+  ExpectVector(2 * v, 3, 2, 4, 6);
+  ExpectVector(-v, 3, -1, -2, -3);
+  ExpectVector(v ^ v, 3, 0, 0, 0);
+}
+
+TEST(Vector, CrossProductWithItselfInPlace) {
+  Vector v = V3(1, 2, 3);
+  ExpectVector(v ^= v, 3, 0, 0, 0);
+}
+
 TEST(Vector, Lengths) {
   EXPECT_EQ(V3(2, 3, 6).Len(), 7.0);
   EXPECT_EQ(V3(2, 3, 6).Len2(), 49.0);
@@ -101,6 +130,14 @@ TEST(Vector, WeightedSumsNeedNotBeAffine) {
   const Vector vectors[] = {V2(1, 10), V3(100, 1000, 4)};
   ExpectVector(Sum(weights, vectors), 3, 302, 3020, 12);
   ExpectVector(Sum(halves, vectors), 3, 25.5, 255, 1);
+}
+
+TEST(Vector, TheShorterListCountsInAWeightedSum) {
+  const double weights[] = {2, 3};
+  const Vector vectors[] = {V2(1, 10), V3(100, 1000, 4)};
+  ExpectVector(Sum(std::span(weights).first(1), vectors), 2, 2, 20, 0);
+  ExpectVector(Sum(weights, std::span(vectors).first(1)), 2, 2, 20, 0);
+  ExpectVector(Sum(std::span(weights).first(0), vectors), 1, 0, 0, 0);
 }
 
 }  // namespace

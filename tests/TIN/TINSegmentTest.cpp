@@ -531,5 +531,15 @@ TEST_F(TINSegment, RawTriangleIsStoredFromMemory) {
   }
 }
 
+// A group with a cut far below all heights, as FitTiles makes them, is not raised step by step.
+TEST_F(TINSegment, GroupsFarBelowTheStartDoNotSplit) {
+  LoadTriangles(GridMesh(3, 3, 10.0, [](int row, int col) { return 1e9 + row + col; }));
+  tin.labels.assign(tin.vertices.size(), 0);
+  tin.groups.resize(1);
+  for (std::int32_t v = 0; v < 9; ++v) tin.groups[0].members.push_back(v);
+  EXPECT_EQ(tin.SegmentByPlaneCut(1e9, 1e9 + 4.0, 0.1, 1.0), 1);
+  EXPECT_LT(tin.groups.size(), 100u);
+}
+
 }  // namespace
 }  // namespace corvane

@@ -217,7 +217,8 @@ TEST_F(DemCommandsTest, TopazWithoutNoDataLineMisreadsTheFirstRow) {
   EXPECT_EQ(Run("ASCII Grid to TOPAZ"), CommandResult::Done);
   EXPECT_EQ(ReadFileBytes("DEDNM.INP"), "3.000000\n4.000000\n");
   EXPECT_EQ(ui.EventsWith("status").back(),
-            "status 0: Written to DEDNM.INP: 2 rows, 2 columns. The grid is cut short: cells missing: 2.");
+            "status 0: Written to DEDNM.INP: 2 rows, 2 columns. Cells written: 2 of 4; the rest is missing "
+            "or no number.");
 }
 
 TEST_F(DemCommandsTest, TopazFailures) {
@@ -302,8 +303,8 @@ TEST_F(DemCommandsTest, DemOfPointsLeavesOutThoseThatACutFileLacks) {
   EXPECT_EQ(Run("Points(.pts) to DEM"), CommandResult::Done);
   EXPECT_EQ(ReadFileBytes("out.lan").substr(128), PixelBytes<float>({6, 5, -4096, -4096}));
   EXPECT_EQ(ui.EventsWith("status").back(),
-            "status 0: Written to out.lan: 2 rows, 2 columns. Points placed: 2 of 2. The points file is cut "
-            "short: points missing: 1.");
+            "status 0: Written to out.lan: 2 rows, 2 columns. Points placed: 2 of 2. Points missing in "
+            "cut.pts: 1.");
 }
 
 TEST_F(DemCommandsTest, DemOfPointsThatMakesNoGridFails) {

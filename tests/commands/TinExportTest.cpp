@@ -44,7 +44,8 @@ TEST_F(TinExportTest, CreateDemAsksReadsAndSamples) {
   EXPECT_EQ(std::get<double>(form.fields[3].value), 211.0);
   EXPECT_EQ(std::get<double>(form.fields[4].value), 1.0);
   EXPECT_THAT(ui.EventsWith("status"),
-              ElementsAre("status 0: Reading TIN from a.tin", "status 0: Done reading TIN."));
+              ElementsAre("status 0: Reading TIN from a.tin", "status 0: Done reading TIN.",
+                          "status 0: Written to a.lan: 2 rows, 2 columns."));
   EXPECT_EQ(Messages().back(), kTotal);
   EXPECT_EQ(ui.waitDepth, 0);
 

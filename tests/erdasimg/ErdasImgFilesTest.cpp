@@ -214,6 +214,28 @@ TEST(ErdasImgFiles, MissingPixelsAreZero) {
   EXPECT_EQ(ui.events, Events{});
 }
 
+TEST(ErdasImgFiles, MissingBytesAreThoseOfHeaderAndPixels) {
+  const TempFolder folder;
+  ErdasImg image;
+  const auto missing = [&](const std::string& bytes) {
+    WriteFileBytes("a.lan", bytes);
+    EXPECT_EQ(image.Read("a.lan"), 1);
+    return image.GetMissingBytes();
+  };
+  EXPECT_EQ(image.GetMissingBytes(), 0);
+  const std::string whole = HandMadeHeader() + kHandMadePixels;
+  EXPECT_EQ(missing(whole), 0);
+  EXPECT_EQ(missing(whole + "more"), 0);
+  EXPECT_EQ(missing(whole.substr(0, 133)), 7);
+  EXPECT_EQ(missing(whole.substr(0, 128)), 12);
+  EXPECT_EQ(missing(whole.substr(0, 100)), 28 + 12);
+  EXPECT_EQ(missing(BytesOf(HeaderOf(kPackUInt16, 1, 3, 1)) + "xy"), 4);
+  EXPECT_EQ(missing(BytesOf(HeaderOf(kPackByte, 1, 0, 0))), 0);
+  ASSERT_EQ(missing(whole.substr(0, 133)), 7);
+  EXPECT_EQ(image.Read("none.lan"), -1);
+  EXPECT_EQ(image.GetMissingBytes(), 0);
+}
+
 TEST(ErdasImgFiles, BytesBehindThePixelsAreLeft) {
   const TempFolder folder;
   WriteFileBytes("a.lan", HandMadeHeader() + kHandMadePixels + "more");

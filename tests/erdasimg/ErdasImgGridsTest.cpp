@@ -104,6 +104,7 @@ TEST(FloatGrid, MissingPixelsAreZero) {
   const auto pixels = BandPixelsOf<float>(image, 0);
   EXPECT_EQ(pixels[0], 1.5f);
   EXPECT_EQ(BandBytes(image, 0).substr(4), std::string("ab") + std::string(18, '\0'));
+  EXPECT_EQ(image.GetMissingBytes(), 18);
 }
 
 TEST(FloatGrid, APixelThatIsCutIsSwappedWhole) {
@@ -200,6 +201,24 @@ TEST(AsciiGrid, MissingAndUnreadableCellsGetTheNoDataValue) {
   EXPECT_EQ(ReadCells(kPlace + "NODATA_value"), (Doubles{-9999, -9999, -9999, -9999, -9999, -9999}));
   EXPECT_EQ(ReadCells(kPlace + "NODATA_value -1\n1 2 * 4 5 6"), (Doubles{1, 2, -1, -1, -1, -1}));
   EXPECT_EQ(ReadCells(kPlace + "NODATA_value -1\n1 - 3 4 5 6"), (Doubles{1, -1, 3, 4, 5, 6}));
+}
+
+TEST(AsciiGrid, CountsTheCellsThatCannotBeRead) {
+  const TempFolder folder;
+  const auto unread = [](const std::string& cells) {
+    WriteFileBytes("a.asc", kPlace + "NODATA_value -1\n" + cells);
+    ErdasImg image;
+    std::int64_t nUnread = -1;
+    EXPECT_EQ(image.ReadAsciiGrid("a.asc", &nUnread), 1);
+    EXPECT_EQ(image.GetMissingBytes(), 0);
+    return nUnread;
+  };
+  EXPECT_EQ(unread("1 2 3 4 5 6"), 0);
+  EXPECT_EQ(unread("1 2 -1 nan 5 6 7"), 0);
+  EXPECT_EQ(unread("1 2 3 4"), 2);
+  EXPECT_EQ(unread(""), 6);
+  EXPECT_EQ(unread("1 2 * 4 5 6"), 4);
+  EXPECT_EQ(unread("1 - 3 4 5 6"), 1);
 }
 
 TEST(AsciiGrid, CellsMayBeInfiniteOrNoNumber) {

@@ -206,6 +206,59 @@ TEST(ErdasImgInterleave, AbsurdSizesAreNotRead) {
   }
 }
 
+TEST(ErdasImgInterleave, AFileJustifiesItsSamplesAndNoMoreThan64Megabytes) {
+  const TempFolder folder;
+  const int cols = 1 << 24;
+  for (const int nHeld : {cols, cols - 1}) {  // of five rows
+    const std::string held(static_cast<std::size_t>(nHeld), 'a');
+    WriteFileBytes("a.lan", BytesOf(HeaderOf(kPackByte, 1, cols, 5)) + held);
+    ErdasImg image;
+    InputFile file("a.lan");
+    Bytes buffer;
+    EXPECT_EQ(image.ReadInterleaved(file, buffer), nHeld == cols ? 1 : -1);
+    EXPECT_EQ(buffer.size(), nHeld == cols ? std::size_t{5} * cols : 0u);
+  }
+}
+
+TEST(ErdasImgInterleave, LongLinesAreReadWhole) {
+  const TempFolder folder;
+  const int cols = 150001;  // more than is read at a time
+  std::string pixels(std::size_t{8} * cols, '\0');
+  for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<char>(i * i / 7);
+  pixels.resize(pixels.size() - 70000);
+  WriteFileBytes("a.lan", BytesOf(HeaderOf(kPackByte, 4, cols, 2)) + pixels);
+  ErdasImg image;
+  InputFile file("a.lan");
+  Bytes buffer;
+  ASSERT_EQ(image.ReadInterleaved(file, buffer), 1);
+  ASSERT_EQ(buffer.size(), std::size_t{6} * cols);
+  Bytes expected;
+  for (std::size_t i = 0; i < std::size_t{2} * cols; ++i) {
+    for (std::size_t band = 0; band < 3; ++band) {
+      const std::size_t place = (i / cols * 4 + band) * cols + i % cols;
+      expected.push_back(place < pixels.size() ? static_cast<std::uint8_t>(pixels[place]) : 0);
+    }
+  }
+  EXPECT_TRUE(buffer == expected);
+}
+
+TEST(ErdasImgInterleave, TheHeaderOfThreeBandsKeepsItsPixelType) {
+  const TempFolder folder;
+  ErdasImg image;
+  MakeImage(image, kPackFloat, 1, 1, 1);
+  const Bytes buffer = {'a', 'b', 'c'};
+  EXPECT_EQ(image.WriteInterleavedLan("a.lan", buffer.data()), 1);
+  EXPECT_EQ(ReadFileBytes("a.lan"), BytesOf(HeaderOf(kPackFloat, 3, 1, 1)) + "abc");
+}
+
+TEST(ErdasImgInterleave, AnImageOfNoBandsHasNoSamples) {
+  ErdasImg image;
+  ASSERT_EQ(image.Create(HeaderOf(kPackByte, 0, INT32_MAX, INT32_MAX), false), 1);
+  Bytes buffer = {42};
+  image.GetInterleaved(buffer.data());
+  EXPECT_EQ(buffer, (Bytes{42}));
+}
+
 TEST(ErdasImgInterleave, WritesALanOfThreeBands) {
   const TempFolder folder;
   TestFrontEnd ui;

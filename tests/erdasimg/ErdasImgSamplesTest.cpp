@@ -236,6 +236,64 @@ TEST(ErdasImgSamples, BandsThatAreNotThereAreBackground) {
   EXPECT_EQ(BicubicOf(image, 1.5, 1.5, 1), 215.0);
 }
 
+// Nowhere in and around the image is there a pixel of the band.
+void ExpectBackground(const ErdasImg& image, std::int32_t band) {
+  std::vector<double> rows;
+  std::vector<double> cols;
+  for (int i = 0; i < 25; ++i) {
+    rows.push_back(-1.5 + 0.25 * (i / 5));  // to -0.5: cut towards zero, these would be row and column 0
+    cols.push_back(-1.5 + 0.25 * (i % 5));
+  }
+  rows.insert(rows.end(), {0.0, 0.5});
+  cols.insert(cols.end(), {0.0, -1.0});
+  std::vector<double> nearest(rows.size(), kUntouched);
+  std::vector<double> bilinear(rows.size());
+  std::vector<double> bicubic(rows.size());
+  image.GetPixelsNearest(band, rows, cols, nearest);
+  image.GetPixelsBilinear(band, rows, cols, bilinear);
+  image.GetPixelsBicubic(band, rows, cols, bicubic);
+  const std::vector<double> background(rows.size(), 215.0);
+  EXPECT_EQ(nearest, std::vector<double>(rows.size(), kUntouched));
+  EXPECT_EQ(bilinear, background);
+  EXPECT_EQ(bicubic, background);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    double value = kUntouched;
+    EXPECT_FALSE(image.GetPixelNearest(band, rows[i], cols[i], value));
+    EXPECT_EQ(value, kUntouched);
+    EXPECT_EQ(BilinearOf(image, rows[i], cols[i], band), 215.0);
+    EXPECT_EQ(BicubicOf(image, rows[i], cols[i], band), 215.0);
+  }
+}
+
+TEST(ErdasImgSamples, ABandThatIsNotThereHasNoFirstPixelEither) {
+  ErdasImg image;
+  MakeRamp(image, kPackByte);
+  ExpectBackground(image, 1);
+  ExpectBackground(image, -1);
+}
+
+TEST(ErdasImgSamples, AnImageWithoutRowsOrColumnsHasNoPixels) {
+  const std::pair<int, int> sizes[] = {{4, 0}, {0, 3}, {0, 0}, {4, -1}, {-2, 3}};
+  for (const std::uint16_t type : kAllTypes) {
+    ErdasImg image;
+    MakeRamp(image, type);
+    for (const auto& [cols, rows] : sizes) {
+      SCOPED_TRACE(std::to_string(cols) + " x " + std::to_string(rows));
+      image.SetSize(cols, rows);
+      ExpectBackground(image, 0);
+    }
+  }
+}
+
+TEST(ErdasImgSamples, PlacesThatAreNoNumbersGiveSamplesThatAreNone) {
+  ErdasImg image;
+  MakeRamp(image, kPackByte);
+  double value = kUntouched;
+  EXPECT_FALSE(image.GetPixelNearest(0, 1.0, std::nan(""), value));
+  EXPECT_TRUE(std::isnan(BilinearOf(image, std::nan(""), 1.0)));
+  EXPECT_TRUE(std::isnan(BicubicOf(image, 1.0, std::nan(""))));
+}
+
 TEST(ErdasImgSamples, SamplesNearTheLargestCoordinatesStayInside) {
   ErdasImg image;
   image.SetSize(INT32_MAX, INT32_MAX);

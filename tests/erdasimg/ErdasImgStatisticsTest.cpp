@@ -142,6 +142,35 @@ TEST(ErdasImgStatistics, AFileThatIsCutShortIsAddedAsFarAsItGoes) {
   EXPECT_EQ(BandPixelsOf<float>(image, 0), (std::vector<float>{11, 22, 33, 4}));
 }
 
+TEST(ErdasImgStatistics, LongLinesAreAddedWhole) {
+  const TempFolder folder;
+  const int cols = 20001;  // doubles, more than are read at a time
+  ErdasImg image;
+  ASSERT_EQ(image.Create(HeaderOf(kPackDouble, 2, cols, 2), false), 1);
+  std::vector<double> first(std::size_t{2} * cols);
+  std::vector<double> second = first;
+  for (int i = 0; i < 2 * cols; ++i) {
+    first[static_cast<std::size_t>(i)] = 2.0 * i;
+    second[static_cast<std::size_t>(i)] = -2.0 * i;
+    image.SetPixel(0, i / cols, i % cols, i);
+    image.SetPixel(1, i / cols, i % cols, -i);
+  }
+  ASSERT_EQ(image.Write("a.lan"), 1);
+  EXPECT_EQ(image.AddImage("a.lan"), 1);
+  EXPECT_EQ(BandPixelsOf<double>(image, 0), first);
+  EXPECT_EQ(BandPixelsOf<double>(image, 1), second);
+}
+
+TEST(ErdasImgStatistics, NoLineOfAnAbsurdImageIsHeldInMemory) {
+  const TempFolder folder;
+  for (const std::uint16_t nBands : {0, 1}) {
+    ErdasImg image;
+    *image.GetHeader() = HeaderOf(kPackDouble, nBands, INT32_MAX, INT32_MAX);
+    WriteFileBytes("a.lan", BytesOf(*image.GetHeader()) + "12345678");
+    EXPECT_EQ(image.AddImage("a.lan"), 1);
+  }
+}
+
 TEST(ErdasImgStatistics, AFileThatDoesNotOpenIsAWarning) {
   const TempFolder folder;
   TestFrontEnd ui;
@@ -246,32 +275,83 @@ TEST(ErdasImgStatistics, ProminentPixelsAreFoundOnGrowingCircles) {
   EXPECT_EQ(row, 2);
 }
 
-TEST(ErdasImgStatistics, TheFirstFindOfACircleIsTaken) {
-  // Independent walk over the circles.
-  ErdasImg image;
-  MakeNoise(image, 30, 30, 5);
-  for (int start = 0; start < 30; ++start) {
-    std::int32_t col = start;
-    std::int32_t row = 29 - start;
-    int expected = 0;
-    int foundCol = col;
-    int foundRow = row;
-    for (int r = 1; r <= 6 && expected == 0; ++r) {
-      for (int dx = -r; dx <= r && expected == 0; ++dx) {
-        const double h = std::sqrt(static_cast<double>(r * r - dx * dx));
-        foundCol = col + dx;
-        foundRow = static_cast<int>(row - h - 0.5);
-        expected = image.IsProminent(foundCol, foundRow, 0.985);
-        if (expected != 0) break;
-        foundRow = static_cast<int>(row + h + 0.5);
-        expected = image.IsProminent(foundCol, foundRow, 0.985);
+struct Find {
+  int result;
+  int col;
+  int row;
+
+  friend bool operator==(const Find&, const Find&) = default;
+};
+
+// The whole circles, pixel by pixel.
+Find PlainFind(const ErdasImg& image, int col, int row, int radius, double threshold) {
+  for (int r = 1; r <= radius; ++r) {
+    for (int dx = -r; dx <= r; ++dx) {
+      const double h = std::sqrt(static_cast<double>(r * r - dx * dx));
+      for (const double place : {row - h - 0.5, row + h + 0.5}) {
+        const int y = static_cast<int>(place);
+        const int result = image.IsProminent(col + dx, y, threshold);
+        if (result != 0) return {result, col + dx, y};
       }
     }
-    EXPECT_EQ(image.FindProminent(col, row, 6, 0.985), expected);
-    if (expected != 0) {
-      EXPECT_EQ(col, foundCol);
-      EXPECT_EQ(row, foundRow);
+  }
+  return {0, col, row};
+}
+
+Find FindOf(const ErdasImg& image, std::int32_t col, std::int32_t row, std::int32_t radius,
+            double threshold) {
+  const int result = image.FindProminent(col, row, radius, threshold);
+  return {result, col, row};
+}
+
+TEST(ErdasImgStatistics, TheFirstFindOfACircleIsTaken) {
+  ErdasImg image;
+  MakeNoise(image, 30, 30, 5);
+  for (int col = 0; col < 30; ++col) {
+    EXPECT_EQ(FindOf(image, col, 29 - col, 6, 0.985), PlainFind(image, col, 29 - col, 6, 0.985));
+  }
+}
+
+TEST(ErdasImgStatistics, ProminentPixelsAreFoundFromStartsInAndAroundTheImage) {
+  std::mt19937 random(11);
+  const std::pair<int, int> sizes[] = {{1, 1}, {9, 7}, {1, 25}, {25, 1}, {6, 20}};
+  for (const auto& [cols, rows] : sizes) {
+    SCOPED_TRACE(std::to_string(cols) + " x " + std::to_string(rows));
+    for (int i = 0; i < 300; ++i) {
+      ErdasImg image;
+      ASSERT_EQ(image.Create(HeaderOf(kPackByte, 1, cols, rows), false), 1);
+      const auto pixels = image.GetBands().GetBand(0);
+      pixels[random() % pixels.size()] = 90;
+      if (i % 3 == 0) image.SetSize(cols + i % 2, rows + 1);  // the band lacks some
+      const int col = static_cast<int>(random() % 120) - 50;
+      const int row = static_cast<int>(random() % 120) - 50;
+      const int radius = static_cast<int>(random() % 110);
+      EXPECT_EQ(FindOf(image, col, row, radius, 0.5), PlainFind(image, col, row, radius, 0.5))
+          << col << " " << row << " " << radius;
     }
+  }
+}
+
+TEST(ErdasImgStatistics, AProminentPixelIsFoundFromFarAway) {
+  ErdasImg image;
+  MakeImage(image, kPackByte, 3, {0, 0, 0, 0, 90, 0, 0, 0, 0});
+  // The circle of radius 2e9 is the first to reach column 0, at row trunc(1 - 0 - 0.5).
+  EXPECT_EQ(FindOf(image, -2000000000, 1, INT32_MAX, 0.5), (Find{1, 0, 0}));
+  EXPECT_EQ(FindOf(image, -2000000000, 1, 1999999999, 0.5), (Find{0, -2000000000, 1}));
+}
+
+TEST(ErdasImgStatistics, NoRadiusTakesLongerThanAWalkOverTheImage) {
+  const std::pair<int, int> sizes[] = {{1, 300000}, {300000, 1}, {500, 600}};
+  for (const auto& [cols, rows] : sizes) {
+    ErdasImg image;
+    ASSERT_EQ(image.Create(HeaderOf(kPackByte, 1, cols, rows), false), 1);
+    for (const int col : {INT32_MIN, -1, cols / 2, cols, INT32_MAX}) {
+      for (const int row : {INT32_MIN, -1, rows / 2, rows, INT32_MAX}) {
+        EXPECT_EQ(FindOf(image, col, row, INT32_MAX, 0.1), (Find{0, col, row}));
+      }
+    }
+    image.SetSize(INT32_MAX, INT32_MAX);  // only what the band holds counts
+    EXPECT_EQ(FindOf(image, 5, 5, INT32_MAX, 0.1), (Find{0, 5, 5}));
   }
 }
 
@@ -316,6 +396,14 @@ TEST(ErdasImgStatistics, CorrelationIsThePlainFormulaInsideAndAcrossTheBorder) {
                 PlainCorrelation(pattern, col, row, other));
     }
   }
+}
+
+TEST(ErdasImgStatistics, APatternWithoutSumsHasNoCorrelation) {
+  ErdasImg image;
+  MakeNoise(image, 5, 5, 3);
+  EXPECT_TRUE(std::isnan(ErdasImg::CorrelateWindow(image, 2, 2, image)));  // Q - S^2 / n is negative
+  image.Fill(3.0);
+  EXPECT_EQ(ErdasImg::CorrelateWindow(image, 2, 2, image), 0.0);
 }
 
 TEST(ErdasImgStatistics, AnImageCorrelatesWithItself) {

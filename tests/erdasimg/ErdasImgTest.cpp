@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <type_traits>
+#include <utility>
 
 #include "erdasimg/ImageBytes.h"
 
@@ -92,6 +94,48 @@ TEST(ErdasImg, FreeLetsBandsAndSubsetGo) {
   EXPECT_FALSE(image.GetSubsetBands());
 }
 
+TEST(ErdasImg, SetBandsSharesTheBuffersAndTellsHowTheyLie) {
+  for (const bool contiguous : {false, true}) {
+    const BandArray bands = BandArray::Allocate(2, 6, contiguous);
+    ErdasImg image;
+    image.m_bandsContiguous = contiguous ? 0 : 1;
+    image.SetBands(bands);
+    EXPECT_EQ(image.m_bandsContiguous, contiguous ? 1 : 0);
+    EXPECT_EQ(image.GetBands()[1], bands[1]);
+  }
+}
+
+TEST(ErdasImg, MovesItsPixelsAndLeavesNone) {
+  static_assert(std::is_nothrow_move_constructible_v<ErdasImg>);
+  static_assert(!std::is_copy_constructible_v<ErdasImg> && !std::is_copy_assignable_v<ErdasImg>);
+  ErdasImg image;
+  ASSERT_EQ(image.Create(HeaderOf(kPackUInt16, 2, 3, 2), true), 1);
+  FillWithPattern(image);
+  image.SetFileName("a.lan");
+  image.GetSubset(0, 1, 0, 0);
+  const std::uint8_t* const first = image.GetBands()[0];
+  const std::string pixels = BandBytes(image, 1);
+
+  ErdasImg moved(std::move(image));
+  EXPECT_EQ(moved.GetBands()[0], first);
+  EXPECT_EQ(moved.GetSize(), (ImageSize{3, 2}));
+  EXPECT_EQ(moved.m_subsetSize, (ImageSize{2, 1}));
+  EXPECT_FALSE(image.GetBands());  // NOLINT: what is left is told
+  EXPECT_FALSE(image.GetSubsetBands());
+  double value = 1.0;
+  EXPECT_TRUE(image.GetPixel(0, 0, 0, value));
+  EXPECT_EQ(value, 0.0);
+
+  ErdasImg other;
+  ASSERT_EQ(other.Create(HeaderOf(kPackByte, 1, 9, 9), false), 1);
+  other = std::move(moved);
+  EXPECT_EQ(other.GetBands()[0], first);
+  EXPECT_EQ(BandBytes(other, 1), pixels);
+  EXPECT_EQ(other.GetFileName(), "a.lan");
+  EXPECT_EQ(other.GetBytesPerPixel(), 2);
+  EXPECT_FALSE(moved.GetBands());
+}
+
 TEST(ErdasImg, CopyToCopiesHeaderAndPixels) {
   for (const bool contiguous : {false, true}) {
     ErdasImg image;
@@ -166,6 +210,28 @@ TEST(BandArray, IsEmptyForNegativeSizes) {
   EXPECT_FALSE(BandArray::Allocate(2, INT64_MAX, true));
   EXPECT_TRUE(BandArray::Allocate(0, 10, false));
   EXPECT_TRUE(BandArray::Allocate(1, 0, true));
+}
+
+TEST(BandArray, TellsWhetherItsBandsLieInOneAllocation) {
+  EXPECT_FALSE(BandArray().IsContiguous());
+  EXPECT_FALSE(BandArray::Allocate(2, 8, false).IsContiguous());
+  const BandArray array = BandArray::Allocate(2, 8, true);
+  EXPECT_TRUE(array.IsContiguous());
+  EXPECT_EQ(array[1], array[0] + 8);
+}
+
+TEST(BandArray, IsEmptyWhenMovedFrom) {
+  BandArray array = BandArray::Allocate(2, 8, true);
+  const std::uint8_t* const first = array[0];
+  BandArray moved(std::move(array));
+  EXPECT_EQ(moved[0], first);
+  EXPECT_FALSE(moved.IsShared());
+  EXPECT_FALSE(array);
+  EXPECT_EQ(array.size(), 0u);
+  EXPECT_EQ(array.GetBandBytes(), 0u);
+  array = std::move(moved);
+  EXPECT_EQ(array[0], first);
+  EXPECT_FALSE(moved);
 }
 
 TEST(BandArray, CopiesShareTheBuffers) {

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "erdasimg/ImageBytes.h"
+#include "io/MachineMemory.h"
 
 namespace corvane {
 namespace {
@@ -73,6 +74,16 @@ TEST(FlatDem, RefusesMoreCellsThanTwoToThe31) {
   EXPECT_EQ(FlatDem({.minX = 0, .minY = 0, .maxX = 2147483648.0, .maxY = 1}, 1.0f, 0, dem), -3);
   EXPECT_EQ(FlatDem({.minX = 0, .minY = 0, .maxX = 1e300, .maxY = 1e300}, 1.0f, 0, dem), -3);
   EXPECT_EQ(FlatDem({.minX = 0, .minY = 0, .maxX = 1, .maxY = 1}, 1e-30f, 0, dem), -3);
+}
+
+// Memory that is only promised costs nothing, so that the cells would be asked for all the same.
+TEST(FlatDem, RefusesMoreThanTheMachinesMemory) {
+  constexpr double kRows = 65536;
+  constexpr double kCols = 32768;
+  if (kRows * kCols * sizeof(float) <= static_cast<double>(BytesOfMachine())) GTEST_SKIP();
+  ErdasImg dem;
+  EXPECT_EQ(FlatDem({.minX = 0, .minY = 0, .maxX = kCols, .maxY = kRows}, 1.0f, 0, dem), -2);
+  EXPECT_FALSE(dem.GetBands());
 }
 
 // SampleImage
@@ -288,6 +299,18 @@ TEST(SubtractImages, BandsThatTheSecondLacksStayZero) {
   Fill(second, kPackByte, 1, {3});
   ASSERT_EQ(SubtractImages(first, second, difference), 1);
   EXPECT_EQ(BandBytes(difference, 0) + BandBytes(difference, 1), PixelBytes<std::uint8_t>({4, 0}));
+}
+
+// The size was changed behind the pixels' back.
+TEST(SubtractImages, RowsThatAreNotThereAreZero) {
+  ErdasImg first;
+  ErdasImg second;
+  ErdasImg difference;
+  Fill(first, kPackByte, 2, {9, 9, 9, 9});
+  Fill(second, kPackByte, 2, {1, 2});
+  second.SetSize(2, 2);
+  ASSERT_EQ(SubtractImages(first, second, difference), 1);
+  EXPECT_THAT(BandPixelsOf<std::uint8_t>(difference, 0), ElementsAre(8, 7, 9, 9));
 }
 
 TEST(SubtractImages, UnlikeTypesTakeTheFirstsType) {

@@ -59,13 +59,22 @@ TEST(Topaz, EndsWhereTheTextDoes) {
   const std::string head = "ncols 2147483647\nnrows 2147483647\n" + kPlace + "NODATA_value 0\n";
   EXPECT_EQ(Convert(head + "1 2 3").text, "1.000000\n2.000000\n3.000000\n");
   EXPECT_EQ(Convert(head + "1 2 x 3").text, "1.000000\n2.000000\n");
-  EXPECT_EQ(Convert(head).nCells, 0);
 }
 
 TEST(Topaz, CellsBehindTheLastAreLeft) {
   TempFolder folder;
   EXPECT_EQ(Convert("ncols 1\nnrows 1\n" + kPlace + "NODATA_value 0\n7 8 9").text, "7.000000\n");
   EXPECT_EQ(Convert("ncols 0\nnrows 1\n" + kPlace + "NODATA_value 0\n7 8 9").status, 1);
+}
+
+TEST(Topaz, FailsWithoutAnyCell) {
+  TempFolder folder;
+  const std::string head = "ncols 2\nnrows 2\n" + kPlace;
+  for (const char* cells : {"", "NODATA_value 0\n", "NODATA_value 0\nx 1 2 3\n"}) {
+    const Converted done = Convert(head + cells);
+    EXPECT_EQ(done.status, -1) << cells;
+    EXPECT_EQ(done.nCells, 0) << cells;
+  }
 }
 
 TEST(Topaz, LongGridsRunThroughTheWindow) {

@@ -67,11 +67,33 @@ TEST_F(ASingularSystem, IsSwallowedByTheWeightedForms) {
   EXPECT_EQ(Row(x, x + 2), Row({8, 0}));
 }
 
+TEST_F(ALine, IsFittedInPlaceOfTheObservations) {
+  const auto fitted = [&](auto fit) {
+    double both[] = {1, 2, 6};
+    EXPECT_EQ(fit(both), 1);
+    EXPECT_DOUBLE_EQ(both[0], 3.0);
+    EXPECT_DOUBLE_EQ(both[1], 2.5);
+    EXPECT_EQ(both[2], 6.0);
+  };
+  const double w[] = {1, 1, 1};
+  fitted([&](double* both) { return LeastSquares(design.get(), both, 3, 2, both); });
+  fitted([&](double* both) { return WeightedLeastSquares(design.get(), both, w, 3, 2, both); });
+  fitted([&](double* both) { return LeastSquaresCholesky(design.get(), both, 3, 2, both); });
+  fitted([&](double* both) { return WeightedLeastSquaresCholesky(design.get(), both, w, 3, 2, both); });
+}
+
+TEST_F(ASingularSystem, LeavesWhatItDoesInPlaceOfTheObservations) {
+  double both[] = {3, 5};
+  EXPECT_EQ(LeastSquaresCholesky(design.get(), both, 2, 2, both), -1);
+  EXPECT_EQ(Row(both, both + 2), Row({8, 0}));
+}
+
 TEST(LeastSquares, WithoutObservationsIsSingular) {
   const OwnedMatrix empty(AllocMatrix(0, 1));
   double x = -1.0;
   EXPECT_EQ(LeastSquares(empty.get(), nullptr, 0, 1, &x), -1);
   EXPECT_EQ(WeightedLeastSquares(empty.get(), nullptr, nullptr, 0, 1, &x), 1);
+  EXPECT_EQ(LeastSquares(empty.get(), nullptr, -1, 1, &x), -1);
 }
 
 TEST(LeastSquares, WithoutUnknownsSucceeds) {
@@ -110,6 +132,7 @@ TEST(FitAugmented, DropsASingularSystem) {
 TEST(FitAugmented, OfNoColumnsDoesNothing) {
   const OwnedMatrix empty(AllocMatrix(2, 0));
   EXPECT_EQ(FitAugmented(empty.get(), 2, 0, nullptr), 1);
+  EXPECT_EQ(FitAugmented(empty.get(), 2, -1, nullptr), 1);
 }
 
 TEST(FitLine, FitsSlopeAndOffset) {

@@ -22,11 +22,11 @@ TEST(AllocMatrix, LinksRowsOverOneBlockOfZeros) {
 }
 
 TEST(AllocMatrix, TakesAnotherElementSize) {
-  const auto bytes = reinterpret_cast<std::uint8_t**>(AllocMatrix(2, 5, 1));
-  ASSERT_NE(bytes, nullptr);
-  EXPECT_EQ(bytes[1], bytes[0] + 5);
-  for (int i = 0; i < 10; ++i) EXPECT_EQ(bytes[0][i], 0);
-  FreeMatrix(reinterpret_cast<Matrix>(bytes));
+  const OwnedMatrix m(AllocMatrix(2, 5, 1));
+  ASSERT_TRUE(m);
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(m[0]);
+  EXPECT_EQ(reinterpret_cast<const std::uint8_t*>(m[1]), bytes + 5);
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(bytes[i], 0);
 }
 
 TEST(AllocMatrix, IsCopiedWithOneBlockCopy) {
@@ -69,6 +69,13 @@ TEST(IdentityMatrix, KeepsTheStorageAndOverwritesIt) {
   EXPECT_EQ(IdentityMatrix(&pointer, 2), 0);
   EXPECT_EQ(pointer, m.get());
   EXPECT_EQ(ElementsOf(m, 2, 2), Row({1, 0, 0, 1}));
+}
+
+TEST(IdentityMatrix, OfANegativeCountHasNothingToDoInAMatrixThatIsThere) {
+  const OwnedMatrix m = MatrixOf({{7}});
+  Matrix pointer = m.get();
+  EXPECT_EQ(IdentityMatrix(&pointer, -1), 0);
+  EXPECT_EQ(m[0][0], 7.0);
 }
 
 TEST(IdentityMatrix, FailsWithoutMemory) {

@@ -35,10 +35,10 @@ TEST_F(MatrixText, PlainShortensZerosInAllButTheLastColumn) {
   EXPECT_EQ(ReadFileBytes("m.txt"), "23\n1.500000 0 -0.000000\n0 -2.000000 0.000000\n");
 }
 
-TEST_F(MatrixText, SpellsWhatIsNotFiniteAsPrintf) {
+TEST_F(MatrixText, SpellsWhatIsNotFiniteANaNWithoutItsSign) {
   const OwnedMatrix odd = MatrixOf({{kInfinity, -kInfinity, kNaN, -kNaN, 1e30}});
   EXPECT_EQ(WriteMatrixBare("m.txt", 1, 5, odd.get(), ""), 1);
-  EXPECT_EQ(ReadFileBytes("m.txt"), "inf -inf nan -nan 1000000000000000019884624838656.000000\n");
+  EXPECT_EQ(ReadFileBytes("m.txt"), "inf -inf nan nan 1000000000000000019884624838656.000000\n");
 }
 
 TEST_F(MatrixText, OfNothingIsTheHeader) {

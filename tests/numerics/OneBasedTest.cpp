@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+
 namespace corvane {
 namespace {
 
@@ -109,6 +112,15 @@ TEST(OneBasedDeathTest, TablesFailWithTheirTexts) {
   EXPECT_EXIT(submatrix(nullptr, 1, kTooMany, 1, 1, 1, 1), failsWith,
               ErrorWith("allocation failure in submatrix\\(\\)"));
   EXPECT_EXIT(convert_matrix(nullptr, 1, kTooMany, 1, 1), failsWith,
+              ErrorWith("allocation failure in convert_matrix\\(\\)"));
+}
+
+TEST(OneBasedDeathTest, AnInvertedRangeOfColumnsFails) {
+  const auto failsWith = testing::ExitedWithCode(1);
+  EXPECT_EXIT(matrix(1, 1, 2, 0), failsWith, ErrorWith("allocation failure 2 in matrix\\(\\)"));
+  EXPECT_EXIT(submatrix(nullptr, 1, 0, 2, 0, 1, 1), failsWith,
+              ErrorWith("allocation failure in submatrix\\(\\)"));
+  EXPECT_EXIT(convert_matrix(nullptr, 1, 0, 2, 0), failsWith,
               ErrorWith("allocation failure in convert_matrix\\(\\)"));
 }
 

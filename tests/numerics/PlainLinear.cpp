@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace corvane {
@@ -112,6 +113,49 @@ int PlainLuDecompose(Matrix a, int n, int* indx, double* d) {
   return 1;
 }
 
+void PlainCholeskySubstitute(ConstMatrix a, int n, const double* p, const double* b, double* x) {
+  for (int i = 0; i < n; ++i) {
+    double sum = b[i];
+    for (int k = i - 1; k >= 0; --k) sum -= a[i][k] * x[k];
+    x[i] = sum / p[i];
+  }
+  for (int i = n - 1; i >= 0; --i) {
+    double sum = x[i];
+    for (int k = i + 1; k < n; ++k) sum -= a[k][i] * x[k];
+    x[i] = sum / p[i];
+  }
+}
+
+void PlainLuSubstitute(ConstMatrix a, int n, const int* indx, double* b) {
+  bool isLeading = true;
+  int first = 0;
+  for (int i = 0; i < n; ++i) {
+    double sum = b[indx[i]];
+    b[indx[i]] = b[i];
+    if (!isLeading) {
+      for (int j = first; j < i; ++j) sum -= a[i][j] * b[j];
+    } else if (sum != 0.0) {
+      isLeading = false;
+      first = i;
+    }
+    b[i] = sum;
+  }
+  for (int i = n - 1; i >= 0; --i) {
+    double sum = b[i];
+    for (int j = i + 1; j < n; ++j) sum -= a[i][j] * b[j];
+    b[i] = sum / a[i][i];
+  }
+}
+
+void PlainMultiplyMatrixVector(ConstMatrix a, const double* x, double* y, int m, int n) {
+  for (int i = 0; i < m; ++i) {
+    y[i] = 0.0;
+    for (int j = 0; j < n; ++j) {
+      if (a[i][j] != 0.0 && x[j] != 0.0) y[i] += a[i][j] * x[j];
+    }
+  }
+}
+
 void PlainNormalMatrix(ConstMatrix a, const double* w, int m, int n, Matrix normal) {
   for (int i = 0; i < n; ++i) {
     for (int j = i; j < n; ++j) {
@@ -122,6 +166,16 @@ void PlainNormalMatrix(ConstMatrix a, const double* w, int m, int n, Matrix norm
       }
       normal[i][j] = sum;
       normal[j][i] = sum;
+    }
+  }
+}
+
+void PlainNormalVector(ConstMatrix a, const double* l, const double* w, int m, int n, double* v) {
+  for (int i = 0; i < n; ++i) {
+    v[i] = 0.0;
+    for (int k = 0; k < m; ++k) {
+      if (a[k][i] == 0.0 || l[k] == 0.0) continue;
+      v[i] += w ? a[k][i] * l[k] * w[k] : a[k][i] * l[k];
     }
   }
 }

@@ -4,13 +4,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
 #include <limits>
 #include <random>
+#include <vector>
 
 #include "MatrixFixture.h"
 #include "PlainLinear.h"
 #include "numerics/LeastSquares.h"
+#include "numerics/NormalEquations.h"
 #include "numerics/SimdVersion.h"
 #include "numerics/Solvers.h"
 
@@ -83,7 +86,7 @@ void ForEachCase(std::initializer_list<int> sizes, Test test) {
 
 TEST(SameBits, GaussJordan) {
   Numbers numbers;
-  ForEachCase({1, 2, 3, 4, 5, 7, 8, 9, 16, 17, 31, 33, 50, 70}, [&](Content content, int n) {
+  ForEachCase({1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 18, 31, 33, 50, 70}, [&](Content content, int n) {
     for (const int m : {0, 1, 3, n}) {
       const OwnedMatrix a = numbers.MatrixWith(content, n, n);
       const OwnedMatrix b = numbers.MatrixWith(content, n, m);
@@ -153,27 +156,44 @@ TEST(SameBits, CholeskyDecompose) {
   });
 }
 
-TEST(SameBits, NormalMatrix) {
+TEST(SameBits, CholeskySubstitute) {
   Numbers numbers;
-  ForEachCase({1, 2, 5, 8, 9, 20, 33, 70}, [&](Content content, int n) {
-    for (const int m : {0, 1, 7, 8, 9, 50}) {
-      const OwnedMatrix a = numbers.MatrixWith(content, m, n);
-      const OwnedMatrix plain(AllocMatrix(n, n));
-      PlainNormalMatrix(a.get(), nullptr, m, n, plain.get());
-      Matrix normal = nullptr;
-      ASSERT_EQ(NormalMatrix(a.get(), m, n, &normal), 1);
-      const OwnedMatrix owner(normal);
-      EXPECT_TRUE(AreSameNumbers(ElementsOf(owner, n, n), ElementsOf(plain, n, n)));
+  ForEachCase({1, 2, 3, 8, 17, 40}, [&](Content content, int n) {
+    const OwnedMatrix a = numbers.MatrixWith(content, n, n);
+    const OwnedMatrix p = numbers.MatrixWith(Content::Random, 1, n);
+    const OwnedMatrix b = numbers.MatrixWith(content, 1, n);
+    std::vector<double> x(n);
+    std::vector<double> plain(n);
+    PlainCholeskySubstitute(a.get(), n, p[0], b[0], plain.data());
+    CholeskySubstitute(a.get(), n, p[0], b[0], x.data());
+    EXPECT_TRUE(AreSameNumbers(x, plain));
+    CholeskySubstitute(a.get(), n, p[0], b[0], b[0]);
+    EXPECT_TRUE(AreSameNumbers(ElementsOf(b, 1, n), plain));
+  });
+}
+
+TEST(SameBits, LuSubstitute) {
+  Numbers numbers;
+  ForEachCase({1, 2, 3, 8, 17, 40}, [&](Content content, int n) {
+    const OwnedMatrix a = numbers.MatrixWith(content, n, n);
+    std::vector<int> indx(n);
+    for (int i = 0; i < n; ++i)
+      indx[i] = i + static_cast<int>(numbers.Below(static_cast<std::size_t>(n - i)));
+    for (const int nZeros : {0, n / 2, n}) {
+      const OwnedMatrix b = numbers.MatrixWith(content, 1, n);
+      std::fill_n(b[0], nZeros, 0.0);
+      const OwnedMatrix plain = CopyOf(b, 1, n);
+      LuSubstitute(a.get(), n, indx.data(), b[0]);
+      PlainLuSubstitute(a.get(), n, indx.data(), plain[0]);
+      EXPECT_TRUE(AreSameNumbers(ElementsOf(b, 1, n), ElementsOf(plain, 1, n)));
     }
   });
 }
 
-// Rows that are nearly empty, rows that are full and rows with a number that is not finite take turns.
-TEST(SameBits, NormalMatrixOfMixedRows) {
-  Numbers numbers;
-  constexpr int m = 200;
-  constexpr int n = 40;
-  const OwnedMatrix a = numbers.MatrixWith(Content::Random, m, n);
+// The rows of a design matrix: nearly empty ones, full ones and ones with a number that is not finite take
+// turns. But for the last 20 rows all are finite, lest every sum becomes NaN.
+OwnedMatrix MixedRows(Numbers& numbers, int m, int n) {
+  OwnedMatrix a = numbers.MatrixWith(Content::Random, m, n);
   for (int k = 0; k < m; ++k) {
     const Content content = kContents[numbers.Below(std::size(kContents))];
     const OwnedMatrix row = numbers.MatrixWith(content, 1, n);
@@ -181,36 +201,133 @@ TEST(SameBits, NormalMatrixOfMixedRows) {
     if (k >= m - 20 && content != Content::AllNaN) continue;
     for (int i = 0; i < n; ++i) a[k][i] = std::isfinite(a[k][i]) ? a[k][i] : 0.0;
   }
+  return a;
+}
+
+// Weights (m) of every kind but NaN and infinity, which come last.
+std::vector<double> MixedWeights(Numbers& numbers, int m) {
+  std::vector<double> w(m);
+  for (double& weight : w) weight = numbers.Of(numbers.Below(2) == 0 ? Content::Small : Content::Random);
+  for (int k = std::max(0, m - 4); k < m; ++k) w[k] = std::numeric_limits<double>::infinity();
+  return w;
+}
+
+void ExpectSameNormalEquations(Numbers& numbers, const OwnedMatrix& a, const double* w, int m, int n) {
+  const OwnedMatrix l = numbers.MatrixWith(Content::NegativeZeros, 1, m);
+  const OwnedMatrix normal = numbers.MatrixWith(Content::Random, n, n);  // is overwritten
   const OwnedMatrix plain(AllocMatrix(n, n));
-  PlainNormalMatrix(a.get(), nullptr, m, n, plain.get());
+  std::vector<double> v(n, 7.0);
+  std::vector<double> plainV(n);
+  PlainNormalMatrix(a.get(), w, m, n, plain.get());
+  PlainNormalVector(a.get(), l[0], w, m, n, plainV.data());
+  ASSERT_EQ(BuildNormalMatrix(a.get(), w, m, n, normal.get()), 1);
+  BuildNormalVector(a.get(), l[0], w, m, n, v.data());
+  EXPECT_TRUE(AreSameNumbers(ElementsOf(normal, n, n), ElementsOf(plain, n, n)));
+  EXPECT_TRUE(AreSameNumbers(v, plainV));
+}
+
+TEST(SameBits, NormalEquations) {
+  Numbers numbers;
+  ForEachCase({1, 2, 5, 8, 9, 20, 33, 70}, [&](Content content, int n) {
+    for (const int m : {0, 1, 7, 8, 9, 50}) {
+      const OwnedMatrix a = numbers.MatrixWith(content, m, n);
+      const std::vector<double> w = MixedWeights(numbers, m);
+      ExpectSameNormalEquations(numbers, a, nullptr, m, n);
+      ExpectSameNormalEquations(numbers, a, w.data(), m, n);
+      std::vector<double> finite(m);
+      for (double& weight : finite) weight = numbers.Uniform();
+      ExpectSameNormalEquations(numbers, a, finite.data(), m, n);
+    }
+  });
+}
+
+TEST(SameBits, NormalEquationsOfMixedRows) {
+  Numbers numbers;
+  constexpr int m = 200;
   for (const SimdVersion version : AvailableSimdVersions()) {
     const ForcedSimdVersion forced(version);
-    Matrix normal = nullptr;
-    ASSERT_EQ(NormalMatrix(a.get(), m, n, &normal), 1);
-    const OwnedMatrix owner(normal);
-    EXPECT_TRUE(AreSameNumbers(ElementsOf(owner, n, n), ElementsOf(plain, n, n)));
+    for (const int n : {8, 40}) {
+      const OwnedMatrix a = MixedRows(numbers, m, n);
+      const std::vector<double> w = MixedWeights(numbers, m);
+      ExpectSameNormalEquations(numbers, a, nullptr, m, n);
+      ExpectSameNormalEquations(numbers, a, w.data(), m, n);
+    }
   }
 }
 
-TEST(SameBits, WeightedLeastSquares) {
+TEST(SameBits, NormalMatrixIsTheSumWithoutWeights) {
   Numbers numbers;
-  ForEachCase({1, 3, 8, 11}, [&](Content content, int n) {
+  const OwnedMatrix a = numbers.MatrixWith(Content::Random, 30, 12);
+  const OwnedMatrix plain(AllocMatrix(12, 12));
+  PlainNormalMatrix(a.get(), nullptr, 30, 12, plain.get());
+  Matrix normal = nullptr;
+  ASSERT_EQ(NormalMatrix(a.get(), 30, 12, &normal), 1);
+  const OwnedMatrix owner(normal);
+  EXPECT_TRUE(AreSameNumbers(ElementsOf(owner, 12, 12), ElementsOf(plain, 12, 12)));
+}
+
+// Calls test(a, l, w, m, n, normal, rhs) with the plain normal equations, for weights and for none (null).
+template <typename Test>
+void ForEachAdjustment(Test test) {
+  Numbers numbers;
+  ForEachCase({1, 3, 8, 11, 20}, [&](Content content, int n) {
     constexpr int m = 30;
     const OwnedMatrix a = numbers.MatrixWith(content, m, n);
     const OwnedMatrix l = numbers.MatrixWith(Content::Random, 1, m);
-    const OwnedMatrix w = numbers.MatrixWith(Content::Random, 1, m);
-    const OwnedMatrix normal(AllocMatrix(n, n));
-    const OwnedMatrix rhs(AllocMatrix(n, 1));
-    PlainNormalMatrix(a.get(), w[0], m, n, normal.get());
-    for (int k = 0; k < m; ++k) {
-      for (int i = 0; i < n; ++i) {
-        if (a[k][i] != 0.0 && l[0][k] != 0.0) rhs[i][0] += a[k][i] * l[0][k] * w[0][k];
-      }
+    const OwnedMatrix weights = numbers.MatrixWith(Content::Random, 1, m);
+    for (int k = 0; k < m; ++k)
+      weights[0][k] = std::fabs(weights[0][k]);  // so that most systems have a factor
+    for (const double* const w :
+         {static_cast<const double*>(nullptr), static_cast<const double*>(weights[0])}) {
+      const OwnedMatrix normal(AllocMatrix(n, n));
+      const OwnedMatrix rhs(AllocMatrix(n, 1));
+      PlainNormalMatrix(a.get(), w, m, n, normal.get());
+      PlainNormalVector(a.get(), l[0], w, m, n, rhs[0]);
+      test(a, l, w, m, n, normal, rhs);
     }
-    PlainGaussJordan(normal.get(), n, rhs.get(), 1);
+  });
+}
+
+TEST(SameBits, LeastSquares) {
+  ForEachAdjustment([](const OwnedMatrix& a, const OwnedMatrix& l, const double* w, int m, int n,
+                       const OwnedMatrix& normal, const OwnedMatrix& rhs) {
+    const int solved = PlainGaussJordan(normal.get(), n, rhs.get(), 1);
     std::vector<double> x(n);
-    EXPECT_EQ(WeightedLeastSquares(a.get(), l[0], w[0], m, n, x.data()), 1);
+    const int result = w ? WeightedLeastSquares(a.get(), l[0], w, m, n, x.data())
+                         : LeastSquares(a.get(), l[0], m, n, x.data());
+    EXPECT_EQ(result, w ? 1 : solved);
     EXPECT_TRUE(AreSameNumbers(x, ElementsOf(rhs, n, 1)));
+  });
+}
+
+TEST(SameBits, LeastSquaresCholesky) {
+  int nSolved = 0;
+  ForEachAdjustment([&](const OwnedMatrix& a, const OwnedMatrix& l, const double* w, int m, int n,
+                        const OwnedMatrix& normal, const OwnedMatrix& rhs) {
+    std::vector<double> p(n);
+    const int solved = PlainCholeskyDecompose(normal.get(), n, p.data());
+    if (solved == 1) PlainCholeskySubstitute(normal.get(), n, p.data(), rhs[0], rhs[0]);
+    nSolved += solved == 1;
+    std::vector<double> x(n);
+    const int result = w ? WeightedLeastSquaresCholesky(a.get(), l[0], w, m, n, x.data())
+                         : LeastSquaresCholesky(a.get(), l[0], m, n, x.data());
+    EXPECT_EQ(result, w ? 1 : solved);
+    EXPECT_TRUE(AreSameNumbers(x, ElementsOf(rhs, n, 1)));
+  });
+  EXPECT_GT(nSolved, 0);
+}
+
+TEST(SameBits, MultiplyMatrixVector) {
+  Numbers numbers;
+  ForEachCase({1, 3, 8, 17, 40}, [&](Content content, int n) {
+    constexpr int m = 9;
+    const OwnedMatrix a = numbers.MatrixWith(content, m, n);
+    const OwnedMatrix x = numbers.MatrixWith(content, 1, n);
+    std::vector<double> y(m);
+    std::vector<double> plain(m);
+    MultiplyMatrixVector(a.get(), x[0], y.data(), m, n);
+    PlainMultiplyMatrixVector(a.get(), x[0], plain.data(), m, n);
+    EXPECT_TRUE(AreSameNumbers(y, plain));
   });
 }
 

@@ -3,8 +3,12 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <limits>
 #include <random>
+#include <vector>
 
 #include "MatrixFixture.h"
 
@@ -70,28 +74,42 @@ TEST(GaussJordan, OfAZeroRowFailsAndReleasesItsWorkVectors) {
   EXPECT_LE(mallinfo2().uordblks, before + 4096);
 }
 
-// The pivot is -2 at (1, 1). Row 1 is scaled to (-1/2, 1) with -1/2 for the pivot, right side -2. Row 0 loses
-// 1 times that: (1 + -1/2 * -1, ...) is spelled out below; then its own pivot is exactly zero.
+// The pivot is -2 at (1, 1). Its row times -1/2, with 1 in place of the pivot, is (1/2, -1/2), right side -2.
+// Row 0, with 0 in place of its 1, loses 1 times that. The next pivot is exactly zero.
 TEST(GaussJordan, LeavesASingularSystemPartlyReduced) {
   const OwnedMatrix a = MatrixOf({{0.5, 1}, {-1, -2}});
   const OwnedMatrix b = MatrixOf({{3}, {4}});
   EXPECT_EQ(GaussJordan(a.get(), 2, b.get(), 1), -1);
-  EXPECT_EQ(ElementsOf(a, 2, 2), Row({0, 0.5, 0.5, -0.5}));  // (0.5 - 0.5 * 1, 0 - -0.5 * 1), (-1, 1) * -0.5
-  EXPECT_EQ(ElementsOf(b, 2, 1), Row({5, -2}));              // 3 - -2 * 1, 4 * -0.5
+  EXPECT_EQ(ElementsOf(a, 2, 2), Row({0, 0.5, 0.5, -0.5}));
+  EXPECT_EQ(ElementsOf(b, 2, 1), Row({5, -2}));
 }
 
-// All pivots are equal, so the last in row order is taken each time: the rows stay where they are.
+// All four elements are equally large. The last one as pivot makes row 1 (-1, 1/2), right side 2, of which
+// row 0 loses -2 times; any other pivot would leave other numbers, or the rows swapped.
 TEST(GaussJordan, TakesTheLastOfEqualPivots) {
-  const OwnedMatrix a = MatrixOf({{1, 1}, {1, -1}});
-  const OwnedMatrix b = MatrixOf({{3}, {1}});
-  EXPECT_EQ(GaussJordan(a.get(), 2, b.get(), 1), 1);
-  EXPECT_EQ(ElementsOf(a, 2, 2), Row({0.5, 0.5, 0.5, -0.5}));
-  EXPECT_EQ(ElementsOf(b, 2, 1), Row({2, 1}));
+  const OwnedMatrix a = MatrixOf({{2, -2}, {-2, 2}});
+  const OwnedMatrix b = MatrixOf({{3}, {4}});
+  EXPECT_EQ(GaussJordan(a.get(), 2, b.get(), 1), -1);
+  EXPECT_EQ(ElementsOf(a, 2, 2), Row({0, 1, -1, 0.5}));
+  EXPECT_EQ(ElementsOf(b, 2, 1), Row({7, 2}));
+}
+
+// A system of n unknowns with the last one of these equal pivots in the last two rows and columns.
+TEST(GaussJordan, TakesTheLastOfEqualPivotsAmongMany) {
+  constexpr int n = 40;
+  const OwnedMatrix a(AllocMatrix(n, n));
+  for (const int i : {n - 2, n - 1}) {
+    for (const int k : {n - 2, n - 1}) a[i][k] = i == k ? 2.0 : -2.0;
+  }
+  EXPECT_EQ(GaussJordan(a.get(), n, nullptr, 0), -1);
+  EXPECT_EQ(Row(a[n - 2] + n - 2, a[n - 2] + n), Row({0, 1}));
+  EXPECT_EQ(Row(a[n - 1] + n - 2, a[n - 1] + n), Row({-1, 0.5}));
 }
 
 TEST(GaussJordan, WithoutUnknownsSucceeds) {
   const OwnedMatrix empty(AllocMatrix(0, 0));
   EXPECT_EQ(GaussJordan(empty.get(), 0, empty.get(), 0), 1);
+  EXPECT_EQ(GaussJordan(nullptr, -1, nullptr, -1), 1);
 }
 
 TEST(GaussJordan, WithoutRightSidesInverts) {
@@ -130,13 +148,26 @@ TEST(InvertMatrix, FailsWithoutMemory) {
   EXPECT_EQ(InvertMatrix(nullptr, &inverse, -1), -1);
 }
 
-TEST(InvertWithRhs, ReturnsZeroAlways) {
-  const OwnedMatrix a = MatrixOf({{2}});
-  const OwnedMatrix b = MatrixOf({{8}});
-  EXPECT_EQ(InvertWithRhs(a.get(), b.get(), 1), 0);
-  EXPECT_EQ(b[0][0], 4.0);
-  const OwnedMatrix singular(AllocMatrix(1, 1));
-  EXPECT_EQ(InvertWithRhs(singular.get(), b.get(), 1), 0);
+TEST(InvertMatrix, OfANegativeCountHasNothingToDoWhereAMatrixIsThere) {
+  const OwnedMatrix a = MatrixOf({{7}});
+  Matrix inverse = a.get();
+  EXPECT_EQ(InvertMatrix(nullptr, &inverse, -1), 1);
+  EXPECT_EQ(a[0][0], 7.0);
+}
+
+TEST(InvertWithRhs, InvertsAndSolvesAsManyRightSides) {
+  const OwnedMatrix a = MatrixOf({{2, 1}, {4, 4}});
+  const OwnedMatrix b = MatrixOf({{8, 0}, {24, 4}});
+  EXPECT_EQ(InvertWithRhs(a.get(), b.get(), 2), 0);
+  EXPECT_EQ(ElementsOf(a, 2, 2), Row({1, -0.25, -1, 0.5}));
+  EXPECT_EQ(ElementsOf(b, 2, 2), Row({2, -1, 4, 2}));
+}
+
+TEST(InvertWithRhs, ReturnsZeroForASingularMatrixToo) {
+  const OwnedMatrix a(AllocMatrix(2, 2));
+  const OwnedMatrix b = MatrixOf({{1, 2}, {3, 4}});
+  EXPECT_EQ(InvertWithRhs(a.get(), b.get(), 2), 0);
+  EXPECT_EQ(ElementsOf(b, 2, 2), Row({1, 2, 3, 4}));
 }
 
 // (4, 2, 6; 2, 10, 9; 6, 9, 19) = L Lt with L = (2; 1, 3; 3, 2, sqrt 6).
@@ -200,6 +231,8 @@ TEST(CholeskySolve, KeepsTheRightSideWhereItFails) {
 TEST(CholeskySolve, WithoutUnknownsSucceeds) {
   const OwnedMatrix empty(AllocMatrix(0, 0));
   EXPECT_EQ(CholeskySolve(empty.get(), 0, nullptr), 1);
+  EXPECT_EQ(CholeskyDecompose(nullptr, -1, nullptr), 1);
+  EXPECT_EQ(CholeskySolve(nullptr, -1, nullptr), -1);
 }
 
 // Relative to their largest elements the first column is 1/4 and 1, so the rows are swapped.
@@ -229,6 +262,18 @@ TEST(LuDecompose, OfAZeroPivotWithoutAZeroRowLeavesATinyNumber) {
   double d = 0.0;
   EXPECT_EQ(LuDecompose(a.get(), 2, indx, &d), 1);
   EXPECT_EQ(a[1][1], 1e-20);
+  EXPECT_EQ(d, -1.0);
+}
+
+// Of two zeros the later one is taken, so the rows are swapped.
+TEST(LuDecompose, OfAZeroPivotInTheFirstColumnLeavesATinyNumberThere) {
+  const OwnedMatrix a = MatrixOf({{0, 1}, {0, 2}});
+  int indx[2];
+  double d = 0.0;
+  EXPECT_EQ(LuDecompose(a.get(), 2, indx, &d), 1);
+  EXPECT_EQ(ElementsOf(a, 2, 2), Row({1e-20, 2, 0, 1}));
+  EXPECT_EQ(indx[0], 1);
+  EXPECT_EQ(indx[1], 1);
   EXPECT_EQ(d, -1.0);
 }
 
@@ -286,6 +331,9 @@ TEST(LuSolve, KeepsTheRightSideWhereItFails) {
 TEST(LuSolve, WithoutUnknownsSucceeds) {
   const OwnedMatrix empty(AllocMatrix(0, 0));
   EXPECT_EQ(LuSolve(empty.get(), 0, nullptr), 1);
+  double d = 0.0;
+  EXPECT_EQ(LuDecompose(nullptr, -1, nullptr, &d), -1);
+  EXPECT_EQ(LuSolve(nullptr, -1, nullptr), -1);
 }
 
 }  // namespace
