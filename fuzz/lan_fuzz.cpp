@@ -40,7 +40,7 @@ double BytesOfSamples(const ErdasHeader& header) {
 void ReadSamples(const std::string& path) {
   ErdasImg image;
   image.ReadHeader(path);
-  if (IsLargePromise(BytesOfSamples(*image.GetHeader()), ErdasImg::kMaxMissingSamples)) return;
+  if (IsLargePromise(BytesOfSamples(*image.GetHeader()), ErdasImg::kMaxFilledBytes)) return;
   InputFile file(path);
   std::vector<std::uint8_t> samples;
   image.ReadInterleaved(file, samples);

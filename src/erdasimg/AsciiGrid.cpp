@@ -19,7 +19,7 @@ std::int32_t ReadCount(RecordReader& reader, std::int32_t otherwise) {
   return reader.Next([otherwise](TextScanner& scanner) {
     std::string label;
     std::int32_t count = otherwise;
-    if (scanner.ScanWord(label)) scanner.ScanInt(count);
+    if (scanner.ScanWord(label, kLabelWidth)) scanner.ScanInt(count);
     return count;
   });
 }
@@ -63,7 +63,7 @@ double ReadLabelledReal(RecordReader& reader, double otherwise) {
   return reader.Next([otherwise](TextScanner& scanner) {
     std::string label;
     double value = otherwise;
-    if (scanner.ScanWord(label)) scanner.ScanDouble(value);
+    if (scanner.ScanWord(label, kLabelWidth)) scanner.ScanDouble(value);
     return value;
   });
 }

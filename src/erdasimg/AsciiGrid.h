@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -29,6 +30,9 @@ struct AsciiGridHeader {
   double cellSize = 0.0;
   double noData = -9999.0;  // stands for cells without a value
 };
+
+// The most characters of a label that are read as one word.
+constexpr std::size_t kLabelWidth = 255;
 
 // Numbers have 10 significant digits: "%.10g".
 constexpr int kAsciiGridDigits = 10;

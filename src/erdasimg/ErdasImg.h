@@ -74,8 +74,8 @@ class ErdasImg {
   // A file may promise this many bytes of pixels more than it holds; they are zero then.
   static constexpr std::int64_t kMaxMissingBytes = std::int64_t{1} << 31;
 
-  // The same for ReadInterleaved.
-  static constexpr std::int64_t kMaxMissingSamples = std::int64_t{1} << 26;
+  // The same where what is missing has to be filled in: ASCII grids, and ReadInterleaved.
+  static constexpr std::int64_t kMaxFilledBytes = std::int64_t{1} << 26;
 
   static constexpr const char* kNoMemoryText = "Allocate Memory for Image Fails";
 
@@ -326,7 +326,7 @@ class ErdasImg {
 
   // The same from an open .lan of bytes, whose header is taken; m_bands stays. `buffer` gets its size.
   // Samples that the file lacks are 0. 1; -1, with an empty buffer, without a positive size or memory, and
-  // for more samples than the bytes that the file holds and kMaxMissingSamples.
+  // for more samples than the bytes that the file holds and kMaxFilledBytes.
   int ReadInterleaved(InputFile& file, std::vector<std::uint8_t>& buffer);
 
   // The reverse of GetInterleaved, with all bands and any pixel size: cols * rows * bands * bytesPerPixel

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "erdasimg/ErdasImg.h"
 #include "erdasimg/GdalScope.h"
@@ -94,6 +96,13 @@ CPLErr WritePixels(GDALDataset& dataset, const ErdasImg& image) {
   return CE_None;
 }
 
+// Overviews, statistics and place of the image that stood there before do not belong to the new one.
+void RemoveSideFiles(const std::string& path) {
+  std::error_code ignored;
+  for (const char* const suffix : {".aux.xml", ".ovr", ".msk"})
+    std::filesystem::remove(path + suffix, ignored);
+}
+
 // False if what was still to write could not be written.
 bool Close(OpenDataset& dataset) {
   CPLErrorReset();
@@ -157,7 +166,9 @@ int ErdasImg::WriteGdal(const std::string& path, GDALDriver* driver, char** opti
   if (!dataset) return -2;
   const CPLErr error = WritePixels(*dataset, *this);
   if (error != CE_None) return error;
-  return Close(dataset) && stage.Commit() ? 1 : -2;
+  if (!Close(dataset) || !stage.Commit()) return -2;
+  RemoveSideFiles(path);
+  return 1;
 }
 
 }  // namespace corvane

@@ -31,7 +31,7 @@ ErdasHeader HeaderOfGrid(const AsciiGridHeader& grid, PackType packType) {
 bool IsHighByteFirst(RecordReader& reader) {
   return reader.Next([](TextScanner& scanner) {
     std::string word;
-    return scanner.ScanWord(word) && scanner.ScanWord(word) && word == "MSBFIRST";
+    return scanner.ScanWord(word, kLabelWidth) && scanner.ScanWord(word, kLabelWidth) && word == "MSBFIRST";
   });
 }
 
@@ -48,7 +48,7 @@ void SwapBytes(std::span<std::uint8_t> floats) {
 double ReadNoData(RecordReader& reader, double otherwise) {
   const bool isThere = reader.Peek([](TextScanner& scanner) {
     std::string word;
-    return scanner.ScanWord(word) && EqualIgnoringCase(word, "NODATA_value");
+    return scanner.ScanWord(word, kLabelWidth) && EqualIgnoringCase(word, "NODATA_value");
   });
   return isThere ? ReadLabelledReal(reader, otherwise) : otherwise;
 }
@@ -103,7 +103,7 @@ int ErdasImg::ReadAsciiGrid(const std::string& path, std::int64_t* nUnread) {
   missingBytes_ = 0;
 
   constexpr std::int64_t kCellBytes = sizeof(double);
-  if (!AllocateUpTo(maxCells * kCellBytes + kMaxMissingBytes, false)) return -3;
+  if (!AllocateUpTo(maxCells * kCellBytes + kMaxFilledBytes, false)) return -3;
   const auto band = m_bands.GetBand(0);
   const std::span cells{reinterpret_cast<double*>(band.data()), band.size() / sizeof(double)};
   const std::int64_t nNoData = ReadCells(reader, cells, grid.noData);

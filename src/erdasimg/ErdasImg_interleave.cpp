@@ -154,7 +154,7 @@ int ErdasImg::ReadInterleaved(InputFile& file, std::vector<std::uint8_t>& buffer
   file.Read(&m_header, sizeof m_header);
   const std::int32_t nSamples = std::min(GetBandCount(), kMostSamples);
   if (m_header.cols <= 0 || m_header.rows <= 0) return -1;
-  const std::int64_t limit = file.BytesLeft().value_or(0) + kMaxMissingSamples;
+  const std::int64_t limit = file.BytesLeft().value_or(0) + kMaxFilledBytes;
   const std::int64_t nPixels = std::int64_t{m_header.cols} * m_header.rows;
   if (nSamples > 0 && nPixels > limit / nSamples) return -1;
   buffer = ZeroedBytes(nPixels * nSamples);

@@ -15,7 +15,7 @@ void SkipNoData(RecordReader& reader) {
   reader.Next([](TextScanner& scanner) {
     std::string label;
     double value = 0.0;
-    return scanner.ScanWord(label) && scanner.ScanDouble(value);
+    return scanner.ScanWord(label, kLabelWidth) && scanner.ScanDouble(value);
   });
 }
 

@@ -8,7 +8,10 @@ namespace corvane {
 
 // The memory of the machine, in bytes: the limit for what no file's length limits.
 inline std::int64_t BytesOfMachine() {
-  return std::int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGE_SIZE);
+  const std::int64_t nPages = sysconf(_SC_PHYS_PAGES);
+  const std::int64_t pageSize = sysconf(_SC_PAGE_SIZE);
+  constexpr std::int64_t kUnknown = std::int64_t{1} << 32;
+  return nPages > 0 && pageSize > 0 ? nPages * pageSize : kUnknown;
 }
 
 }  // namespace corvane

@@ -257,11 +257,11 @@ bool TextScanner::ScanInt(std::int32_t& value) {
   return true;
 }
 
-bool TextScanner::ScanWord(std::string& word) {
+bool TextScanner::ScanWord(std::string& word, std::size_t width) {
   if (!SkipToField()) return false;
   const std::size_t first = position_;
-  while (position_ < text_.size() && !IsSpace(text_[position_])) ++position_;
-  NoticeEnd();
+  while (position_ < text_.size() && position_ - first < width && !IsSpace(text_[position_])) ++position_;
+  if (position_ - first < width) NoticeEnd();
   word.assign(text_.substr(first, position_ - first));
   return true;
 }

@@ -24,8 +24,9 @@ class TextScanner {
   // "%d". Values beyond 64 bits are held at the nearest end before they are cut to 32 bits.
   bool ScanInt(std::int32_t& value);
 
-  // "%s".
-  bool ScanWord(std::string& word);
+  // "%s", or "%<width>s": a longer word is read as far as that, and the rest is left for the next step.
+  static constexpr std::size_t kAnyWidth = static_cast<std::size_t>(-1);
+  bool ScanWord(std::string& word, std::size_t width = kAnyWidth);
 
   // A character of the format that is not white space: matches itself, without skipping white space.
   bool MatchLiteral(char character);

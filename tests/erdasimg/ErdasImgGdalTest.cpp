@@ -417,5 +417,17 @@ TEST(ErdasImgGdal, ReadingLeavesNoSideFilesAndNoSettings) {
   EXPECT_EQ(GDALGetCacheMax64(), cacheBytes);
 }
 
+TEST(GeoTiff, SideFilesOfTheImageThatWasThereGo) {
+  const TempFolder folder;
+  ErdasImg image;
+  ASSERT_EQ(image.Create(ErdasHeader(), false), 1);
+  for (const char* name : {"a.tif.aux.xml", "a.tif.ovr", "a.tif.msk", "b.tif.aux.xml"})
+    WriteFileBytes(name, "old");
+  ASSERT_EQ(image.Write("a.tif"), 1);
+  for (const char* name : {"a.tif.aux.xml", "a.tif.ovr", "a.tif.msk"})
+    EXPECT_EQ(ReadFileBytes(name), "") << name;
+  EXPECT_EQ(ReadFileBytes("b.tif.aux.xml"), "old");
+}
+
 }  // namespace
 }  // namespace corvane

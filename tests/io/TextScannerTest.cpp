@@ -321,5 +321,19 @@ TEST(CountFields, CountsWhatStandsBetweenSeparators) {
   EXPECT_EQ(CountFields(" ,\t\n"), 0);
 }
 
+TEST(TextScanner, WordOfAWidthLeavesTheRest) {
+  TextScanner scanner("  abcdef ghi");
+  std::string word;
+  ASSERT_TRUE(scanner.ScanWord(word, 4));
+  EXPECT_EQ(word, "abcd");
+  ASSERT_TRUE(scanner.ScanWord(word, 4));
+  EXPECT_EQ(word, "ef");
+  ASSERT_TRUE(scanner.ScanWord(word, 3));
+  EXPECT_EQ(word, "ghi");
+  EXPECT_FALSE(scanner.AtEnd());
+  EXPECT_FALSE(scanner.ScanWord(word, 3));
+  EXPECT_TRUE(scanner.AtEnd());
+}
+
 }  // namespace
 }  // namespace corvane
