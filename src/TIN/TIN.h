@@ -238,10 +238,9 @@ class TIN {
 
   // Groups the vertices above zStart + zStep; a group with more than areaLimit square ground units of plan
   // area is split one step higher, until one would have to be split above zEnd. Groups that there are take
-  // part. A group more than 20 million steps above zStart, or a million below it, does not split any more; the
-  // groups of FitTiles have a cut of 0. Tells in status pane 0, now and then, how high the cuts have come.
-  // Returns 1.
-  // Cost: for each cut, the members above it and their triangles.
+  // part. A group more than 20 million steps above zStart, or a million below it, does not split any more;
+  // the groups of FitTiles have a cut of 0. Tells in status pane 0, now and then, how high the cuts have
+  // come. Returns 1. Cost: for each cut, the members above it and their triangles.
   int SegmentByPlaneCut(double zStart, double zEnd, double zStep, double areaLimit);
 
   // Computes the slopes and drops the groups all of whose members have at most this slope. 1; -1, with

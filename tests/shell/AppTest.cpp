@@ -3,8 +3,8 @@
 #include <new>
 
 #include "shell/ChildFrm.h"
-#include "ui/RunTimer.h"
 #include "shell/ShellFixture.h"
+#include "ui/RunTimer.h"
 
 namespace corvane {
 namespace {
