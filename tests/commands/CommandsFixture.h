@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "TIN/TINPoints.h"
 #include "commands/CommandRows.h"
 #include "shell/CorvaneApp.h"
 #include "shell/CorvaneView.h"
@@ -39,6 +41,40 @@ class CommandsTest : public testing::Test {
       names.push_back(entry.path().filename());
     std::sort(names.begin(), names.end());
     return names;
+  }
+
+  std::vector<std::string> Messages() const { return ui.EventsWith("message"); }
+
+  // A run with these answers of choosers fails with these boxes, and leaves no new file.
+  void ExpectFailure(const std::string& command, const std::deque<std::vector<std::string>>& answers,
+                     const std::vector<std::string>& boxes) {
+    const auto before = Files();
+    ui.events.clear();
+    ui.files = answers;
+    EXPECT_EQ(Run(command), CommandResult::Failed);
+    EXPECT_EQ(Messages(), boxes);
+    EXPECT_EQ(Files(), before);
+    EXPECT_EQ(ui.waitDepth, 0);
+    ui.files.clear();
+    ui.forms.clear();
+  }
+
+  // Opens a TIN file with these bytes, and forgets what was shown.
+  void OpenTin(const std::string& name, const std::string& bytes) {
+    WriteFileBytes(name, bytes);
+    ui.files = {{name}};
+    ASSERT_EQ(Run("File > Open"), CommandResult::Done);
+    ui.events.clear();
+    ui.choosers.clear();
+  }
+
+  // The z of the points in a points file.
+  static std::vector<double> HeightsIn(const std::string& path) {
+    TINPoints points;
+    points.Read(path);
+    std::vector<double> heights;
+    for (std::int32_t i = 0; i < points.GetCount(); ++i) heights.push_back(points.GetPoint(i)->z);
+    return heights;
   }
 
   TempFolder folder;

@@ -42,8 +42,6 @@ class ImageCommandsTest : public CommandsTest {
     return BytesOf(HeaderOf(packType, 1, cols, rows)) + PixelBytes<Pixel>(pixels);
   }
 
-  std::vector<std::string> Messages() const { return ui.EventsWith("message"); }
-
   // The choosers since the start, which have no default extension or name.
   void ExpectChoosers(const std::vector<Chooser>& expected) const {
     ASSERT_EQ(ui.choosers.size(), expected.size());
@@ -55,21 +53,6 @@ class ImageCommandsTest : public CommandsTest {
       EXPECT_EQ(chooser.defaultExtension + chooser.defaultName, "") << i;
       EXPECT_FALSE(chooser.mustExist || chooser.multiple) << i;
     }
-  }
-
-  // A run fails with these boxes and leaves no new file.
-  void ExpectFailure(const std::string& command, const std::deque<std::vector<std::string>>& answers,
-                     const std::vector<std::string>& boxes) {
-    const auto before = Files();
-    ui.events.clear();
-    ui.files = answers;
-    EXPECT_EQ(Run(command), CommandResult::Failed);
-    EXPECT_EQ(Messages(), boxes);
-    EXPECT_EQ(Files(), before);
-    EXPECT_EQ(ui.waitDepth, 0);
-    ui.files.clear();
-    ui.forms.clear();
-    ui.values.clear();
   }
 
   // Cancelling each of the prompts leaves nothing. `prompts` has a letter for each in their order: f(ile),

@@ -62,22 +62,6 @@ class PointUtilitiesTest : public CommandsTest {
     EXPECT_EQ(chooser.multiple, multiple);
   }
 
-  std::vector<std::string> Messages() const { return ui.EventsWith("message"); }
-
-  // A run with these answers of choosers fails with these boxes, and leaves no new file.
-  void ExpectFailure(const std::string& command, const std::deque<std::vector<std::string>>& answers,
-                     const std::vector<std::string>& boxes) {
-    const auto before = Files();
-    ui.events.clear();
-    ui.files = answers;
-    EXPECT_EQ(Run(command), CommandResult::Failed);
-    EXPECT_EQ(Messages(), boxes);
-    EXPECT_EQ(Files(), before);
-    EXPECT_EQ(ui.waitDepth, 0);
-    ui.files.clear();
-    ui.forms.clear();
-  }
-
   // Cancelling each of the choosers leaves nothing.
   void ExpectCancelAtEachChooser(const std::string& command,
                                  const std::deque<std::vector<std::string>>& answers) {

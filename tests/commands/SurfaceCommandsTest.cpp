@@ -26,26 +26,10 @@ class SurfaceCommandsTest : public PointUtilitiesTest {
     }
     return TinBytes(points, triangles);
   }
-
-  void Open(const std::string& name, const std::string& bytes) {
-    WriteFileBytes(name, bytes);
-    ui.files = {{name}};
-    ASSERT_EQ(Run("File > Open"), CommandResult::Done);
-    ui.events.clear();
-    ui.choosers.clear();
-  }
-
-  static std::vector<double> HeightsIn(const std::string& path) {
-    TINPoints points;
-    points.Read(path);
-    std::vector<double> heights;
-    for (std::int32_t i = 0; i < points.GetCount(); ++i) heights.push_back(points.GetPoint(i)->z);
-    return heights;
-  }
 };
 
 TEST_F(SurfaceCommandsTest, SurfaceSmoothSplitsTheVertices) {
-  Open("a.tin", SpikeBytes());
+  OpenTin("a.tin", SpikeBytes());
   EXPECT_EQ(Run("Surface Smooth"), CommandResult::Done);
   EXPECT_THAT(Messages(), ElementsAre(kTotal));
   EXPECT_THAT(ui.EventsWith("value"), IsEmpty());

@@ -40,27 +40,11 @@ std::string MastBytes() {
 
 class TinCommandsTest : public CommandsTest {
  protected:
-  void Open(const std::string& name, const std::string& bytes) {
-    WriteFileBytes(name, bytes);
-    ui.files = {{name}};
-    ASSERT_EQ(Run("File > Open"), CommandResult::Done);
-    ui.events.clear();
-    ui.choosers.clear();
-  }
-
   TIN& Tin() { return Document().GetTIN(); }
 
   std::vector<double> Heights() {
     std::vector<double> heights;
     for (const TINVertex& vertex : Tin().vertices) heights.push_back(vertex.z);
-    return heights;
-  }
-
-  static std::vector<double> HeightsIn(const std::string& path) {
-    TINPoints points;
-    points.Read(path);
-    std::vector<double> heights;
-    for (std::int32_t i = 0; i < points.GetCount(); ++i) heights.push_back(points.GetPoint(i)->z);
     return heights;
   }
 };
@@ -78,7 +62,7 @@ TEST_F(TinCommandsTest, CommandsOnALoadedTinWarnWithoutOne) {
 }
 
 TEST_F(TinCommandsTest, SlopeFilterAsksFiltersAndMarksTheDocument) {
-  Open("a.tin", TentBytes(40.0));
+  OpenTin("a.tin", TentBytes(40.0));
   ui.forms = {[](Form&) { return true; }};
   EXPECT_EQ(Run("Slope Filter"), CommandResult::Done);
   ASSERT_EQ(ui.shownForms.size(), 1u);
@@ -96,7 +80,7 @@ TEST_F(TinCommandsTest, SlopeFilterAsksFiltersAndMarksTheDocument) {
 }
 
 TEST_F(TinCommandsTest, SlopeFilterTakesTheIntervalForThePointsFile) {
-  Open("a.tin", TentBytes(40.0));
+  OpenTin("a.tin", TentBytes(40.0));
   ui.forms = {[](Form& form) {
     form.Find("pointsInterval")->value = 2.5;
     return true;
@@ -107,7 +91,7 @@ TEST_F(TinCommandsTest, SlopeFilterTakesTheIntervalForThePointsFile) {
 }
 
 TEST_F(TinCommandsTest, SlopeFilterEndsAfterThreePasses) {
-  Open("a.tin", MeshBytes([](int i) { return i * 37 % 11 * 1.0; }));
+  OpenTin("a.tin", MeshBytes([](int i) { return i * 37 % 11 * 1.0; }));
   ui.forms = {[](Form& form) {
     form.Find("maxSlope")->value = 0.5;
     form.Find("minElevation")->value = 0.001;
@@ -123,7 +107,7 @@ TEST_F(TinCommandsTest, SlopeFilterEndsAfterThreePasses) {
 }
 
 TEST_F(TinCommandsTest, CancelOfTheSlopeFilterChangesNothing) {
-  Open("a.tin", TentBytes(40.0));
+  OpenTin("a.tin", TentBytes(40.0));
   EXPECT_EQ(Run("Slope Filter"), CommandResult::Cancelled);
   EXPECT_EQ(Heights().front(), 40.0);
   EXPECT_EQ(Tin().spacingX, 1.0);
@@ -131,7 +115,7 @@ TEST_F(TinCommandsTest, CancelOfTheSlopeFilterChangesNothing) {
 }
 
 TEST_F(TinCommandsTest, SmoothAsksNothing) {
-  Open("a.tin", TentBytes(10.0));
+  OpenTin("a.tin", TentBytes(10.0));
   EXPECT_EQ(Run("Smooth"), CommandResult::Done);
   EXPECT_THAT(ui.shownForms, IsEmpty());
   EXPECT_LT(Heights().front(), 10.0);
@@ -190,7 +174,7 @@ TEST_F(TinCommandsTest, FilterBatchEndsWithCancelOrAMissingBatch) {
 }
 
 TEST_F(TinCommandsTest, SegmentationWritesGroundAndObjects) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   ui.values = {50000.0};
   EXPECT_EQ(Run("TIN Segmentation"), CommandResult::Done);
   EXPECT_THAT(ui.EventsWith("value"), ElementsAre("value: Please input a value. 50000"));
@@ -204,7 +188,7 @@ TEST_F(TinCommandsTest, SegmentationWritesGroundAndObjects) {
 }
 
 TEST_F(TinCommandsTest, SegmentationKeepsItsMarksForTheNextRun) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   ui.values = {50000.0, 50000.0};
   Run("TIN Segmentation");
   for (TINVertex& vertex : Tin().vertices) vertex.z = 1.0;  // nothing is left to find
@@ -214,7 +198,7 @@ TEST_F(TinCommandsTest, SegmentationKeepsItsMarksForTheNextRun) {
 }
 
 TEST_F(TinCommandsTest, CancelOfASegmentationWritesNothing) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   EXPECT_EQ(Run("TIN Segmentation"), CommandResult::Cancelled);
   EXPECT_EQ(Run("Surface Reduction"), CommandResult::Cancelled);
   EXPECT_TRUE(Tin().groups.empty());
@@ -222,7 +206,7 @@ TEST_F(TinCommandsTest, CancelOfASegmentationWritesNothing) {
 }
 
 TEST_F(TinCommandsTest, SegmentationReportsWhatCanNotBeWritten) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   std::filesystem::create_directory("m_Grd.pts");
   ui.values = {50000.0};
   EXPECT_EQ(Run("TIN Segmentation"), CommandResult::Failed);
@@ -231,7 +215,7 @@ TEST_F(TinCommandsTest, SegmentationReportsWhatCanNotBeWritten) {
 }
 
 TEST_F(TinCommandsTest, SurfaceReductionWritesGroundAndObjects) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   ui.values = {1000.0};
   EXPECT_EQ(Run("Surface Reduction"), CommandResult::Done);
   EXPECT_THAT(ui.EventsWith("value"), ElementsAre("value: Please input a value. 10000"));
@@ -242,7 +226,7 @@ TEST_F(TinCommandsTest, SurfaceReductionWritesGroundAndObjects) {
 }
 
 TEST_F(TinCommandsTest, SurfaceReductionOfAbsurdSlopesFails) {
-  Open("t.tin", MeshBytes([](int i) { return i == 12 ? 1e12 : 1.0; }));
+  OpenTin("t.tin", MeshBytes([](int i) { return i == 12 ? 1e12 : 1.0; }));
   ui.values = {10000.0};
   EXPECT_EQ(Run("Surface Reduction"), CommandResult::Failed);
   EXPECT_THAT(
@@ -254,7 +238,7 @@ TEST_F(TinCommandsTest, SurfaceReductionOfAbsurdSlopesFails) {
 }
 
 TEST_F(TinCommandsTest, ClassificationOnlyRedraws) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   EXPECT_EQ(Run("TIN Classification"), CommandResult::Done);
   EXPECT_THAT(ui.EventsWith("message"), IsEmpty());
   EXPECT_THAT(ui.EventsWith("repaint"), testing::Not(IsEmpty()));
@@ -263,7 +247,7 @@ TEST_F(TinCommandsTest, ClassificationOnlyRedraws) {
 }
 
 TEST_F(TinCommandsTest, DifferentialWritesTheSameTriangles) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   EXPECT_EQ(Run("TIN Differential"), CommandResult::Done);
   EXPECT_EQ(ReadFileBytes("m_Diff.tin"), MastBytes());
   EXPECT_EQ(Tin().vertexSlopes.size(), 25u);
@@ -271,14 +255,14 @@ TEST_F(TinCommandsTest, DifferentialWritesTheSameTriangles) {
 }
 
 TEST_F(TinCommandsTest, DifferentialReportsWhatCanNotBeWritten) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   std::filesystem::create_directory("m_Diff.tin");
   EXPECT_EQ(Run("TIN Differential"), CommandResult::Failed);
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message warning: Write file m_Diff.tin error!"));
 }
 
 TEST_F(TinCommandsTest, ZHistogramGoesToTheGraph) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   Tin().vertices[0].z = 0.5;
   EXPECT_EQ(Run("TIN Points Z Histgram"), CommandResult::Done);
   EXPECT_THAT(ui.EventsWith("show-graph"), ElementsAre("show-graph: Data Graph"));
@@ -292,14 +276,14 @@ TEST_F(TinCommandsTest, ZHistogramGoesToTheGraph) {
 }
 
 TEST_F(TinCommandsTest, ZHistogramOfAbsurdHeightsFails) {
-  Open("t.tin", TentBytes(1e9));
+  OpenTin("t.tin", TentBytes(1e9));
   EXPECT_EQ(Run("TIN Points Z Histgram"), CommandResult::Failed);
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message warning: HistogramThresh:Histogram has error!"));
   EXPECT_THAT(ui.EventsWith("plot"), IsEmpty());
 }
 
 TEST_F(TinCommandsTest, GraphThatCanNotBeMadeIsReported) {
-  Open("m.tin", MastBytes());
+  OpenTin("m.tin", MastBytes());
   ui.canMakeGraphs = false;
   EXPECT_EQ(Run("TIN Points Z Histgram"), CommandResult::Failed);
   EXPECT_THAT(ui.EventsWith("message"),
@@ -326,7 +310,7 @@ TEST_F(TinCommandsTest, RawTinThatCanNotBeStoredCountsAsNone) {
 
 TEST_F(TinCommandsTest, SaveOfATinAtOnePlaceLosesNothing) {
   const std::string bytes = TinBytes({{0, 1, 1, 1, 1.0}, {1, 1, 1, 2, 1.0}, {2, 1, 1, 3, 1.0}}, {{0, 1, 2}});
-  Open("m.tin", bytes);
+  OpenTin("m.tin", bytes);
   EXPECT_EQ(Run("Smooth"), CommandResult::Failed);
   EXPECT_EQ(Run("File > Save"), CommandResult::Failed);  // there are no points for "m_filted.pts"
   EXPECT_EQ(ReadFileBytes("m.tin"), bytes);
