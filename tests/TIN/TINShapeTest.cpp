@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "TINSample.h"
-#include "erdasimg/FileSizeLimit.h"
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 

@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include "cli/ScriptFile.h"
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 
@@ -151,24 +152,6 @@ TEST_F(ScriptRecorderTest, CommandWhoseAnswerHoldsALineEndIsAComment) {
             "C e.pts\n"
             "# Left out, because an answer holds a line end: \"File > Open\" \"f g.tin\"\n");
 }
-
-// Lets no file grow beyond a size, as a full disk does.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(std::size_t size) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit = {size, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handlerBefore_);
-  }
-
- private:
-  rlimit before_ = {};
-  void (*handlerBefore_)(int) = std::signal(SIGXFSZ, SIG_IGN);
-};
 
 TEST_F(ScriptRecorderTest, RecordThatCantBeWrittenAnyMoreIsToldOnceAfterTheCommand) {
   const FileSizeLimit limit(headSize_ + 3);

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "commands/ImageFixture.h"
-#include "erdasimg/FileSizeLimit.h"
+#include "support/FileSizeLimit.h"
 
 namespace corvane {
 namespace {

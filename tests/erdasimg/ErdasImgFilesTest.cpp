@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <limits>
 
-#include "erdasimg/FileSizeLimit.h"
 #include "erdasimg/ImageBytes.h"
 #include "io/InputFile.h"
 #include "io/OutputFile.h"
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 

@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "erdasimg/FileSizeLimit.h"
 #include "erdasimg/ImageBytes.h"
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 
