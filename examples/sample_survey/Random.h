@@ -17,7 +17,18 @@ inline std::uint64_t Mix(std::uint64_t bits) {
 class Random {
  public:
   // What a sequence is for.
-  enum Purpose : std::uint64_t { kPulse = 1, kStrip, kParcel, kParcelBlock, kCheckPoint };
+  enum Purpose : std::uint64_t {
+    kPulse = 1,
+    kStrip,
+    kParcel,
+    kParcelBlock,
+    kCheckPoint,
+    kField,
+    kRoof,
+    kCrown,
+    kLeaves,
+    kSensor,
+  };
 
   Random(std::uint64_t seed, Purpose purpose, std::int64_t i, std::int64_t j = 0)
       : state_(Mix(seed + purpose * kStep)) {

@@ -9,8 +9,6 @@ namespace corvane {
 
 namespace {
 
-// Land is used in square parcels.
-constexpr double kParcel = 64.0;  // metres
 constexpr std::int64_t kPlanParcels = 6;
 
 // The parcels at the south-west corner have a fixed plan, north at the top, so that the default survey shows
@@ -43,14 +41,14 @@ struct WireForm {
 constexpr WireForm kWires[] = {{-4.0, kArmHeight}, {0.0, 26.0}, {4.0, kArmHeight}};
 constexpr double kSag = 5.0;
 
-char LandUse(std::uint64_t seed, std::int64_t col, std::int64_t row) {
+LandUse LandUseOf(std::uint64_t seed, std::int64_t col, std::int64_t row) {
   if (col >= 0 && row >= 0 && col < kPlanParcels && row < kPlanParcels)
-    return kPlan[kPlanParcels - 1 - row][col];
+    return static_cast<LandUse>(kPlan[kPlanParcels - 1 - row][col]);
   constexpr char kUses[] = "fffwwwvvff";
   Random block(seed, Random::kParcelBlock, col >> 2, row >> 2);
   Random parcel(seed, Random::kParcelBlock, col, row + (std::int64_t{1} << 40));
   const std::uint64_t ofBlock = block.Next() % 10;
-  return kUses[parcel.Next() % 10 < 7 ? ofBlock : parcel.Next() % 10];
+  return static_cast<LandUse>(kUses[parcel.Next() % 10 < 7 ? ofBlock : parcel.Next() % 10]);
 }
 
 double RoundedToMillimetres(double metres) {
@@ -73,6 +71,19 @@ std::optional<double> Building::RoofHeight(double atX, double atY) const {
   double inward = halfWidth - across;  // from the nearest eave
   if (roof == RoofKind::Hip) inward = std::min(inward, halfLength - along);
   return eaveZ + rise * inward / halfWidth;
+}
+
+std::optional<double> Tree::HalfHeight(double atX, double atY) const {
+  const double dx = atX - x;
+  const double dy = atY - y;
+  const double share = (dx * dx + dy * dy) / (crownRadius * crownRadius);
+  if (share >= 1.0) return std::nullopt;
+  return crownHalfHeight * std::sqrt(1.0 - share);
+}
+
+std::optional<double> Tree::CrownTop(double atX, double atY) const {
+  const std::optional<double> half = HalfHeight(atX, atY);
+  return half ? std::optional(crownCentreZ + *half) : std::nullopt;
 }
 
 void CellLists::Build(double side, const std::vector<Box>& boxes) {
@@ -129,11 +140,16 @@ bool Scene::IsWithin(double x, double y) const {
   return east >= 0.0 && north >= 0.0 && east <= side_ && north <= side_;
 }
 
+LandUse Scene::LandUseAt(double x, double y) const {
+  return LandUseOf(seed_, static_cast<std::int64_t>(std::floor((x - kSurveyWest) / kParcel)),
+                   static_cast<std::int64_t>(std::floor((y - kSurveySouth) / kParcel)));
+}
+
 void Scene::PlantParcel(std::int64_t col, std::int64_t row) {
-  switch (LandUse(seed_, col, row)) {
-    case 'v':
+  switch (LandUseOf(seed_, col, row)) {
+    case LandUse::Village:
       return AddVillage(col, row);
-    case 'w':
+    case LandUse::Wood:
       return AddWood(col, row);
     default:
       return AddField(col, row);
@@ -236,12 +252,9 @@ std::optional<HeightRange> Scene::HighestCrown(double x, double y) const {
   std::optional<HeightRange> highest;
   for (const std::uint32_t i : treeCells_.At(x, y)) {
     const Tree& tree = trees_[i];
-    const double dx = x - tree.x;
-    const double dy = y - tree.y;
-    const double share = (dx * dx + dy * dy) / (tree.crownRadius * tree.crownRadius);
-    if (share >= 1.0) continue;
-    const double half = tree.crownHalfHeight * std::sqrt(1.0 - share);
-    const HeightRange hit = {tree.crownCentreZ + half, tree.crownCentreZ - half};
+    const std::optional<double> half = tree.HalfHeight(x, y);
+    if (!half) continue;
+    const HeightRange hit = {tree.crownCentreZ + *half, tree.crownCentreZ - *half};
     if (!highest || hit.topZ > highest->topZ) highest = hit;
   }
   return highest;

@@ -19,6 +19,8 @@ enum class PointClass {
   HighNoise = 18,
 };
 
+enum class LandUse : char { Field = 'f', Village = 'v', Wood = 'w' };
+
 enum class RoofKind { Flat, Gable, Hip };
 
 // A rotation with whole-numbered sides: cosine a / c, sine b / c.
@@ -51,6 +53,11 @@ struct Tree {
   double crownRadius = 0.0;
   double crownHalfHeight = 0.0;
   double crownCentreZ = 0.0;
+
+  // How high and deep the crown reaches above and below its centre at a place; nothing beside it.
+  std::optional<double> HalfHeight(double atX, double atY) const;
+  // Height of the crown's top.
+  std::optional<double> CrownTop(double atX, double atY) const;
 };
 
 // The heights between which a beam straight down passes through something.
@@ -103,12 +110,17 @@ class CellLists {
 // woods, single trees and power lines. The same things stand at the same places whatever the side.
 class Scene {
  public:
+  // Land is used in squares of this side, in metres.
+  static constexpr double kParcel = 64.0;
+
   Scene(std::uint64_t seed, double side);
 
   double GroundHeight(double x, double y) const { return terrain_.GroundHeight(x, y); }
   const Terrain& GetTerrain() const { return terrain_; }
   double GetSide() const { return side_; }
   bool IsWithin(double x, double y) const;  // the square, its edge included
+
+  LandUse LandUseAt(double x, double y) const;
 
   // Heights of what covers the ground at (x, y), if anything does.
   std::optional<double> RoofHeight(double x, double y) const;

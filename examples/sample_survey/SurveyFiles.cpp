@@ -125,7 +125,11 @@ void AppendFileList(std::string& text, const SampleSurvey& survey, std::int64_t 
   text +=
       ".\nground.asc        the true ground, an ESRI ASCII grid; heights at the cells' centres, cells of ";
   AppendWhole(text, GroundCell(side));
-  text += ".\n\n";
+  text +=
+      ".\npicture.lan       a grey picture from straight above, cells of 0.5, of the south-west corner or "
+      "all "
+      "of it:\n"
+      "                  fields, roads along the villages, roofs and trees, the sun in the south-east.\n\n";
 }
 
 void AppendLandscape(std::string& text) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "sample_survey/AerialPicture.h"
 #include "sample_survey/SurveyFiles.h"
 
 namespace corvane {
@@ -28,11 +29,12 @@ bool WriteAll(const SurveyOptions& options, const std::filesystem::path& folder)
       written(WriteCheckPoints(survey, path("check_points.txt"), nCheckPoints), path("check_points.txt")) &&
       written(WriteAreas(survey, path("areas.msk")), path("areas.msk")) &&
       written(WriteGround(survey, path("ground.asc")), path("ground.asc")) &&
+      written(WritePicture(survey, path("picture.lan")), path("picture.lan")) &&
       written(WriteReadme(survey, path("survey_README.txt"), nPoints), path("survey_README.txt"));
   if (!good) return false;
   std::printf("%s: %" PRId64 " points\n", path("survey.txt").c_str(), nPoints);
   std::printf("%s: %" PRId64 " check points\n", path("check_points.txt").c_str(), nCheckPoints);
-  for (const char* name : {"areas.msk", "ground.asc", "survey_README.txt"})
+  for (const char* name : {"areas.msk", "ground.asc", "picture.lan", "survey_README.txt"})
     std::printf("%s\n", path(name).c_str());
   return true;
 }

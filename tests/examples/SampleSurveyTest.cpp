@@ -1,14 +1,17 @@
 #include "sample_survey/SurveyFiles.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "sample_survey/AerialPicture.h"
 #include "sample_survey/Random.h"
 #include "support/TempFolder.h"
 
@@ -58,10 +61,12 @@ TEST_F(SampleSurveyTest, BytesAreTheSameOnEveryMachineAndInEveryBuild) {
   ASSERT_TRUE(WriteCheckPoints(survey, "check_points.txt", nCheckPoints));
   ASSERT_TRUE(WriteAreas(survey, "areas.msk"));
   ASSERT_TRUE(WriteGround(survey, "ground.asc"));
+  ASSERT_TRUE(WritePicture(survey, "picture.lan"));
   EXPECT_EQ(Checksum(ReadFileBytes("survey.txt")), 0x00DAADB6045144BFu);
   EXPECT_EQ(Checksum(ReadFileBytes("check_points.txt")), 0x4DBC98DB3CA3F5AAu);
   EXPECT_EQ(Checksum(ReadFileBytes("areas.msk")), 0xCC804E61894331C6u);
   EXPECT_EQ(Checksum(ReadFileBytes("ground.asc")), 0x0FE9B372F7F6C44Cu);
+  EXPECT_EQ(Checksum(ReadFileBytes("picture.lan")), 0xB547907C0BDC4383u);
 }
 
 TEST_F(SampleSurveyTest, AnotherSeedMakesAnotherSurvey) {
@@ -372,6 +377,59 @@ TEST(RandomTest, NormalNumbersHaveTheirMomentsAndLimit) {
   }
   EXPECT_NEAR(sum / kCount, 0.0, 0.02);
   EXPECT_NEAR(squares / kCount, 1.0, 0.02);
+}
+
+// The pixel at a place on the ground, in metres from the survey's corner.
+int PixelAt(const AerialPicture& picture, double east, double north) {
+  const auto col = static_cast<std::int32_t>(east / AerialPicture::kCellSize);
+  const auto row = picture.GetSize() - 1 - static_cast<std::int32_t>(north / AerialPicture::kCellSize);
+  return picture.GetPixel(row, col);
+}
+
+TEST_F(SampleSurveyTest, PictureShowsRoofsBrighterAndTreesDarkerThanWhatIsAround) {
+  const SampleSurvey survey(SurveyOptions{150000, 1});
+  const AerialPicture picture(survey);
+  EXPECT_EQ(picture.GetSize(), 776);  // 388 m
+  int nRoofs = 0;
+  for (const Building& building : survey.GetScene().GetBuildings()) {
+    if (building.roof != RoofKind::Flat) continue;  // pitched ones have a side away from the sun
+    ++nRoofs;
+    EXPECT_GT(PixelAt(picture, building.x - kSurveyWest, building.y - kSurveySouth), 180);
+  }
+  EXPECT_GT(nRoofs, 5);
+  int nTrees = 0;
+  int nDark = 0;
+  for (const Tree& tree : survey.GetScene().GetTrees()) {
+    if (!survey.GetScene().IsWithin(tree.x, tree.y)) continue;
+    if (survey.GetScene().SurfaceAt(tree.x, tree.y).pointClass != PointClass::Vegetation) continue;
+    ++nTrees;
+    nDark += PixelAt(picture, tree.x - kSurveyWest, tree.y - kSurveySouth) < 100;
+  }
+  EXPECT_GT(nTrees, 500);
+  EXPECT_GT(nDark, nTrees * 9 / 10);
+  EXPECT_GT(PixelAt(picture, 192.0, 200.0), 170);  // the road between two parcels of the village
+}
+
+TEST_F(SampleSurveyTest, PictureOfALargeSurveyShowsItsCorner) {
+  const AerialPicture large(SampleSurvey(SurveyOptions{1000000, 1}));
+  EXPECT_EQ(large.GetSize(), 800);
+  const AerialPicture usual(SampleSurvey(SurveyOptions{150000, 1}));
+  // The same fields; shadows and slopes at the edge may differ.
+  for (std::int32_t i = 50; i < 700; i += 13) {
+    EXPECT_EQ(usual.GetPixel(775 - i, i), large.GetPixel(799 - i, i)) << i;
+  }
+}
+
+TEST_F(SampleSurveyTest, PictureIsALanWithItsPlaceOnTheGround) {
+  ASSERT_TRUE(WritePicture(SampleSurvey(SurveyOptions{20000, 1}), "picture.lan"));
+  const std::string bytes = ReadFileBytes("picture.lan");
+  const std::int32_t size = 284;  // 142 m
+  ASSERT_EQ(bytes.size(), 128u + static_cast<std::size_t>(size * size));
+  EXPECT_EQ(bytes.substr(0, 6), "HEAD74");
+  float place[4];
+  std::memcpy(place, bytes.data() + 112, sizeof place);
+  EXPECT_THAT(place, testing::ElementsAre(451000.0f, 5423142.0f, 0.5f, -0.5f));
+  EXPECT_FALSE(WritePicture(SampleSurvey(SurveyOptions{1000, 1}), "no/folder.lan"));
 }
 
 }  // namespace
