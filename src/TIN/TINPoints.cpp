@@ -1,7 +1,6 @@
 #include "TIN/TINPoints.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "TIN/GridFailure.h"
 #include "TIN/RecordExtent.h"
@@ -152,11 +151,8 @@ void TINPoints::RecalcExtent() {
 }
 
 int TINPoints::ValueHistogram(double binSize, Histogram& histogram) const {
-  double min = std::numeric_limits<double>::infinity();
-  double max = -min;
-  for (const PointRecord& point : InUse()) Widen(min, max, point.value);
-  const auto valueOf = [](const PointRecord& point) { return point.value; };
-  return MakeHistogram(InUse(), valueOf, min, max, binSize, histogram);
+  return MakeHistogram(
+      InUse(), [](const PointRecord& point) { return point.value; }, binSize, histogram);
 }
 
 int TINPoints::AddPoint(const PointRecord& record) {

@@ -20,10 +20,8 @@ constexpr double kSumTolerance = 1e-6;
 }  // namespace
 
 int TIN::SlopeHistogram(double binSize, Histogram& histogram) const {
-  if (vertexSlopes.empty()) return -1;
-  const auto [min, max] = std::minmax_element(vertexSlopes.begin(), vertexSlopes.end());
   return MakeHistogram(
-      vertexSlopes, [](double slope) { return slope; }, *min, *max, binSize, histogram);
+      vertexSlopes, [](double slope) { return slope; }, binSize, histogram);
 }
 
 int TIN::ZHistogram(double binSize, Histogram& histogram) const {
@@ -58,7 +56,7 @@ int TIN::FloodFromSeeds(double areaLimit) {
   Histogram histogram;
   double threshold = kNoThreshold;
   if (SlopeHistogram(kSlopeBin, histogram) < 0) return -1;
-  HistogramThreshold(nPoints, histogram, kSteepestShare, threshold);
+  HistogramThresh(nPoints, histogram, kSteepestShare, threshold);
   if (threshold == kNoThreshold) return -1;
   const std::vector<SlopeSeed> seeds = CollectSeeds(threshold);
   labels.assign(vertices.size(), -1);

@@ -6,6 +6,7 @@
 #include "erdasimg/BandPixels.h"
 #include "erdasimg/ErdasImg.h"
 #include "io/InputFile.h"
+#include "numerics/Histogram.h"
 #include "numerics/Truncate.h"
 
 namespace corvane {
@@ -162,13 +163,7 @@ double EntropyOf(const BandPixels<Pixel>& pixels) {
     const double value = static_cast<double>(pixels.Get(i));
     if (value >= 0.0 && value < 256.0) ++bins[static_cast<std::size_t>(value)];
   }
-  double sum = 0.0;
-  for (const std::int64_t bin : bins) {
-    const double count = static_cast<double>(bin);
-    if (bin > 0) sum += count * std::log(count);
-  }
-  const double total = static_cast<double>(pixels.GetCount());
-  return std::log(total) - sum / total;
+  return HistogramEntropy(pixels.GetCount(), bins);
 }
 
 int ProminenceAt(const BytePixels& pixels, std::int64_t col, std::int64_t row, double threshold) {

@@ -45,6 +45,7 @@ std::string DerivedName(std::string_view path, std::string_view suffix) {
 std::string WithDefaultExtension(std::string_view path, std::string_view extension) {
   std::string result(path);
   if (extension.empty() || FileName(path).empty() || LastDot(path) != std::string_view::npos) return result;
+  if (extension.starts_with("*.")) extension.remove_prefix(1);
   if (extension.front() != '.') result += '.';
   return result.append(extension);
 }

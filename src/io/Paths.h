@@ -23,7 +23,7 @@ std::string FileExtension(std::string_view path);
 std::string DerivedName(std::string_view path, std::string_view suffix);
 
 // The path with "." and the extension appended if its file name has none. An extension may bring its own
-// leading "."; an empty one leaves the path as it is.
+// leading "." or "*."; an empty one leaves the path as it is.
 std::string WithDefaultExtension(std::string_view path, std::string_view extension);
 
 // The absolute form of a path, without "." and ".." where they can be resolved.

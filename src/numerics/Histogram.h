@@ -57,13 +57,28 @@ int MakeHistogram(const Items& items, Value value, double min, double max, doubl
   return 1;
 }
 
-// What HistogramThreshold leaves where it finds none.
+// The same between the least and the greatest value, found first; -1 also if there is none.
+template <typename Items, typename Value>
+int MakeHistogram(const Items& items, Value value, double binSize, Histogram& histogram) {
+  double min = std::numeric_limits<double>::infinity();
+  double max = -min;
+  for (const auto& item : items) {
+    const double number = value(item);
+    min = number < min ? number : min;  // not-a-number is neither
+    max = number > max ? number : max;
+  }
+  return MakeHistogram(items, value, min, max, binSize, histogram);
+}
+
+// What HistogramThresh leaves where it finds none.
 constexpr double kNoThreshold = std::numeric_limits<double>::max();
 
 // Adds counts from the top bin down until they reach int(n * fraction) of `n` values, and gives the lower
-// edge of the bin reached; `threshold` stays as it is if they never do. Returns the sum.
-inline std::int64_t HistogramThreshold(std::int32_t n, const Histogram& histogram, double fraction,
-                                       double& threshold) {
+// edge of the bin reached; `threshold` stays as it is if they never do. Returns the sum; -1 for a histogram
+// without bins.
+inline std::int64_t HistogramThresh(std::int32_t n, const Histogram& histogram, double fraction,
+                                    double& threshold) {
+  if (histogram.counts.empty()) return -1;
   const std::int64_t target = TruncateTo64(n * fraction);
   std::int64_t sum = 0;
   for (std::size_t i = histogram.counts.size(); i-- > 0;) {
@@ -73,6 +88,18 @@ inline std::int64_t HistogramThreshold(std::int32_t n, const Histogram& histogra
     break;
   }
   return sum;
+}
+
+// The entropy of the distribution of `n` values over the bins, in nats: log(n) less the sum of c * log(c)
+// over bins that are not empty, divided by n. Not a number without values.
+template <typename Counts>
+double HistogramEntropy(std::int64_t n, const Counts& counts) {
+  double sum = 0.0;
+  for (const auto count : counts) {
+    const double number = static_cast<double>(count);
+    if (count > 0) sum += number * std::log(number);
+  }
+  return std::log(static_cast<double>(n)) - sum / static_cast<double>(n);
 }
 
 }  // namespace corvane

@@ -37,6 +37,7 @@ TEST(Paths, DerivedNameOfANameWithoutDotIsTheSuffixAlone) {
 TEST(Paths, DefaultExtensionGoesToNamesWithoutOne) {
   EXPECT_EQ(WithDefaultExtension("a/x", "tin"), "a/x.tin");
   EXPECT_EQ(WithDefaultExtension("a/x", ".TIN"), "a/x.TIN");
+  EXPECT_EQ(WithDefaultExtension("a/x", "*.lan"), "a/x.lan");
   EXPECT_EQ(WithDefaultExtension("a.b/x", "tin"), "a.b/x.tin");
   EXPECT_EQ(WithDefaultExtension("x.pts", "tin"), "x.pts");
   EXPECT_EQ(WithDefaultExtension("x", ""), "x");

@@ -24,6 +24,18 @@ TEST(Histogram, OneValueMakesOneBin) {
   EXPECT_EQ(histogram.counts, (std::vector<std::int32_t>{2}));
 }
 
+TEST(Histogram, FindsMinimumAndMaximum) {
+  const std::vector<double> values = {2.0, -1.0, std::nan(""), 0.5};
+  Histogram histogram;
+  EXPECT_EQ(MakeHistogram(values, kItself, 1.5, histogram), 1);
+  EXPECT_EQ(histogram.binStarts, (std::vector<double>{-1.0, 0.5, 2.0}));
+  EXPECT_EQ(histogram.counts, (std::vector<std::int32_t>{1, 1, 1}));
+  EXPECT_EQ(MakeHistogram(values, kItself, 0.0, histogram), -1);
+  EXPECT_EQ(MakeHistogram(std::vector<double>{std::nan("")}, kItself, 1.0, histogram), -1);
+  EXPECT_EQ(MakeHistogram(std::vector<double>(), kItself, 1.0, histogram), -1);
+  EXPECT_EQ(MakeHistogram(std::vector<double>{1.0, INFINITY}, kItself, 1.0, histogram), -1);
+}
+
 TEST(Histogram, ValuesThatAreNoNumbersAreNotCounted) {
   const std::vector<double> values = {1.0, std::nan(""), INFINITY, 1e300, -5.0};
   Histogram histogram;
@@ -45,28 +57,38 @@ TEST(Histogram, BinsThatCanNotBeFail) {
   EXPECT_EQ(MakeBins(0.0, 10000000.0, 1.0, histogram), -1);
 }
 
-TEST(HistogramThreshold, IsTheEdgeOfTheBinInWhichTheSumIsReached) {
+TEST(HistogramThresh, IsTheEdgeOfTheBinInWhichTheSumIsReached) {
   const Histogram histogram = {{0.0, 1.0, 2.0, 3.0}, {60, 30, 6, 4}};
   double threshold = kNoThreshold;
-  EXPECT_EQ(HistogramThreshold(100, histogram, 0.05, threshold), 10);
+  EXPECT_EQ(HistogramThresh(100, histogram, 0.05, threshold), 10);
   EXPECT_EQ(threshold, 2.0);
-  EXPECT_EQ(HistogramThreshold(100, histogram, 0.04, threshold), 4);
+  EXPECT_EQ(HistogramThresh(100, histogram, 0.04, threshold), 4);
   EXPECT_EQ(threshold, 3.0);
 }
 
-TEST(HistogramThreshold, TargetOf0IsReachedInTheTopBin) {
+TEST(HistogramThresh, TargetOf0IsReachedInTheTopBin) {
   const Histogram histogram = {{0.0, 1.0}, {19, 0}};
   double threshold = kNoThreshold;
-  EXPECT_EQ(HistogramThreshold(19, histogram, 0.05, threshold), 0);
+  EXPECT_EQ(HistogramThresh(19, histogram, 0.05, threshold), 0);
   EXPECT_EQ(threshold, 1.0);
 }
 
-TEST(HistogramThreshold, StaysWhereTheSumIsNotReached) {
+TEST(HistogramThresh, StaysWhereTheSumIsNotReached) {
   double threshold = kNoThreshold;
-  EXPECT_EQ(HistogramThreshold(100, {{0.0}, {4}}, 0.05, threshold), 4);
+  EXPECT_EQ(HistogramThresh(100, {{0.0}, {4}}, 0.05, threshold), 4);
   EXPECT_EQ(threshold, kNoThreshold);
-  EXPECT_EQ(HistogramThreshold(0, {}, 0.05, threshold), 0);
+  EXPECT_EQ(HistogramThresh(0, {}, 0.05, threshold), -1);
   EXPECT_EQ(threshold, kNoThreshold);
+}
+
+TEST(HistogramEntropy, IsThatOfTheShares) {
+  const std::int32_t even[] = {25, 25, 0, 25, 25};
+  EXPECT_DOUBLE_EQ(HistogramEntropy(100, even), std::log(4.0));
+  const std::int32_t uneven[] = {1, 3};
+  EXPECT_DOUBLE_EQ(HistogramEntropy(4, uneven), -(0.25 * std::log(0.25) + 0.75 * std::log(0.75)));
+  const std::int32_t one[] = {0, 7};
+  EXPECT_EQ(HistogramEntropy(7, one), 0.0);
+  EXPECT_TRUE(std::isnan(HistogramEntropy(0, std::vector<std::int32_t>())));
 }
 
 }  // namespace

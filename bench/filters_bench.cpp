@@ -1,0 +1,124 @@
+// Filters over a byte image of 4000 x 4000: the documented sums, in floats, with a new image for each result.
+// bench/compare-filters puts these times beside those of a library for image processing.
+//
+// The image goes to the file that the environment variable CORVANE_BENCH_IMAGE names, if there is one. Side
+// files go to the current folder.
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+
+#include "ImgProcess/ImgProcess.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int32_t kSize = 4000;  // rows and columns
+constexpr double kSmoothSigma = 2.0;
+constexpr double kCrossingSigma = 3.0;
+
+// Waves of light and dark with noise over them, as ground has.
+void Draw(ErdasImg& image) {
+  std::mt19937 random(1);
+  const auto bytes = image.GetBands().GetBand(0);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const double row = static_cast<double>(i / kSize);
+    const double col = static_cast<double>(i % kSize);
+    const double wave = std::sin(0.05 * row) * std::sin(0.03 * col + 0.01 * row);
+    bytes[i] = static_cast<std::uint8_t>(110.0 + 80.0 * wave + static_cast<double>(random() % 40));
+  }
+}
+
+ErdasImg& Image() {
+  static ErdasImg image;
+  if (image.GetBands()) return image;
+  ErdasHeader header;
+  header.cols = kSize;
+  header.rows = kSize;
+  if (image.Create(header, false) != 1) std::abort();
+  Draw(image);
+  image.SetFileName("filters_bench.lan");
+  const char* const path = std::getenv("CORVANE_BENCH_IMAGE");
+  if (path && image.Write(path) != 1) std::abort();
+  return image;
+}
+
+void Require(benchmark::State& state, int status) {
+  if (status != 1) state.SkipWithError("a run has failed");
+}
+
+void GaussianSmooth(benchmark::State& state) {
+  ImgProcess process;
+  const ErdasImg& image = Image();
+  for (auto step : state) {
+    ResultImage result;
+    Require(state, process.GaussianSmooth(image, kSmoothSigma, result));
+  }
+}
+
+// gx, gy and the magnitude, each an image in memory.
+void GradientInMemory(benchmark::State& state) {
+  ImgProcess process;
+  const ErdasImg& image = Image();
+  Kernel1D kernel;
+  ImgProcess::MakeCentralDifference(kernel);
+  for (auto step : state) {
+    ResultImage gx;
+    ResultImage gy;
+    ResultImage result;
+    Require(state, process.Convolve(image, kernel, 1, kPackFloat, gx));
+    Require(state, process.Convolve(image, kernel, 2, kPackFloat, gy));
+    Require(state, process.Magnitude(*gx, *gy, result));
+  }
+}
+
+// The magnitude in memory, gx and gy as durable files.
+void GradientWithFiles(benchmark::State& state) {
+  ImgProcess process;
+  const ErdasImg& image = Image();
+  for (auto step : state) {
+    ResultImage result;
+    Require(state, process.Gradient(image, kPackFloat, result));
+  }
+  std::filesystem::remove("GradientX.lan");
+  std::filesystem::remove("GradientY.lan");
+}
+
+using Laplacian = int (ImgProcess::*)(const ErdasImg&, double, ErdasImg&);
+
+void MeasureCrossing(benchmark::State& state, Laplacian laplacian) {
+  ImgProcess process;
+  const ErdasImg& image = Image();
+  ErdasHeader header = *image.GetHeader();
+  header.packType = kPackFloat;
+  for (auto step : state) {
+    ErdasImg curvature;
+    ErdasImg marks;
+    Require(state, curvature.Create(header, false));
+    Require(state, (process.*laplacian)(image, kCrossingSigma, curvature));
+    Require(state, marks.Create(*image.GetHeader(), false));
+    Require(state, process.ZeroCrossing(curvature, 0.0, marks));
+  }
+}
+
+void ZeroCrossing(benchmark::State& state) {
+  MeasureCrossing(state, &ImgProcess::LaplacianOfGaussian);
+}
+
+void ZeroCrossingLowMemory(benchmark::State& state) {
+  MeasureCrossing(state, &ImgProcess::LaplacianOfGaussianLowMemory);
+}
+
+BENCHMARK(GaussianSmooth)->Unit(benchmark::kMillisecond);
+BENCHMARK(GradientInMemory)->Unit(benchmark::kMillisecond);
+BENCHMARK(GradientWithFiles)->Unit(benchmark::kMillisecond);
+BENCHMARK(ZeroCrossing)->Unit(benchmark::kMillisecond);
+BENCHMARK(ZeroCrossingLowMemory)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace corvane
+
+BENCHMARK_MAIN();
