@@ -53,7 +53,7 @@ struct OpenTin {
   OpenTin() {
     if (!app.InitInstance(Survey().GetTinPath()) || !Document().GetTIN().IsStored()) std::abort();
   }
-  CCorvaneDoc& Document() { return app.GetMainFrame().GetActiveTinView()->GetDocument(); }
+  CCorvaneDoc& Document() { return app.GetMainFrame().GetTinView()->GetDocument(); }
 };
 
 OpenTin& SharedTin() {

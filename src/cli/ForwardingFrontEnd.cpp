@@ -47,6 +47,10 @@ void ForwardingFrontEnd::ActivateWindow(WindowView& view) {
 void ForwardingFrontEnd::RepaintWindow(WindowView& view, bool atOnce) {
   inner_.RepaintWindow(view, atOnce);
 }
+void ForwardingFrontEnd::ShowOverlay(WindowView& view, const OverlayCounts& counts) {
+  inner_.ShowOverlay(view, counts);
+}
+
 void ForwardingFrontEnd::UpdateWindowFrame(WindowView& view) {
   inner_.UpdateWindowFrame(view);
 }
@@ -81,6 +85,18 @@ void ForwardingFrontEnd::CommandEnded(const std::string& name, CommandResult res
 
 void ForwardingFrontEnd::FileGiven(const FileChooser& chooser, const std::string& path) {
   inner_.FileGiven(chooser, path);
+}
+
+void ForwardingFrontEnd::PutBitmap(const std::vector<std::uint8_t>& dib) {
+  inner_.PutBitmap(dib);
+}
+
+bool ForwardingFrontEnd::HasBitmap() {
+  return inner_.HasBitmap();
+}
+
+std::vector<std::uint8_t> ForwardingFrontEnd::GetBitmap() {
+  return inner_.GetBitmap();
 }
 
 }  // namespace corvane

@@ -26,6 +26,7 @@ class ForwardingFrontEnd : public FrontEnd {
   void CloseWindow(WindowView& view) override;
   void ActivateWindow(WindowView& view) override;
   void RepaintWindow(WindowView& view, bool atOnce) override;
+  void ShowOverlay(WindowView& view, const OverlayCounts& counts) override;
   void UpdateWindowFrame(WindowView& view) override;
   bool ShowGraph(WindowView& view, const GraphView& graph) override;
   void PlotGraph(const GraphView& graph, int element) override;
@@ -36,6 +37,9 @@ class ForwardingFrontEnd : public FrontEnd {
   void CommandStarted(const std::string& name) override;
   void CommandEnded(const std::string& name, CommandResult result) override;
   void FileGiven(const FileChooser& chooser, const std::string& path) override;
+  void PutBitmap(const std::vector<std::uint8_t>& dib) override;
+  bool HasBitmap() override;
+  std::vector<std::uint8_t> GetBitmap() override;
 
  private:
   FrontEnd& inner_;

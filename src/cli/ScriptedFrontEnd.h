@@ -44,6 +44,7 @@ class ScriptedFrontEnd : public FrontEnd {
   void CloseWindow(WindowView&) override {}
   void ActivateWindow(WindowView&) override {}
   void RepaintWindow(WindowView&, bool) override {}
+  void ShowOverlay(WindowView&, const OverlayCounts&) override {}
   void UpdateWindowFrame(WindowView&) override {}
   bool ShowGraph(WindowView&, const GraphView&) override { return true; }
   void PlotGraph(const GraphView&, int) override {}
@@ -54,6 +55,10 @@ class ScriptedFrontEnd : public FrontEnd {
   void CommandStarted(const std::string&) override {}
   void CommandEnded(const std::string&, CommandResult) override {}
   void FileGiven(const FileChooser&, const std::string&) override {}
+  // A clipboard of the session's own.
+  void PutBitmap(const std::vector<std::uint8_t>& dib) override { clipboard_ = dib; }
+  bool HasBitmap() override { return !clipboard_.empty(); }
+  std::vector<std::uint8_t> GetBitmap() override { return clipboard_; }
 
  private:
   std::optional<std::string> NextAnswer(const std::string& prompt);
@@ -70,6 +75,7 @@ class ScriptedFrontEnd : public FrontEnd {
   std::size_t next_ = 0;  // the first answer not yet taken
   int nMissing_ = 0;      // prompts of this command that found no answer
   bool logLineOpen_ = false;
+  std::vector<std::uint8_t> clipboard_;
 };
 
 }  // namespace corvane

@@ -97,7 +97,7 @@ bool Session::Start() {
 }
 
 bool Session::OpenFirstDocument() {
-  CCorvaneView* view = app_->GetMainFrame().GetActiveTinView();
+  CCorvaneView* view = app_->GetMainFrame().GetTinView();
   if (view && view->GetDocument().GetTIN().nTriangles > 0) return true;
   Report("no TIN could be read from " + options_.openFile + ".");
   return false;

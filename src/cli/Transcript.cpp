@@ -124,6 +124,15 @@ void Transcript::OpenWindow(WindowView& view) {
   ForwardingFrontEnd::OpenWindow(view);
 }
 
+void Transcript::ShowOverlay(WindowView& view, const OverlayCounts& counts) {
+  Write({{"event", "overlay"},
+         {"title", view.GetTitle()},
+         {"points", counts.points},
+         {"polylines", counts.polylines},
+         {"labels", counts.labels}});
+  ForwardingFrontEnd::ShowOverlay(view, counts);
+}
+
 void Transcript::CloseWindow(WindowView& view) {
   graphs_.erase(&view);
   ForwardingFrontEnd::CloseWindow(view);

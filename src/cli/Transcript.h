@@ -29,6 +29,7 @@ class Transcript : public ForwardingFrontEnd {
   void Print(const std::string& text) override;
   void Trace(const std::string& text) override;
   void OpenWindow(WindowView& view) override;
+  void ShowOverlay(WindowView& view, const OverlayCounts& counts) override;
   void CloseWindow(WindowView& view) override;
   // A graph is a window of its own, written when it is first shown.
   bool ShowGraph(WindowView& view, const GraphView& graph) override;

@@ -1,6 +1,8 @@
 #include "qt/MainWindow.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -96,6 +98,7 @@ CMainWindow::CMainWindow(CCorvaneApp& app) : app_(app), area_(new QMdiArea) {
       [this](const std::string& path) { OpenPath(path); });
   MakeToolBar();
   connect(area_, &QMdiArea::subWindowActivated, this, &CMainWindow::OnSubWindowActivated);
+  connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &CMainWindow::RefreshEditItems);
 }
 
 // Windows that go down with this one are nobody's doing.
@@ -216,6 +219,8 @@ void CMainWindow::SetStatusText(int pane, const std::string& text) {
 void CMainWindow::ShowScale(const WindowView& view) {
   if (const auto* tinView = dynamic_cast<const CCorvaneView*>(&view)) {
     panes_->SetText(0, "Scale: " + ShortestText(tinView->displayScale) + " pixels a unit");
+  } else if (view.GetZoom() > 0.0) {
+    panes_->SetText(0, "Zoom: " + GeneralText(100.0 * view.GetZoom(), 4) + " %");
   }
 }
 
@@ -275,7 +280,7 @@ void CMainWindow::RunItem(const std::string& name) {
       {"Help > Help Topics", &CMainWindow::ShowHelpTopics},
       {"Help > About", &CMainWindow::ShowAbout},
   };
-  if (running_ != 0) return;
+  if (running_ != 0 || RunViewItem(name)) return;
   for (const auto& item : kItems) {
     if (name == item.name) (this->*item.run)();
   }
@@ -371,13 +376,22 @@ void CMainWindow::RefreshMenus() {
   }
   menus_->UpdateEnabled([this](const CommandRow& row) { return app_.IsEnabled(row); });
   menus_->SetRecentFiles(app_.GetRecentFiles().GetPaths());
-  // No window has anything to edit, and only a picture can be printed.
-  for (const char* name : {"Edit > Undo", "Edit > Cut", "Edit > Copy", "Edit > Paste"}) {
-    menus_->Find(name)->setEnabled(false);
-  }
+  RefreshEditItems();
+  // Only a picture can be printed, and only one with a zoom of its own be zoomed.
   for (const char* name : {"File > Print", "File > Print Preview"}) {
     menus_->Find(name)->setEnabled(view && view->HasPicture());
   }
+  for (const char* name : {"View > Zoom In", "View > Zoom Out", "View > Zoom 1:1", "View > Zoom 1:5"}) {
+    menus_->Find(name)->setEnabled(view && view->GetZoom() > 0.0);
+  }
+}
+
+// No window has anything to undo or to cut.
+void CMainWindow::RefreshEditItems() {
+  const CView* view = app_.GetMainFrame().GetActiveView();
+  for (const char* name : {"Edit > Undo", "Edit > Cut"}) menus_->Find(name)->setEnabled(false);
+  menus_->Find("Edit > Copy")->setEnabled(view && view->IsEnabled(EditItem::Copy));
+  menus_->Find("Edit > Paste")->setEnabled(view && view->IsEnabled(EditItem::Paste));
 }
 
 void CMainWindow::RefreshTitles() {

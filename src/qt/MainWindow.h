@@ -89,9 +89,12 @@ class CMainWindow : public QMainWindow {
   void ShowScale(const WindowView& view);
 
   void RefreshMenus();
+  void RefreshEditItems();
   void RefreshTitles();
   void ListWindows();
 
+  // Runs an item that belongs to the active window's view; false if it is none.
+  bool RunViewItem(const std::string& name);
   void PrintPicture();
   void PreviewPicture();
   void SetUpPrinter();

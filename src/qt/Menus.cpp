@@ -108,7 +108,7 @@ const CMenus::Menus& CMenus::MenusFor(const MenuBarLayout& layout) {
   Menus& menus = menuBars_[&layout];
   if (!menus.empty()) return menus;
   for (const MenuLayout& menu : layout.front) menus.push_back(MakeMenu(menu));
-  AddRows(layout.rows, menus);
+  if (layout.rows) AddRows(*layout.rows, menus);
   for (const MenuLayout& menu : layout.back) menus.push_back(MakeMenu(menu));
   return menus;
 }

@@ -70,6 +70,7 @@ bool DrawPage(WindowView& view, QPrinter& printer) {
                                 static_cast<double>(page.height()) / picture.height);
   painter.translate((page.width() - picture.width * scale) / 2, (page.height() - picture.height * scale) / 2);
   painter.scale(scale, scale);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, scale < 1.0);  // enlarged pixels stay crisp
   QtCanvas canvas(painter, {0, 0, picture.width, picture.height});
   view.DrawPicture(canvas);
   return painter.end();

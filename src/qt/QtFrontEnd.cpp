@@ -1,6 +1,7 @@
 #include "qt/QtFrontEnd.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -8,6 +9,7 @@
 #include <cstdio>
 
 #include "qt/ChooserDialog.h"
+#include "qt/ClipboardBitmap.h"
 #include "qt/FormDialog.h"
 #include "qt/LogWindow.h"
 #include "qt/MainWindow.h"
@@ -146,6 +148,9 @@ void QtFrontEnd::RepaintWindow(WindowView& view, bool atOnce) {
   if (mainWindow_) mainWindow_->RepaintWindow(view, atOnce);
 }
 
+// The window paints overlays with the picture.
+void QtFrontEnd::ShowOverlay(WindowView&, const OverlayCounts&) {}
+
 void QtFrontEnd::UpdateWindowFrame(WindowView& view) {
   if (mainWindow_) mainWindow_->UpdateWindowFrame(view);
 }
@@ -192,6 +197,20 @@ void QtFrontEnd::CommandStarted(const std::string& name) {
 void QtFrontEnd::CommandEnded(const std::string&, CommandResult result) {
   command_.clear();
   if (mainWindow_) mainWindow_->CommandEnded(result);
+}
+
+void QtFrontEnd::PutBitmap(const std::vector<std::uint8_t>& dib) {
+  QApplication::clipboard()->setMimeData(new CBitmapMimeData(dib));
+}
+
+bool QtFrontEnd::HasBitmap() {
+  const QMimeData* data = QApplication::clipboard()->mimeData();
+  return data && corvane::HasBitmap(*data);
+}
+
+std::vector<std::uint8_t> QtFrontEnd::GetBitmap() {
+  const QMimeData* data = QApplication::clipboard()->mimeData();
+  return data ? BitmapOf(*data) : Dib();
 }
 
 }  // namespace corvane

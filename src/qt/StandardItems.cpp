@@ -14,6 +14,11 @@ std::span<const StandardItem> StandardItems() {
       {"Edit", "&Paste", "Insert Clipboard contents"},
       {"View", "&Toolbar", "Show or hide the toolbar"},
       {"View", "&Status Bar", "Show or hide the status bar"},
+      // Kept: these show the prompts of other commands, as their numbers are shared.
+      {"View", "Zoom &In", "Export a subset of points in user defined area."},
+      {"View", "Zoom &Out", "Create Epipolar Images from a Stereo Photo Pair."},
+      {"View", "Zoom 1:1", ""},
+      {"View", "Zoom 1:5", "Zoom in some times."},
       {"Window", "&New Window", "Open another window for the active document"},
       {"Window", "&Cascade", "Arrange windows so they overlap"},
       {"Window", "&Tile", "Arrange windows as non-overlapping tiles"},
@@ -45,6 +50,10 @@ std::span<const Accelerator> Accelerators() {
       {"Edit > Copy", "Ctrl+Ins"},
       {"Edit > Paste", "Ctrl+V"},
       {"Edit > Paste", "Shift+Ins"},
+      {"View > Zoom In", "Ctrl++"},
+      {"View > Zoom In", "Ctrl+="},
+      {"View > Zoom Out", "Ctrl+-"},
+      {"View > Zoom 1:1", "Ctrl+1"},
       {"Window > Next Pane", "F6"},
       {"Window > Previous Pane", "Shift+F6"},
       {"Window > Close Window", "Ctrl+W"},
@@ -57,29 +66,30 @@ std::span<const Accelerator> Accelerators() {
 
 namespace {
 
-const MenuLayout kHelp = {"&Help", {"Help > Help Topics", "Help > About"}};
+const MenuLayout kFile = {
+    "&File",
+    {"File > New", "File > Open", "File > Close", "File > Save", "File > Save As", kSeparator, "File > Print",
+     "File > Print Preview", "File > Print Setup", kSeparator, kRecentFiles, kSeparator, "File > Exit"}};
+const MenuLayout kFileWithoutWindow = {"&File",
+                                       {"File > New", "File > Open", kSeparator, "File > Print Setup",
+                                        kSeparator, kRecentFiles, kSeparator, "File > Exit"}};
+const MenuLayout kEdit = {"&Edit", {"Edit > Undo", kSeparator, "Edit > Cut", "Edit > Copy", "Edit > Paste"}};
 const MenuLayout kView = {"&View", {"View > Toolbar", "View > Status Bar"}};
+const MenuLayout kViewWithZooms = {"&View",
+                                   {"View > Toolbar", "View > Status Bar", kSeparator, "View > Zoom In",
+                                    "View > Zoom Out", "View > Zoom 1:1", "View > Zoom 1:5"}};
+const MenuLayout kWindow = {
+    "&Window", {"Window > New Window", "Window > Cascade", "Window > Tile", "Window > Arrange Icons"}};
+const MenuLayout kHelp = {"&Help", {"Help > Help Topics", "Help > About"}};
 
 }  // namespace
 
 const MenuBarLayout& MenuBarFor(std::optional<WindowKind> kind) {
-  static const MenuBarLayout kNoWindow = {{{"&File",
-                                            {"File > New", "File > Open", kSeparator, "File > Print Setup",
-                                             kSeparator, kRecentFiles, kSeparator, "File > Exit"}},
-                                           kView},
-                                          MenuPlace::Frame,
-                                          {kHelp}};
-  static const MenuBarLayout kWorking = {
-      {{"&File",
-        {"File > New", "File > Open", "File > Close", "File > Save", "File > Save As", kSeparator,
-         "File > Print", "File > Print Preview", "File > Print Setup", kSeparator, kRecentFiles, kSeparator,
-         "File > Exit"}},
-       {"&Edit", {"Edit > Undo", kSeparator, "Edit > Cut", "Edit > Copy", "Edit > Paste"}},
-       kView},
-      MenuPlace::Working,
-      {{"&Window", {"Window > New Window", "Window > Cascade", "Window > Tile", "Window > Arrange Icons"}},
-       kHelp}};
-  return kind ? kWorking : kNoWindow;
+  static const MenuBarLayout kNoWindow = {{kFileWithoutWindow, kView}, MenuPlace::Frame, {kHelp}};
+  static const MenuBarLayout kWorking = {{kFile, kEdit, kView}, MenuPlace::Working, {kWindow, kHelp}};
+  static const MenuBarLayout kImage = {{kFile, kEdit, kViewWithZooms}, std::nullopt, {kWindow, kHelp}};
+  if (!kind) return kNoWindow;
+  return kind == WindowKind::Bitmap ? kImage : kWorking;
 }
 
 std::span<const char* const> ToolBarNames() {

@@ -37,11 +37,11 @@ struct MenuLayout {
   std::vector<const char*> names;
 };
 
-// A menu bar: the menus in front, those of the command table's rows, and the menus behind. Rows whose path
-// is a menu in front go to that menu's end.
+// A menu bar: the menus in front, those of the command table's rows of one place, if any, and the menus
+// behind. Rows whose path is a menu in front go to that menu's end.
 struct MenuBarLayout {
   std::vector<MenuLayout> front;
-  MenuPlace rows;
+  std::optional<MenuPlace> rows;
   std::vector<MenuLayout> back;
 };
 

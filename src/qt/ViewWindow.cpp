@@ -21,6 +21,8 @@ namespace {
 
 constexpr int kAnglePerNotch = 120;  // eighths of a degree
 constexpr QSize kFirstSize(760, 560);
+constexpr int kLinesPerNotch = 3;  // that a sideways turn of the wheel scrolls
+constexpr QRgb kAroundPicture = qRgb(128, 128, 128);
 
 void SetScrollBar(QScrollBar& bar, std::int32_t size, int shown, std::int64_t position) {
   bar.setRange(0, std::max(0, size - shown));
@@ -62,6 +64,7 @@ int ViewKey(const QKeyEvent& event) {
 }
 
 QString WhyEmpty(const WindowView& view) {
+  if (view.GetKind() == WindowKind::Bitmap) return view.HasPicture() ? "" : "No picture";
   const auto* tinView = dynamic_cast<const CCorvaneView*>(&view);
   if (!tinView || tinView->HasPicture()) return {};
   return tinView->GetDocument().GetTIN().IsStored()
@@ -73,6 +76,17 @@ CViewWindow::CViewWindow(WindowView& view) : view_(&view) {
   setFocusPolicy(Qt::StrongFocus);
   setFrameShape(QFrame::NoFrame);
   viewport()->setAttribute(Qt::WA_OpaquePaintEvent);  // every paint fills the background itself
+  viewport()->setMouseTracking(IsZoomable());
+  SetIdleCursor();
+}
+
+// Over a picture the pointer marks a pixel.
+void CViewWindow::SetIdleCursor() {
+  if (IsZoomable()) {
+    viewport()->setCursor(Qt::CrossCursor);
+  } else {
+    viewport()->unsetCursor();
+  }
 }
 
 QSize CViewWindow::sizeHint() const {
@@ -148,17 +162,33 @@ void CViewWindow::SetScrollBars(QSize shown) {
 
 void CViewWindow::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
-  const QRect exposed = event->rect();
-  painter.fillRect(exposed, Qt::white);
+  // Two thin strips after a move aslant, not all that lies between them.
+  for (const QRect& part : event->region()) PaintPart(painter, part);
+  const QString why = view_ ? WhyEmpty(*view_) : "";
+  if (why.isEmpty()) return;
+  painter.setClipping(false);
+  painter.setFont(font());
+  painter.setPen(IsZoomable() ? Qt::white : Qt::gray);
+  painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, why);
+}
+
+// The ground is white; around a picture grey, so that white ones show their edges.
+void CViewWindow::PaintPart(QPainter& painter, const QRect& part) {
+  const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
+  painter.setClipRect(part);
+  if (IsZoomable()) {
+    const PixelSize content = ContentSize(*view_);
+    painter.fillRect(part, QColor(kAroundPicture));
+    painter.fillRect(part & QRect(-scrolled, QSize(content.width, content.height)), Qt::white);
+  } else {
+    painter.fillRect(part, Qt::white);
+  }
   if (!view_) return;
-  const PixelPoint origin = {horizontalScrollBar()->value(), verticalScrollBar()->value()};
-  const PixelRect visible = {origin.x + exposed.left(), origin.y + exposed.top(),
-                             origin.x + exposed.left() + exposed.width(),
-                             origin.y + exposed.top() + exposed.height()};
+  const PixelPoint origin = {scrolled.x(), scrolled.y()};
+  const PixelRect visible = {origin.x + part.left(), origin.y + part.top(),
+                             origin.x + part.left() + part.width(), origin.y + part.top() + part.height()};
   QtCanvas canvas(painter, visible, origin);
   view_->OnDraw(canvas);
-  painter.setPen(Qt::gray);
-  painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, WhyEmpty(*view_));
 }
 
 void CViewWindow::resizeEvent(QResizeEvent* event) {
@@ -184,14 +214,29 @@ void CViewWindow::keyPressEvent(QKeyEvent* event) {
   const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
   if (plain && IsGraphShown() && graph_->OnKey(event->key())) return;
   if (view_ && key != 0 && PassKey(key, event->count())) return;
+  if (plain && ZoomByKey(*event)) return;
   if (ScrollByKey(event->key())) return;
   QAbstractScrollArea::keyPressEvent(event);
 }
 
 bool CViewWindow::PassKey(int key, int repeatCount) {
   const bool acted = view_->OnKeyDown(key, repeatCount);
-  if (acted && (key == Key::kUp || key == Key::kDown) && onZoom) onZoom();
+  const bool zooms = !IsZoomable() && (key == Key::kUp || key == Key::kDown);
+  if (acted && zooms && onZoom) onZoom();
   return acted;
+}
+
+// Around the middle of the window.
+bool CViewWindow::ZoomByKey(const QKeyEvent& event) {
+  const bool in = event.key() == Qt::Key_Plus || event.key() == Qt::Key_Equal;
+  if (!IsZoomable() || (!in && event.key() != Qt::Key_Minus)) return false;
+  ZoomBySteps(in ? event.count() : -event.count(), viewport()->rect().center());
+  return true;
+}
+
+void CViewWindow::ZoomBySteps(int steps, QPoint anchor) {
+  view_->OnZoomSteps(steps, {anchor.x(), anchor.y()});
+  if (onZoom) onZoom();
 }
 
 bool CViewWindow::ScrollByKey(int key) {
@@ -203,16 +248,32 @@ bool CViewWindow::ScrollByKey(int key) {
   return true;
 }
 
-// The wheel goes to the view, zooms with Ctrl, and scrolls where the view leaves it free.
+// The wheel zooms a picture. Over a TIN it goes to the view, zooms with Ctrl, and scrolls where the view
+// leaves it free.
 void CViewWindow::wheelEvent(QWheelEvent* event) {
   if (!view_) return;
   const int angle = event->angleDelta().y();
-  if (event->modifiers() & Qt::ControlModifier) {
+  if (IsZoomable()) {
+    TurnOverPicture(*event);
+    event->accept();
+  } else if (event->modifiers() & Qt::ControlModifier) {
     const int notches = WholeNotches(angle);
     for (int i = 0; i < std::abs(notches); ++i) PassKey(notches > 0 ? Key::kUp : Key::kDown, 1);
     event->accept();
   } else if (!PassWheel(angle)) {
     QAbstractScrollArea::wheelEvent(event);
+  }
+}
+
+void CViewWindow::TurnOverPicture(const QWheelEvent& event) {
+  const QPoint angle = event.angleDelta();
+  const bool sideways = event.modifiers() & Qt::ShiftModifier || angle.y() == 0;
+  if (sideways) {
+    QScrollBar& bar = *horizontalScrollBar();
+    const int turned = angle.x() != 0 ? angle.x() : angle.y();
+    MoveScrollBar(bar, -turned * kLinesPerNotch * bar.singleStep() / kAnglePerNotch);
+  } else if (const int notches = WholeNotches(angle.y())) {
+    ZoomBySteps(notches, event.position().toPoint());
   }
 }
 
@@ -236,8 +297,12 @@ void CViewWindow::mousePressEvent(QMouseEvent* event) {
 }
 
 void CViewWindow::mouseMoveEvent(QMouseEvent* event) {
-  if (!dragging_) return;
   const QPoint position = event->position().toPoint();
+  if (view_ && !dragging_) {
+    view_->OnMouseMove(
+        {horizontalScrollBar()->value() + position.x(), verticalScrollBar()->value() + position.y()});
+  }
+  if (!dragging_) return;
   MoveScrollBar(*horizontalScrollBar(), grabbed_.x() - position.x());
   MoveScrollBar(*verticalScrollBar(), grabbed_.y() - position.y());
   grabbed_ = position;
@@ -245,7 +310,7 @@ void CViewWindow::mouseMoveEvent(QMouseEvent* event) {
 
 void CViewWindow::mouseReleaseEvent(QMouseEvent*) {
   dragging_ = false;
-  viewport()->unsetCursor();
+  SetIdleCursor();
 }
 
 // The way back to a graph that has been hidden.

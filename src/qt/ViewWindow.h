@@ -7,11 +7,13 @@
 #include "ui/WindowView.h"
 
 class QKeyEvent;
+class QPainter;
 
 namespace corvane {
 
-// The window on a view: shows its drawing, or why there is none, scrolls it, and passes keys and wheel on to
-// it. A graph covers the drawing and its scroll bars while it shows; it then has the keys first.
+// The window on a view: shows its drawing, or why there is none, scrolls it, and passes keys, wheel and
+// pointer on to it. A graph covers the drawing and its scroll bars while it shows; it then has the keys
+// first.
 class CViewWindow : public QAbstractScrollArea {
  public:
   explicit CViewWindow(WindowView& view);
@@ -50,6 +52,10 @@ class CViewWindow : public QAbstractScrollArea {
   void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
+  // Whether the view shows a picture with a zoom of its own.
+  bool IsZoomable() const { return view_ && view_->GetZoom() > 0.0; }
+  void SetIdleCursor();
+  void PaintPart(QPainter& painter, const QRect& part);
   QSize ShownSize() const;
   void SetScrollBars(QSize shown);
   void MakeGraph(const GraphView& graph, const CGraphWindow::Browser& browse);
@@ -59,6 +65,10 @@ class CViewWindow : public QAbstractScrollArea {
   bool PassWheel(int angle);
   int WholeNotches(int angle);
   bool PassKey(int key, int repeatCount);
+  // The wheel over a picture with a zoom: zooms around the pointer, with Shift or tilted scrolls sideways.
+  void TurnOverPicture(const QWheelEvent& event);
+  bool ZoomByKey(const QKeyEvent& event);
+  void ZoomBySteps(int steps, QPoint anchor);
   bool ScrollByKey(int key);
 
   WindowView* view_;

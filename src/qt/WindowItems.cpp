@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QToolBar>
+#include <new>
 
 #include "qt/Icons.h"
 #include "qt/MainWindow.h"
@@ -36,6 +37,17 @@ constexpr const char* kHelpText =
     "<tr><td>F6, Shift + F6</td><td>next window, previous window</td></tr>"
     "<tr><td>Ctrl + W, Ctrl + F4</td><td>close the window</td></tr>"
     "</table>"
+    "<p><b>In the window of an image</b></p>"
+    "<table cellspacing='0' cellpadding='3'>"
+    "<tr><td>wheel</td><td>zoom around the pointer</td></tr>"
+    "<tr><td>+, -, Ctrl + 1</td><td>zoom around the centre, back to 1:1</td></tr>"
+    "<tr><td>drag with the left or middle button</td><td>pan</td></tr>"
+    "<tr><td>arrows, Page Up, Page Down, Shift + wheel</td><td>scroll; with polylines shown the arrows move "
+    "the first one's first point</td></tr>"
+    "<tr><td>Home, End</td><td>to the top left, to the bottom right</td></tr>"
+    "<tr><td>L</td><td>show or hide labels</td></tr>"
+    "<tr><td>Ctrl + C, Ctrl + V</td><td>copy the image, paste another in its place</td></tr>"
+    "</table>"
     "<p><b>In a graph</b></p>"
     "<table cellspacing='0' cellpadding='3'>"
     "<tr><td>wheel</td><td>zoom around the pointer; over the numbers of an axis along it</td></tr>"
@@ -49,6 +61,38 @@ constexpr const char* kHelpText =
     "</table>";
 
 }  // namespace
+
+bool CMainWindow::RunViewItem(const std::string& name) {
+  static constexpr struct {
+    const char* name;
+    EditItem item;
+  } kEditItems[] = {{"Edit > Copy", EditItem::Copy}, {"Edit > Paste", EditItem::Paste}};
+  static constexpr struct {
+    const char* name;
+    ZoomItem item;
+  } kZoomItems[] = {{"View > Zoom In", ZoomItem::In},
+                    {"View > Zoom Out", ZoomItem::Out},
+                    {"View > Zoom 1:1", ZoomItem::OneToOne},
+                    {"View > Zoom 1:5", ZoomItem::OneToFive}};
+  CView* view = app_.GetMainFrame().GetActiveView();
+  for (const auto& entry : kEditItems) {
+    if (name != entry.name) continue;
+    try {
+      if (view) view->OnEditItem(entry.item);
+    } catch (const std::bad_alloc&) {
+      ShowMessage("Out of memory.");
+    }
+    Refresh();
+    return true;
+  }
+  for (const auto& entry : kZoomItems) {
+    if (name != entry.name) continue;
+    if (view) view->OnZoomItem(entry.item);
+    if (view) ShowScale(*view);
+    return true;
+  }
+  return false;
+}
 
 void CMainWindow::PrintPicture() {
   printing_.Print(*app_.GetMainFrame().GetActiveView(), this);

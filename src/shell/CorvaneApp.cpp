@@ -7,6 +7,8 @@
 #include "shell/ChildFrm.h"
 #include "shell/CorvaneDoc.h"
 #include "shell/CorvaneView.h"
+#include "shell/DibDoc.h"
+#include "shell/DibView.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
@@ -55,8 +57,10 @@ bool CCorvaneApp::InitInstance(const std::string& commandLineFile) {
       [](CDocument& document) {
         return std::make_unique<CCorvaneView>(static_cast<CCorvaneDoc&>(document));
       });
-  // Bitmap windows have no document and view kind yet; File New and File Open never know this template.
-  imageTemplate_ = std::make_unique<CDocTemplate>(kImageResource, kImageStrings, nullptr, nullptr);
+  // File New and File Open do not know this one.
+  imageTemplate_ = std::make_unique<CDocTemplate>(
+      kImageResource, kImageStrings, [](CMainFrame& frame) { return std::make_unique<CDibDoc>(frame); },
+      [](CDocument& document) { return std::make_unique<CDibView>(static_cast<CDibDoc&>(document)); });
   mainFrame_ = std::make_unique<CMainFrame>(*this);
   if (commandLineFile.empty()) {
     NewDocument();
@@ -72,7 +76,7 @@ void CCorvaneApp::ExitInstance() {
 }
 
 bool CCorvaneApp::IsEnabled(const CommandRow& row) const {
-  if (std::holds_alternative<ViewHandler>(row.handler)) return mainFrame_->GetActiveTinView() != nullptr;
+  if (std::holds_alternative<ViewHandler>(row.handler)) return mainFrame_->GetTinView() != nullptr;
   if (std::holds_alternative<DocumentHandler>(row.handler)) return mainFrame_->GetActiveView() != nullptr;
   return HasHandler(row);
 }
@@ -83,7 +87,7 @@ CommandResult CCorvaneApp::RunCommand(const CommandRow& row) {
 
 CommandResult CCorvaneApp::RunHandler(const CommandRow& row) {
   if (const auto* view = std::get_if<ViewHandler>(&row.handler)) {
-    return (*view)(*mainFrame_->GetActiveTinView());
+    return (*view)(*mainFrame_->GetTinView());
   }
   if (const auto* document = std::get_if<DocumentHandler>(&row.handler)) {
     return (*document)(*mainFrame_->GetActiveDocument());
@@ -99,9 +103,13 @@ CommandResult CCorvaneApp::OpenPath(const std::string& path) {
   });
 }
 
+CDocument& CCorvaneApp::AddDocument(const CDocTemplate& kind) {
+  documents_.push_back(kind.MakeDocument(*mainFrame_));
+  return *documents_.back();
+}
+
 CDocument* CCorvaneApp::NewDocument() {
-  documents_.push_back(tinTemplate_->MakeDocument(*mainFrame_));
-  CDocument& document = *documents_.back();
+  CDocument& document = AddDocument(*tinTemplate_);
   document.SetTitle(tinTemplate_->GetDocumentName() + std::to_string(++untitledCount_));
   document.AddView();
   return &document;
@@ -117,8 +125,7 @@ CommandResult CCorvaneApp::OpenDocumentFile(const std::string& path) {
   }
   if (open) DestroyDocument(*open);
 
-  documents_.push_back(tinTemplate_->MakeDocument(*mainFrame_));
-  CDocument& document = *documents_.back();
+  CDocument& document = AddDocument(*tinTemplate_);
   const int opened = document.OnOpenDocument(path);
   if (opened == 0) {
     documents_.pop_back();
@@ -132,13 +139,14 @@ CommandResult CCorvaneApp::OpenDocumentFile(const std::string& path) {
 CommandResult CCorvaneApp::SaveDocument(CDocument& document, bool askForPath) {
   std::string path = document.GetPathName();
   if (path.empty() || askForPath) {
-    const std::string shown = path.empty() ? document.GetTitle() : path;
+    const std::string shown = path.empty() ? document.GetSuggestedName() : path;
     const auto chosen = ChooseFile(document.GetTemplate().MakeChooser(FileChooser::Mode::Save, shown));
     if (!chosen) return CommandResult::Cancelled;
     path = *chosen;
   }
   const int saved = document.OnSaveDocument(path);
-  if (saved != 0) document.SetPathName(path, true);
+  // File Open would take any file of the list as a TIN.
+  if (saved != 0) document.SetPathName(path, &document.GetTemplate() == tinTemplate_.get());
   return saved > 0 ? CommandResult::Done : CommandResult::Failed;
 }
 
@@ -154,8 +162,10 @@ bool CCorvaneApp::CloseView(CView& view) {
   const auto frame = std::find_if(document.frames_.begin(), document.frames_.end(),
                                   [&](const auto& candidate) { return &candidate->GetView() == &view; });
   Ui().CloseWindow(view);
+  const bool wasActive = mainFrame_->GetActiveView() == &view;
+  mainFrame_->ForgetView(view);
   document.frames_.erase(frame);
-  if (mainFrame_->GetActiveView() == &view) {
+  if (wasActive) {
     mainFrame_->SetActiveView(&document.GetFrames().front()->GetView());
     Ui().ActivateWindow(*mainFrame_->GetActiveView());
   }
@@ -186,8 +196,10 @@ bool CCorvaneApp::SaveModified(CDocument& document) {
 
 void CCorvaneApp::DestroyDocument(CDocument& document) {
   const bool wasActive = mainFrame_->GetActiveDocument() == &document;
-  for (const auto& frame : document.GetFrames()) Ui().CloseWindow(frame->GetView());
-  if (wasActive) mainFrame_->SetActiveView(nullptr);
+  for (const auto& frame : document.GetFrames()) {
+    Ui().CloseWindow(frame->GetView());
+    mainFrame_->ForgetView(frame->GetView());
+  }
   std::erase_if(documents_, [&](const auto& candidate) { return candidate.get() == &document; });
   if (wasActive && !documents_.empty()) {
     CView& next = documents_.back()->GetFrames().back()->GetView();

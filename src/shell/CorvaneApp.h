@@ -40,6 +40,9 @@ class CCorvaneApp {
   // To the front end it is a "File > Open" whose chooser answered the path.
   CommandResult OpenPath(const std::string& path);
 
+  // A document of the kind, without a window. It ends with its last one, or with the application.
+  CDocument& AddDocument(const CDocTemplate& kind);
+
   // File New.
   CDocument* NewDocument();
   // Opens a document, or activates the one that is open on this path. Failed if the file does not open or

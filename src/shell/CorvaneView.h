@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "TIN/TIN.h"
+#include "erdasimg/ErdasImg.h"
 #include "numerics/Point3.h"
 #include "shell/CorvaneDoc.h"
 #include "shell/MainFrm.h"
@@ -57,6 +58,7 @@ class CCorvaneView : public CView {
   bool paintEnabled = true;
   CStatusBar* statusBar = nullptr;  // the frame's, taken at the first update
   CNTGraph graph;                   // covers the drawing once something has been plotted
+  ErdasImg profileImage;            // of "Image Profile", kept from one row to the next
   Point3 examPoint;                 // ground point of "Matching Exam"
   Point3 examStep;                  // how far a key moves it
 

@@ -30,6 +30,9 @@ class CDocument {
   // The save step: above 0 on success. Failures have been reported.
   virtual int OnSaveDocument(const std::string& path);
 
+  // What the chooser for a document without a file shows.
+  virtual std::string GetSuggestedName() const { return title_; }
+
   const std::string& GetPathName() const { return pathName_; }  // "" for a document without a file
   // Also makes the file's name the title; `addToRecentList` puts the path on the recent-file list.
   void SetPathName(const std::string& path, bool addToRecentList);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "shell/CorvaneView.h"
+#include "shell/DibView.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
@@ -28,11 +29,36 @@ void CMainFrame::ShowStatusSlots(int pane) {
 }
 
 CDocument* CMainFrame::GetActiveDocument() const {
-  return activeView_ ? &activeView_->GetDocumentBase() : nullptr;
+  return views_.empty() ? nullptr : &views_.back()->GetDocumentBase();
 }
 
-CCorvaneView* CMainFrame::GetActiveTinView() const {
-  return dynamic_cast<CCorvaneView*>(activeView_);
+namespace {
+
+template <typename View>
+View* LatestOf(const std::vector<CView*>& views) {
+  for (auto view = views.rbegin(); view != views.rend(); ++view) {
+    if (auto* found = dynamic_cast<View*>(*view)) return found;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+CCorvaneView* CMainFrame::GetTinView() const {
+  return LatestOf<CCorvaneView>(views_);
+}
+
+CDibView* CMainFrame::GetDibView() const {
+  return LatestOf<CDibView>(views_);
+}
+
+void CMainFrame::SetActiveView(CView* view) {
+  ForgetView(*view);
+  views_.push_back(view);
+}
+
+void CMainFrame::ForgetView(const CView& view) {
+  std::erase(views_, &view);
 }
 
 }  // namespace corvane

@@ -2,11 +2,13 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 namespace corvane {
 
 class CCorvaneApp;
 class CCorvaneView;
+class CDibView;
 class CDocument;
 class CView;
 
@@ -38,12 +40,15 @@ class CMainFrame {
   // Joins the slots that are not empty, in order, as the text of a pane.
   void ShowStatusSlots(int pane);
 
-  // The window that commands act on; nothing with no document open.
-  CView* GetActiveView() const { return activeView_; }
+  // The window in front; nothing with no document open.
+  CView* GetActiveView() const { return views_.empty() ? nullptr : views_.back(); }
   CDocument* GetActiveDocument() const;
-  // The same as a TIN view; nothing if another kind is active.
-  CCorvaneView* GetActiveTinView() const;
-  void SetActiveView(CView* view) { activeView_ = view; }
+  // The windows that commands act on: of each kind the one that was in front last; nothing without one.
+  CCorvaneView* GetTinView() const;
+  CDibView* GetDibView() const;
+  void SetActiveView(CView* view);
+  // The view is about to end.
+  void ForgetView(const CView& view);
 
   CCorvaneApp& GetApp() const { return app_; }
 
@@ -51,7 +56,7 @@ class CMainFrame {
   CCorvaneApp& app_;
   CStatusBar statusBar_;
   std::array<std::array<char, kStatusSlotSize>, kStatusSlots> slots_{};
-  CView* activeView_ = nullptr;
+  std::vector<CView*> views_;  // that have been in front, the latest last
 };
 
 }  // namespace corvane

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 namespace corvane {
 
@@ -51,6 +52,13 @@ class Canvas {
   virtual void SetPen(Colour colour, int width) = 0;
 
   virtual void DrawSegments(std::span<const PixelSegment> segments) = 0;
+
+  // Fills `place` with pixels 0x00rrggbb, row by row from the top: as many as it has.
+  virtual void DrawPixels(const PixelRect& place, std::span<const std::uint32_t> pixels) = 0;
+
+  // A line of text to the right of the place and above it, in the pen's colour on a light ground, in the size
+  // of the desktop's own text.
+  virtual void DrawLabel(PixelPoint place, const std::string& text) = 0;
 };
 
 }  // namespace corvane

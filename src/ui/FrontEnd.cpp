@@ -20,6 +20,7 @@ class SilentFrontEnd : public FrontEnd {
   void CloseWindow(WindowView&) override {}
   void ActivateWindow(WindowView&) override {}
   void RepaintWindow(WindowView&, bool) override {}
+  void ShowOverlay(WindowView&, const OverlayCounts&) override {}
   void UpdateWindowFrame(WindowView&) override {}
   bool ShowGraph(WindowView&, const GraphView&) override { return true; }
   void PlotGraph(const GraphView&, int) override {}
@@ -30,6 +31,9 @@ class SilentFrontEnd : public FrontEnd {
   void CommandStarted(const std::string&) override {}
   void CommandEnded(const std::string&, CommandResult) override {}
   void FileGiven(const FileChooser&, const std::string&) override {}
+  void PutBitmap(const std::vector<std::uint8_t>&) override {}
+  bool HasBitmap() override { return false; }
+  std::vector<std::uint8_t> GetBitmap() override { return {}; }
 };
 
 FrontEnd* installed = nullptr;

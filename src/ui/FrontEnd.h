@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "ui/Clipboard.h"
 #include "ui/Feedback.h"
 #include "ui/Prompts.h"
 #include "ui/Windows.h"
@@ -15,7 +16,7 @@ enum class CommandResult { Done, Failed, Cancelled };
 const char* CommandResultName(CommandResult result);
 
 // Everything that a front end does for the program. Exactly one is installed at a time.
-class FrontEnd : public Prompts, public Feedback, public Windows {
+class FrontEnd : public Prompts, public Feedback, public Windows, public Clipboard {
  public:
   // The bounds of a command, named with its whole menu path ("TIN > Create TIN").
   virtual void CommandStarted(const std::string& name) = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -26,6 +27,19 @@ struct PixelSize {
 
   friend bool operator==(const PixelSize&, const PixelSize&) = default;
 };
+
+// What lies over a picture.
+struct OverlayCounts {
+  std::size_t points = 0;
+  std::size_t polylines = 0;
+  std::size_t labels = 0;
+};
+
+// What the Edit menu does in a window.
+enum class EditItem { Copy, Paste };
+
+// What the View menu of a bitmap window does.
+enum class ZoomItem { In, Out, OneToOne, OneToFive };
 
 // The toolkit-free side of a document window. The front end shows its drawing, scrolls it, and passes keys,
 // wheel and size changes on.
@@ -54,6 +68,22 @@ class WindowView {
   virtual bool OnKeyDown(int key, int repeatCount) = 0;
   virtual bool OnMouseWheel(int notches) = 0;
   virtual void OnSize(PixelSize clientArea) = 0;
+
+  // Pixels of the screen for one of the picture; 0 for a view that has no zoom of its own. The wheel then
+  // zooms, and dragging moves the picture.
+  virtual double GetZoom() const { return 0.0; }
+
+  // Zooms by whole steps, in for positive ones. What lies under `anchor`, a place in the client area, stays
+  // there as far as the picture reaches.
+  virtual void OnZoomSteps(int /*steps*/, PixelPoint /*anchor*/) {}
+
+  // The pointer is over this place of the content.
+  virtual void OnMouseMove(PixelPoint /*place*/) {}
+
+  // The items of the menu bar that belong to the view.
+  virtual bool IsEnabled(EditItem /*item*/) const { return false; }
+  virtual void OnEditItem(EditItem /*item*/) {}
+  virtual void OnZoomItem(ZoomItem /*item*/) {}
 };
 
 }  // namespace corvane

@@ -21,6 +21,9 @@ class Windows {
   // The view's drawing has changed: paint it anew; `atOnce` before this call returns.
   virtual void RepaintWindow(WindowView& view, bool atOnce) = 0;
 
+  // What lies over the view's picture has changed; its painting is asked for by RepaintWindow.
+  virtual void ShowOverlay(WindowView& view, const OverlayCounts& counts) = 0;
+
   // The view's scroll size, scroll position or title has changed.
   virtual void UpdateWindowFrame(WindowView& view) = 0;
 

@@ -6,6 +6,8 @@
 #include <filesystem>
 
 #include "FakeView.h"
+#include "shell/CorvaneApp.h"
+#include "shell/DibView.h"
 #include "support/GraphData.h"
 #include "support/Pixels.h"
 #include "support/TempFolder.h"
@@ -126,6 +128,63 @@ TEST_F(PictureBookTest, GraphThatCanNotBeMadeHasNoPicture) {
   GraphData graph;
   EXPECT_FALSE(book_.ShowGraph(a_, graph));
   EXPECT_TRUE(book_.Save().paths.empty());
+}
+
+// Bitmap windows, with what lies over them.
+class BitmapPictureTest : public testing::Test {
+ protected:
+  BitmapPictureTest() {
+    EXPECT_TRUE(book_.MakeFolder());
+    app_.InitInstance("");
+    view_ = &OpenBitmapWindow(app_.GetMainFrame(), MakeBlackDib(500, 400, 8), "a.lan");
+  }
+  ~BitmapPictureTest() override { app_.ExitInstance(); }
+
+  TempFolder folder_;
+  TestFrontEnd inner_;
+  PictureBook book_{inner_, "out"};
+  InstalledFrontEnd installed_{book_};
+  CCorvaneApp app_{{}, ""};
+  CDibView* view_ = nullptr;
+};
+
+TEST_F(BitmapPictureTest, HoldsTheBitmapAndItsOverlays) {
+  view_->m_points = {50, 60};
+  view_->m_polylines = {{0, 200, 499, 200}};
+  view_->m_labels = {{100, 120, "17"}};
+  ASSERT_EQ(book_.Save().paths, Paths{"out/01-a.lan.png"});
+  const QImage image("out/01-a.lan.png");
+  ASSERT_EQ(image.size(), QSize(500, 400));
+  EXPECT_EQ(image.pixel(0, 0), qRgb(0, 0, 0));
+  EXPECT_EQ(image.pixel(50, 60), qRgb(255, 0, 0)) << "a point";
+  EXPECT_EQ(image.pixel(53, 60), qRgb(255, 0, 0));
+  EXPECT_EQ(image.pixel(54, 60), qRgb(0, 0, 0));
+  EXPECT_GT(qGreen(image.pixel(250, 200)), 100) << "a polyline";
+  EXPECT_GT(qRed(image.pixel(105, 115)), 150) << "the ground of a label";
+  EXPECT_EQ(image.pixel(98, 115), qRgb(0, 0, 0));
+}
+
+TEST_F(BitmapPictureTest, ChangedOverlaysAreSavedAgain) {
+  book_.Save();
+  EXPECT_TRUE(book_.Save().paths.empty());
+  view_->m_points = {50, 60};
+  view_->Redraw();
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-a.lan.png"});
+  EXPECT_EQ(QImage("out/01-a.lan.png").pixel(50, 60), qRgb(255, 0, 0));
+}
+
+TEST_F(BitmapPictureTest, IsThatOfTheWholeBitmapAtAnyZoom) {
+  book_.Save();
+  const QImage before("out/01-a.lan.png");
+  view_->SetZoom(0, 8.0);
+  view_->SetScrollPosition({1000, 1000});
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-a.lan.png"});
+  EXPECT_EQ(QImage("out/01-a.lan.png"), before);
+}
+
+TEST_F(BitmapPictureTest, WindowWithoutABitmapHasNone) {
+  OpenBitmapWindow(app_.GetMainFrame(), {}, "empty");
+  EXPECT_EQ(book_.Save().paths, Paths{"out/01-a.lan.png"});
 }
 
 TEST(PictureFileName, HoldsWhatAFileNameCan) {

@@ -7,6 +7,7 @@
 
 #include "qt/ModalScript.h"
 #include "qt/Workbench.h"
+#include "shell/DibView.h"
 
 namespace corvane {
 
@@ -75,6 +76,35 @@ TEST(Menus, WithoutAWindowTheFrameMenusShow) {
             (Texts{"&New", "&Open", "P&rint Setup", "Recent File", "E&xit"}));
   EXPECT_EQ(TextsUnder(bench.window, "View"), (Texts{"&Toolbar", "&Status Bar", "StereoGram"}));
   EXPECT_EQ(TextsUnder(bench.window, "LiDAR"), (Texts{"Bare Earth"}));
+}
+
+TEST(Menus, BitmapWindowHasTheImageMenus) {
+  Workbench bench;
+  const Texts fileItems = TextsUnder(bench.window, "File");
+  OpenBitmapWindow(bench.app.GetMainFrame(), MakeBlackDib(4, 3, 8), "a.lan");
+  EXPECT_EQ(MenuTitles(bench.window), (Texts{"&File", "&Edit", "&View", "&Window", "&Help"}));
+  EXPECT_EQ(TextsUnder(bench.window, "File"), fileItems);
+  EXPECT_EQ(TextsUnder(bench.window, "Edit"), (Texts{"&Undo", "Cu&t", "&Copy", "&Paste"}));
+  EXPECT_EQ(TextsUnder(bench.window, "View"),
+            (Texts{"&Toolbar", "&Status Bar", "Zoom &In", "Zoom &Out", "Zoom 1:1", "Zoom 1:5"}));
+  EXPECT_EQ(TextsUnder(bench.window, "Window"),
+            (Texts{"&New Window", "&Cascade", "&Tile", "&Arrange Icons"}));
+  bench.Choose("Window > Next Pane");
+  EXPECT_EQ(MenuTitles(bench.window).size(), 11u);
+}
+
+// Numbers that the image menu shares with other commands.
+TEST(Menus, ZoomItemsShowThePromptsOfOtherCommands) {
+  Workbench bench;
+  const std::map<std::string, std::string> kPrompts = {
+      {"View > Zoom In", "Export a subset of points in user defined area."},
+      {"View > Zoom Out", "Create Epipolar Images from a Stereo Photo Pair."},
+      {"View > Zoom 1:1", ""},
+      {"View > Zoom 1:5", "Zoom in some times."},
+  };
+  for (const auto& [name, prompt] : kPrompts) {
+    EXPECT_EQ(bench.window.GetMenus().Find(name)->statusTip().toStdString(), prompt);
+  }
 }
 
 TEST(Menus, ChangeWithTheActiveWindow) {

@@ -27,7 +27,7 @@ class Workbench {
   // Opens a .tin file and dismisses the box about it.
   void Open(const std::string& path);
 
-  CCorvaneView& ActiveView() { return *app.GetMainFrame().GetActiveTinView(); }
+  CCorvaneView& ActiveView() { return *app.GetMainFrame().GetTinView(); }
   CViewWindow& ActiveWindow() { return *window.FindWindow(ActiveView()); }
   int WindowCount() const { return static_cast<int>(window_.GetArea().subWindowList().size()); }
 

@@ -274,7 +274,7 @@ TEST_F(ViewTest, PicturesOfOddExtentsHaveASize) {
                    TinBytes({{0, 0, 0, 1, 1}, {1, width, 0, 1, 1}, {2, width, height, 1, 1}}, {{0, 1, 2}}));
     CCorvaneApp odd{{}, ""};
     odd.InitInstance("odd.tin");
-    CCorvaneView& view = *odd.GetMainFrame().GetActiveTinView();
+    CCorvaneView& view = *odd.GetMainFrame().GetTinView();
     const PixelSize size = view.GetPictureSize();
     EXPECT_GE(size.width, 1);
     EXPECT_LE(size.width, 3001);

@@ -80,6 +80,11 @@ void TestFrontEnd::ActivateWindow(WindowView& view) {
 void TestFrontEnd::RepaintWindow(WindowView& view, bool) {
   events.push_back("repaint: " + view.GetTitle());
 }
+void TestFrontEnd::ShowOverlay(WindowView& view, const OverlayCounts& counts) {
+  events.push_back("overlay: " + view.GetTitle() + " " + std::to_string(counts.points) + " " +
+                   std::to_string(counts.polylines) + " " + std::to_string(counts.labels));
+}
+
 void TestFrontEnd::UpdateWindowFrame(WindowView&) {}
 bool TestFrontEnd::ShowGraph(WindowView&, const GraphView& graph) {
   events.push_back("show-graph: " + graph.GetTitle());
@@ -111,6 +116,18 @@ void TestFrontEnd::CommandEnded(const std::string& name, CommandResult result) {
 
 void TestFrontEnd::FileGiven(const FileChooser&, const std::string& path) {
   events.push_back("given: " + path);
+}
+
+void TestFrontEnd::PutBitmap(const std::vector<std::uint8_t>& dib) {
+  clipboard = dib;
+}
+
+bool TestFrontEnd::HasBitmap() {
+  return !clipboard.empty();
+}
+
+std::vector<std::uint8_t> TestFrontEnd::GetBitmap() {
+  return clipboard;
 }
 
 }  // namespace corvane

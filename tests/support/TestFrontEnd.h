@@ -22,11 +22,12 @@ class TestFrontEnd : public FrontEnd {
 
   // "message warning: text" ("message warning ok-cancel: text" with two buttons), "open: filter", "value:
   // title 1", "form: ParamInput", "status 0: text", "print: text", "trace: text", "open-window: title",
-  // "show-graph: title", "plot: element", "log: text", "command: name", "end: name done"
+  // "overlay: title 3 0 1", "show-graph: title", "plot: element", "log: text", "command: name", "end: name done"
   std::vector<std::string> events;
   std::vector<FileChooser> choosers;
   std::vector<Form> shownForms;
   int waitDepth = 0;
+  std::vector<std::uint8_t> clipboard;
   bool canMakeGraphs = true;
 
   // The recorded lines that begin with `prefix`.
@@ -45,6 +46,7 @@ class TestFrontEnd : public FrontEnd {
   void CloseWindow(WindowView& view) override;
   void ActivateWindow(WindowView& view) override;
   void RepaintWindow(WindowView& view, bool atOnce) override;
+  void ShowOverlay(WindowView& view, const OverlayCounts& counts) override;
   void UpdateWindowFrame(WindowView& view) override;
   bool ShowGraph(WindowView& view, const GraphView& graph) override;
   void PlotGraph(const GraphView& graph, int element) override;
@@ -55,6 +57,9 @@ class TestFrontEnd : public FrontEnd {
   void CommandStarted(const std::string& name) override;
   void CommandEnded(const std::string& name, CommandResult result) override;
   void FileGiven(const FileChooser& chooser, const std::string& path) override;
+  void PutBitmap(const std::vector<std::uint8_t>& dib) override;
+  bool HasBitmap() override;
+  std::vector<std::uint8_t> GetBitmap() override;
 
  private:
   InstalledFrontEnd installed_;

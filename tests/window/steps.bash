@@ -1,6 +1,35 @@
-# What run-window-test does and checks, step by step. Uses its $work, $pictures and $corvane.
+# What the tests of the window do and check, step by step.
 
 patience=20 # seconds before a step counts as failed
+
+# begin_session CORVANE CORVANE_CLI PICTURES: sets $corvane, $corvane_cli and $pictures, and goes to an empty
+# folder under $work, which ends with the test.
+begin_session() {
+  local tool
+  for tool in Xvfb openbox xdotool import convert identify; do
+    if ! command -v "$tool" >/dev/null; then
+      echo "skipped: $tool is not installed"
+      exit 77
+    fi
+  done
+  corvane=$(realpath "$1")
+  corvane_cli=$(realpath "$2")
+  mkdir -p "$3"
+  pictures=$(realpath "$3")
+  work=$(mktemp -d)
+  started=()
+  trap finish_session EXIT
+  export XDG_CONFIG_HOME="$work/config" XDG_RUNTIME_DIR="$work/runtime" HOME="$work"
+  export LC_ALL=C.UTF-8 QT_QPA_PLATFORM=xcb
+  mkdir -m 700 -p "$XDG_CONFIG_HOME" "$XDG_RUNTIME_DIR" "$work/data"
+  cd "$work/data"
+}
+
+finish_session() {
+  for process in "${started[@]}"; do kill "$process" 2>/dev/null || true; done
+  wait 2>/dev/null || true
+  rm -rf "$work"
+}
 
 fail() {
   echo "FAILED: $*" >&2
@@ -95,25 +124,30 @@ point_at() {
 }
 point_away() { point_at 1279 899; }
 wheel_forward() { xdotool click 4; }
+wheel_back() { xdotool click 5; }
 right_click() { xdotool click 3; }
 double_click() { xdotool click --repeat 2 --delay 60 1; }
 
-# right_drag X Y X Y: from one place on screen to another with the right button held.
-right_drag() {
-  point_at "$1" "$2"
-  xdotool mousedown 3
-  point_at "$3" "$4"
-  xdotool mouseup 3
+# drag BUTTON X Y X Y: from one place on screen to another with the button held.
+drag() {
+  point_at "$2" "$3"
+  xdotool mousedown "$1"
+  point_at "$4" "$5"
+  xdotool mouseup "$1"
 }
+right_drag() { drag 3 "$@"; }
 
 picture() {
   sleep 0.4
   import -window root "$pictures/$1.png"
 }
 
-red_pixels() {
-  convert "$pictures/$1.png" -fill black +opaque red -fill white -opaque red -format '%[fx:int(mean*w*h+0.5)]' info:
+# count_pixels PICTURE COLOUR: how many pixels have exactly that colour.
+count_pixels() {
+  convert "$pictures/$1.png" -fill black +opaque "$2" -fill white -opaque "$2" \
+    -format '%[fx:int(mean*w*h+0.5)]' info:
 }
+red_pixels() { count_pixels "$1" red; }
 signature() { identify -format '%#' "$pictures/$1.png"; }
 
 # expect_red PICTURE COUNT: at least that many pixels are the red of triangles.
@@ -125,7 +159,16 @@ expect_red() {
 expect_same_red() {
   [[ $(red_pixels "$1") == "$(red_pixels "$2")" ]] || fail "$1 and $2 show a different number of red pixels"
 }
+# expect_pixels PICTURE COLOUR LEAST MOST
+expect_pixels() {
+  local count
+  count=$(count_pixels "$1" "$2")
+  ((count >= $3 && count <= $4)) || fail "$1 shows $count pixels of $2 instead of $3 to $4"
+}
 expect_line() { [[ $(head -n 1 "$1") == "$2" ]] || fail "$1 does not begin with \"$2\""; }
+expect_same() {
+  [[ $(signature "$1") == "$(signature "$2")" ]] || fail "$1 and $2 show different things"
+}
 expect_other() {
   [[ $(signature "$1") != "$(signature "$2")" ]] || fail "$1 and $2 show the same"
 }
@@ -141,3 +184,22 @@ write_survey() {
       }
   }' >"$1"
 }
+
+# write_lan FILE WIDTH HEIGHT DRAWING...: an image of one band of bytes, drawn by `convert` on grey 80, and its
+# bytes alone as FILE.raw.
+write_lan() {
+  local file=$1 width=$2 height=$3
+  shift 3
+  convert -size "${width}x$height" 'xc:#505050' +antialias "$@" -depth 8 "gray:$file.raw"
+  {
+    printf 'HEAD74\0\0\1\0\0\0\0\0\0\0'
+    long_bytes "$width"
+    long_bytes "$height"
+    head -c 96 /dev/zero
+    printf '\0\0\x80\x3f\0\0\x80\xbf' # cells of 1 by -1
+    cat "$file.raw"
+  } >"$file"
+}
+
+# The four bytes of a whole number below 65536, the lowest first.
+long_bytes() { printf "$(printf '\\x%02x\\x%02x\\0\\0' $(($1 % 256)) $(($1 / 256)))"; }

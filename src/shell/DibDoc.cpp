@@ -1,0 +1,38 @@
+#include "shell/DibDoc.h"
+
+#include "dib/DibIo.h"
+#include "io/Paths.h"
+
+namespace corvane {
+
+void CDibDoc::SetDib(Dib dib) {
+  dib_ = std::move(dib);
+  size_ = {DibWidth(dib_), DibHeight(dib_)};
+  UpdateAllViews();
+}
+
+void CDibDoc::SetEmptySize(PixelSize size) {
+  dib_.clear();
+  size_ = size;
+  UpdateAllViews();
+}
+
+int CDibDoc::OnOpenDocument(const std::string& path) {
+  Dib dib;
+  const int status = ReadDib(path, dib);
+  SetDib(std::move(dib));
+  SetModifiedFlag(false);
+  return status == 1 ? 1 : -1;
+}
+
+int CDibDoc::OnSaveDocument(const std::string& path) {
+  if (WriteDib(dib_, path) != 1) return -1;
+  SetModifiedFlag(false);
+  return 1;
+}
+
+std::string CDibDoc::GetSuggestedName() const {
+  return FileTitle(GetTitle()) + ".bmp";
+}
+
+}  // namespace corvane
