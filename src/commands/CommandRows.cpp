@@ -1,7 +1,9 @@
 #include "commands/CommandRows.h"
 
+#include "commands/FeaturesMenu.h"
 #include "commands/FileMenu.h"
 #include "commands/FrameMenu.h"
+#include "commands/ImageMenu.h"
 #include "commands/NotBuilt.h"
 #include "commands/TinMenu.h"
 #include "commands/UtilitiesMenu.h"
@@ -22,11 +24,11 @@ const CommandRow kRows[] = {
     {Standard, "File", "&Save", "Save the active document", OnFileSave},
     {Standard, "File", "Save &As", "Save the active document with a new name", OnFileSaveAs},
 
-    {Working, "Features", "Points", "Detect prominent points based on contrast.", OnNotBuilt},
-    {Working, "Features", "Harris Corner", "Detect Harris Corner.", OnNotBuilt},
+    {Working, "Features", "Points", "Detect prominent points based on contrast.", OnPoints},
+    {Working, "Features", "Harris Corner", "Detect Harris Corner.", OnHarrisCorner},
     {Working, "Features", "Canny Edge", "Extracr Canny egde", {}},
-    {Working, "Features", "Structural Feature", "Extract and describe feature structurally", OnNotBuilt},
-    {Working, "Features", "Spiral Descriptor", "Spiral arranged pixel value descriptor (by Tavrin)", OnNotBuilt},
+    {Working, "Features", "Structural Feature", "Extract and describe feature structurally", OnStructuralFeature},
+    {Working, "Features", "Spiral Descriptor", "Spiral arranged pixel value descriptor (by Tavrin)", OnSpiralDescriptor},
     {Working, "Matching", "Create Epipolar Images", "Create Epipolar Images from a Stereo Photo Pair.", OnNotBuilt},
     {Working, "Matching > Exams", "Check Plate", "Check the plate orientation, ect.", OnNotBuilt},
     {Working, "Matching > Exams", "Entropy Map", "Calculate the entropy map for the image.", OnNotBuilt},
@@ -91,20 +93,20 @@ const CommandRow kRows[] = {
     {Working, "Image", "Space Resection", "Single Aerial Photo Space Resection.", OnNotBuilt},
     {Working, "Image", "Bundle Adjustment", "Do Bundle Adjustment.", OnNotBuilt},
     {Working, "Image", "Create Orthophoto", "Create ortho photo.", OnNotBuilt},
-    {Working, "Image", "Histogram", "Create hostogram for image.", OnNotBuilt},
-    {Working, "Image", "ISODATA", "Do ISODATA classification (my own fast implement).", OnNotBuilt},
-    {Working, "Image", "Wavelet Transform", "Conduct one level 1-D wavelet decomposition/reconstruction(For Alg. Test).", OnNotBuilt},
-    {Working, "Image", "Segmention", "Segment Classified Image Using Graph Cut.", OnNotBuilt},
+    {Working, "Image", "Histogram", "Create hostogram for image.", OnImageHistogram},
+    {Working, "Image", "ISODATA", "Do ISODATA classification (my own fast implement).", OnIsodata},
+    {Working, "Image", "Wavelet Transform", "Conduct one level 1-D wavelet decomposition/reconstruction(For Alg. Test).", OnWaveletTransform},
+    {Working, "Image", "Segmention", "Segment Classified Image Using Graph Cut.", OnSegmention},
     {Working, "Image", "Vectorization", "Vectorize the classified image.", OnNotBuilt},
     {Working, "Image", "Shape Analysis", "Analyze the shape of vectorized segments.", OnNotBuilt},
     {Working, "Image", "Shape Analysis (Test)", "", OnNotBuilt},
-    {Working, "Image", "Zero Crossing", "Apply Zero Crossing to Image.", OnNotBuilt},
-    {Working, "Image", "Gaussian Smooth", "Gaussian smooth with given sigma.", OnNotBuilt},
-    {Working, "Image", "Gradient Image", "Create gradient image.", OnNotBuilt},
-    {Working, "Image", "Image Profile", "Draw image profile along row or column.", OnNotBuilt},
-    {Working, "Image", "Show Image", "Display an image.", OnNotBuilt},
+    {Working, "Image", "Zero Crossing", "Apply Zero Crossing to Image.", OnZeroCrossing},
+    {Working, "Image", "Gaussian Smooth", "Gaussian smooth with given sigma.", OnGaussianSmooth},
+    {Working, "Image", "Gradient Image", "Create gradient image.", OnGradientImage},
+    {Working, "Image", "Image Profile", "Draw image profile along row or column.", OnImageProfile},
+    {Working, "Image", "Show Image", "Display an image.", OnShowImage},
     {Working, "Image", "Show Vector", "Display the vector (polygons).", OnNotBuilt},
-    {Working, "Image", "Show Points", "Display points (on image)", OnNotBuilt},
+    {Working, "Image", "Show Points", "Display points (on image)", OnShowPoints},
     {Working, "Image", "I/O Test", "", OnImageIoTest},
     {Working, "Vector", "Douglas Poly Simplify", "", OnNotBuilt},
     {Working, "Vector", "Rectangular Fitting", "Fit polygons with rectangles.", OnNotBuilt},
@@ -143,7 +145,7 @@ const CommandRow kRows[] = {
     {Working, "Utilities", "View/Change Points Head", "View points file header and change spacing size.", OnPointsHead},
     {Working, "Utilities", "Test", "This menu is dedicated for function test.", OnTest},
 
-    {Frame, "View", "StereoGram", "Create a random dots stereogram from a depth image.", OnFrameNotBuilt},
+    {Frame, "View", "StereoGram", "Create a random dots stereogram from a depth image.", OnStereoGram},
     {Frame, "LiDAR", "Bare Earth", "Extract Bare Earth from Raw LiDAR Data.", OnBareEarth},
 
     {None, "", "", "Matching based on a grid on ground.", OnNotBuilt},  // shares the handler of "Ground-Based Matching"

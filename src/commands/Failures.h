@@ -23,6 +23,10 @@ inline CommandResult FailToOpen(const std::string& path) {
   return FailWithWarning(OpenErrorText(path));
 }
 
+inline CommandResult FailToOpenPoints(const std::string& path) {
+  return FailWithWarning("Open point file " + path + " error!");
+}
+
 // A reason, if there is one, stands in a second line.
 inline CommandResult FailToWrite(const std::string& path, const std::string& reason = "") {
   return FailWithWarning(WriteErrorText(path) + (reason.empty() ? "" : "\n" + reason));

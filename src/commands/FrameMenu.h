@@ -9,4 +9,7 @@ namespace corvane {
 // Kept: the item is enabled and does nothing.
 CommandResult OnBareEarth(CMainFrame& frame);
 
+// Makes a random-dot stereogram of a depth image.
+CommandResult OnStereoGram(CMainFrame& frame);
+
 }  // namespace corvane

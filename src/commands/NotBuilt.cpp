@@ -2,21 +2,9 @@
 
 namespace corvane {
 
-namespace {
-
-CommandResult ShowNotBuilt() {
+CommandResult OnNotBuilt(CCorvaneView&) {
   ShowMessage("This command is not built yet.");
   return CommandResult::Failed;
-}
-
-}  // namespace
-
-CommandResult OnNotBuilt(CCorvaneView&) {
-  return ShowNotBuilt();
-}
-
-CommandResult OnFrameNotBuilt(CMainFrame&) {
-  return ShowNotBuilt();
 }
 
 }  // namespace corvane

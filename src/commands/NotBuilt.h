@@ -6,6 +6,5 @@ namespace corvane {
 
 // Commands that are on the menu before they can do their work: one plain box, and the command has failed.
 CommandResult OnNotBuilt(CCorvaneView& view);
-CommandResult OnFrameNotBuilt(CMainFrame& frame);
 
 }  // namespace corvane

@@ -21,7 +21,7 @@ CommandResult OnPointValueHistogram(CCorvaneView& view) {
   if (!path) return CommandResult::Cancelled;
   WaitCursor wait;
   TINPoints points;
-  if (points.ReadText(*path) < 1) return FailWithWarning("Open point file " + *path + " error!");
+  if (points.ReadText(*path) < 1) return FailToOpenPoints(*path);
   points.RecalcExtent();
   points.BuildIndex(5.0);  // Kept: only to warn of points that make no grid
   wait.End();

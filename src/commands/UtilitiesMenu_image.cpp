@@ -16,7 +16,6 @@ namespace corvane {
 
 namespace {
 
-constexpr const char* kImageFilter = "Image Files (*.lan)|*.lan|All Files (*.*)|*.*|";
 constexpr auto kSave = FileChooser::Mode::Save;
 
 const FileChooser kOpenForeign{
@@ -28,9 +27,7 @@ const FileChooser kSavePart{.mode = kSave, .filter = kImageFilter, .title = "Cho
 const FileChooser kSavePartText{.mode = kSave,
                                 .filter = "Text Files (*.txt)|*.txt|All Files (*.*)|*.*|",
                                 .title = "Choose the file to save to"};
-const FileChooser kOpenImage{.filter = kImageFilter, .title = "Choose an Image."};
 const FileChooser kSaveImage{.mode = kSave, .filter = kImageFilter, .title = "Choose an Image."};
-const FileChooser kOpenTestImage{.filter = kImageFilter, .title = "Choose a Image."};
 
 // Why a grid of raw floats could not be read, as ReadFloatGrid says.
 std::string NoFloatGridText(int status, const std::string& path, const ErdasImg& image) {
@@ -96,7 +93,7 @@ CommandResult OnSubsetToText(CCorvaneView&) {
 }
 
 CommandResult OnSampleImage(CCorvaneView&) {
-  const auto path = ChooseFile(kOpenImage);
+  const auto path = ChooseFile(kOpenAnImage);
   if (!path) return CommandResult::Cancelled;
   ValueInput factor{.value = 2.0};
   if (!factor.Ask()) return CommandResult::Cancelled;
@@ -114,7 +111,7 @@ CommandResult OnSampleImage(CCorvaneView&) {
 }
 
 CommandResult OnScalePixelValue(CCorvaneView&) {
-  const auto path = ChooseFile(kOpenImage);
+  const auto path = ChooseFile(kOpenAnImage);
   if (!path) return CommandResult::Cancelled;
   ValueInput factor{.title = "Input the scale factor", .value = 2.0};
   if (!factor.Ask()) return CommandResult::Cancelled;
@@ -132,7 +129,7 @@ CommandResult OnScalePixelValue(CCorvaneView&) {
 }
 
 CommandResult OnDifferenceImage(CCorvaneView&) {
-  const auto paths = ChooseInOrder({kOpenImage, kOpenImage, kSaveImage});
+  const auto paths = ChooseInOrder({kOpenAnImage, kOpenAnImage, kSaveImage});
   if (!paths) return CommandResult::Cancelled;
   WaitCursor wait;
   ErdasImg first;
@@ -147,7 +144,7 @@ CommandResult OnDifferenceImage(CCorvaneView&) {
 }
 
 CommandResult OnImageIoTest(CCorvaneView&) {
-  const auto path = ChooseFile(kOpenTestImage);
+  const auto path = ChooseFile(kOpenAImage);
   if (!path) return CommandResult::Cancelled;
   WaitCursor wait;
   ErdasImg image;

@@ -32,7 +32,7 @@ class CommandsTest : public testing::Test {
     return app.RunCommand(*row);
   }
 
-  CCorvaneDoc& Document() { return app.GetMainFrame().GetActiveTinView()->GetDocument(); }
+  CCorvaneDoc& Document() { return app.GetMainFrame().GetTinView()->GetDocument(); }
 
   // The names of the files in the current folder, sorted.
   static std::vector<std::string> Files() {

@@ -112,7 +112,7 @@ TEST_F(CompareTest, TinIsLoadedWithPaintingOffAndNamesTheDocument) {
   ui.files = {{"t.tin"}};
   AcceptForm();
   EXPECT_EQ(Compare(), CommandResult::Done);
-  EXPECT_FALSE(app.GetMainFrame().GetActiveTinView()->paintEnabled);
+  EXPECT_FALSE(app.GetMainFrame().GetTinView()->paintEnabled);
   EXPECT_EQ(Document().GetPathName(), "t.tin");
   EXPECT_FALSE(Document().IsModified());
 }

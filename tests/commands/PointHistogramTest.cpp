@@ -16,7 +16,7 @@ TEST_F(PointUtilitiesTest, HistogramIsPlotted) {
   ASSERT_EQ(ui.choosers.size(), 1u);
   ExpectChooser(0, kOpen, "Points Files (*.txt)|*.txt|Log Files (*.log)|*.log|All Files (*.*)|*.*|", "");
   EXPECT_THAT(ui.EventsWith("value"), ElementsAre("value: Please input the histogram bin interval 0.05"));
-  const auto elements = app.GetMainFrame().GetActiveTinView()->graph.GetElements();
+  const auto elements = app.GetMainFrame().GetTinView()->graph.GetElements();
   ASSERT_EQ(elements.size(), 1u);
   EXPECT_THAT(elements[0].points, ElementsAre(GraphPoint{0.25, 3}, GraphPoint{0.75, 0}, GraphPoint{1.25, 1}));
   EXPECT_THAT(ui.EventsWith("show-graph"), ElementsAre("show-graph: Data Graph"));
@@ -27,7 +27,7 @@ TEST_F(PointUtilitiesTest, HistogramGoesOnAfterCancelWithTheIntervalShown) {
   WriteFileBytes("v.txt", "1 0 0 0\n2 1 1 0.125\n");
   ui.files = {{"v.txt"}};
   EXPECT_EQ(Run("Point Value Histgram"), CommandResult::Done);
-  const auto elements = app.GetMainFrame().GetActiveTinView()->graph.GetElements();
+  const auto elements = app.GetMainFrame().GetTinView()->graph.GetElements();
   ASSERT_EQ(elements.size(), 1u);
   EXPECT_THAT(elements[0].points, ElementsAre(GraphPoint{0, 1}, GraphPoint{0.05, 0}, GraphPoint{0.1, 1}));
 }
@@ -57,7 +57,7 @@ TEST_F(PointUtilitiesTest, HistogramWarnsOfPointsThatMakeNoGridAndGoesOn) {
   ui.files = {{"v.txt"}};
   EXPECT_EQ(Run("Point Value Histgram"), CommandResult::Done);
   EXPECT_THAT(Messages(), ElementsAre(kExtensionBox));
-  EXPECT_EQ(app.GetMainFrame().GetActiveTinView()->graph.GetElementCount(), 1);
+  EXPECT_EQ(app.GetMainFrame().GetTinView()->graph.GetElementCount(), 1);
 }
 
 TEST_F(PointUtilitiesTest, HistogramTellsOfLinesWithoutAnId) {

@@ -268,7 +268,7 @@ TEST_F(TinCommandsTest, ZHistogramGoesToTheGraph) {
   EXPECT_THAT(ui.EventsWith("show-graph"), ElementsAre("show-graph: Data Graph"));
   EXPECT_THAT(ui.EventsWith("plot"), ElementsAre("plot: 0"));
   EXPECT_THAT(ui.EventsWith("message"), IsEmpty());
-  const auto& points = app.GetMainFrame().GetActiveTinView()->graph.GetElements()[0].points;
+  const auto& points = app.GetMainFrame().GetTinView()->graph.GetElements()[0].points;
   ASSERT_EQ(points.size(), 76u);  // from 0.5 to 8 in steps of 0.1
   EXPECT_EQ(points.front(), (GraphPoint{0.5, 1.0}));
   EXPECT_EQ(points.back().y, 1.0);

@@ -153,7 +153,7 @@ TEST_F(TinExportTest, TinToShapeOnAnEmptyDocumentAsksReadsAndWrites) {
   EXPECT_EQ(ReadFileBytes("net.shp").size(), 100u + 2 * 120);
   EXPECT_FALSE(Document().GetTIN().IsStored());
   EXPECT_EQ(Document().GetTitle(), "a.tin");
-  EXPECT_FALSE(app.GetMainFrame().GetActiveTinView()->paintEnabled);
+  EXPECT_FALSE(app.GetMainFrame().GetTinView()->paintEnabled);
 }
 
 TEST_F(TinExportTest, TinToShapeGivesTheSameFileFromAStoredTin) {
