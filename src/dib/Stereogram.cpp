@@ -8,9 +8,9 @@ namespace corvane {
 
 namespace {
 
-constexpr int kDeepest = 255;          // greatest depth value
-constexpr double kInverseMu = 3.0;     // depth of the scene: 1 / 3 of the viewing distance
-constexpr int kDotsPerStep = 90;       // dots for a step of one third of the eyes' distance
+constexpr int kDeepest = 255;                     // greatest depth value
+constexpr double kInverseMu = 3.0;                // depth of the scene: 1 / 3 of the viewing distance
+constexpr int kDotsPerStep = 90;                  // dots for a step of one third of the eyes' distance
 constexpr int kEyeSeparation = 3 * kDotsPerStep;  // dots
 
 // The distance from the far plane at twice the viewing distance, in depth values.
