@@ -17,7 +17,7 @@ try:
 except ImportError:
     sys.exit("opencv_filters.py: python3-opencv is not installed; scripts/setup bench installs it")
 
-RUNS = 9
+RUNS = 15
 REPLICATE = cv2.BORDER_REPLICATE
 SMOOTH_SIGMA = 2.0
 CROSSING_SIGMA = 3.0

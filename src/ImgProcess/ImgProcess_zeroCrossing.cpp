@@ -37,10 +37,11 @@ struct ThreeRows {
 }
 
 [[gnu::always_inline]] inline bool IsCrossedZero(const ThreeRows& rows, double threshold, std::ptrdiff_t i) {
-  return (rows.centre[i + 1] == 0.0) & (LiesBetween(rows.above[i], rows.below[i + 2], threshold) |
-                                        LiesBetween(rows.above[i + 1], rows.below[i + 1], threshold) |
-                                        LiesBetween(rows.above[i + 2], rows.below[i], threshold) |
-                                        LiesBetween(rows.centre[i], rows.centre[i + 2], threshold));
+  const bool falling = LiesBetween(rows.above[i], rows.below[i + 2], threshold);
+  const bool upright = LiesBetween(rows.above[i + 1], rows.below[i + 1], threshold);
+  const bool rising = LiesBetween(rows.above[i + 2], rows.below[i], threshold);
+  const bool level = LiesBetween(rows.centre[i], rows.centre[i + 2], threshold);
+  return (rows.centre[i + 1] == 0.0) & (falling | upright | rising | level);
 }
 
 [[gnu::always_inline]] inline bool IsCrossedAbove(const ThreeRows& rows, double threshold, std::ptrdiff_t i) {
@@ -63,7 +64,7 @@ struct MarkKernel {
                                                 std::uint8_t* __restrict marks, std::ptrdiff_t n) {
     for (std::ptrdiff_t i = 0; i < n; ++i) {
       bool isMarked = IsCrossedAbove(rows, threshold, i);
-      if constexpr (withZeros) isMarked = isMarked | IsCrossedZero(rows, threshold, i);
+      if constexpr (withZeros) isMarked |= IsCrossedZero(rows, threshold, i);
       marks[i] = isMarked ? kMark : 0;
     }
   }

@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* kAboutText = "Corvane Version 1.0";
 
-constexpr int kHelpWidth = 620;  // pixels
+constexpr int kHelpWidth = 660;  // pixels
 constexpr const char* kHelpText =
     "<p>The user's guide stands in the folder <b>docs</b> of Corvane's sources. The status bar tells what "
     "each "
@@ -42,8 +42,9 @@ constexpr const char* kHelpText =
     "<tr><td>wheel</td><td>zoom around the pointer</td></tr>"
     "<tr><td>+, -, Ctrl + 1</td><td>zoom around the centre, back to 1:1</td></tr>"
     "<tr><td>drag with the left or middle button</td><td>pan</td></tr>"
-    "<tr><td>arrows, Page Up, Page Down, Shift + wheel</td><td>scroll; with polylines shown the arrows move "
-    "the first one's first point</td></tr>"
+    "<tr><td>arrows, Page Up, Page Down</td><td>scroll; over polylines the arrows move the "
+    "first one's start</td></tr>"
+    "<tr><td>Shift + wheel</td><td>scroll sideways</td></tr>"
     "<tr><td>Home, End</td><td>to the top left, to the bottom right</td></tr>"
     "<tr><td>L</td><td>show or hide labels</td></tr>"
     "<tr><td>Ctrl + C, Ctrl + V</td><td>copy the image, paste another in its place</td></tr>"

@@ -1,10 +1,14 @@
-// Harris corners: the response, the points, and prominent pixels.
+// The response for Harris corners, in memory and through files, and the corners that come of it.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <random>
 
@@ -335,6 +339,39 @@ TEST_F(CornersTest, AFileThatDoesNotReadBackIsTold) {
   EXPECT_THAT(Files(), IsEmpty());
 }
 
+// The status that a process ends with which has so much memory left for a response of 16 MB.
+[[noreturn]] void RespondWithin(std::size_t spareBytes, const ErdasImg& image) {
+  std::ifstream statm("/proc/self/statm");
+  std::size_t nPages = 0;
+  statm >> nPages;
+  const rlim_t most = nPages * static_cast<std::size_t>(getpagesize()) + spareBytes;
+  const rlimit limit = {most, most};
+  setrlimit(RLIMIT_AS, &limit);
+  ResultImage response;
+  _exit(-ImgProcess().CornerResponseFromFiles(image, response, {}) + 10);
+}
+
+TEST_F(CornersTest, FilesNeedNoMemoryButForTheResponse) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer needs memory of its own";
+#endif
+  ErdasImg image = ImageOf(kPackByte, 2000, 2000);
+  image.SetFileName("photo.lan");
+  EXPECT_EXIT(RespondWithin(std::size_t{20} << 20, image), testing::ExitedWithCode(9), "");
+  EXPECT_EXIT(RespondWithin(std::size_t{10} << 20, image), testing::ExitedWithCode(12), "");
+  EXPECT_THAT(Files(), IsEmpty());
+}
+
+TEST_F(CornersTest, AResponseOf500MiBGoesThroughFiles) {
+  ErdasImg image = ImageOf(kPackByte, 12800, 10240);
+  ASSERT_EQ(4 * image.GetImageBytes(), 524288000);
+  image.SetFileName("photo.lan");
+  std::filesystem::create_directory("photo_GradX.lan");  // in the way
+  std::vector<Point2> points;
+  EXPECT_EQ(process.HarrisCorners(image, points, {}), -3);
+  EXPECT_THAT(ui.events, ElementsAre("message warning: Write file photo_GradX.lan error!"));
+}
+
 // Corners
 
 TEST_F(CornersTest, TheCornersOfAChessboardAreItsCrossings) {
@@ -382,138 +419,6 @@ TEST_F(CornersTest, AFlatAreaHasNoCorners) {
   std::vector<Point2> points;
   EXPECT_EQ(process.HarrisCorners(image, points, {.threshold = -1e9}), 1);
   EXPECT_THAT(points, IsEmpty());
-}
-
-// Local maxima
-
-TEST_F(CornersTest, EqualNeighboursAreNoCorners) {
-  ErdasImg response = ImageOf(kPackFloat, 5, 1);
-  for (const auto& [col, value] : std::vector<std::pair<int, double>>{{0, 3}, {1, 3}, {3, 2}}) {
-    response.SetPixel(0, 0, col, value);
-  }
-  std::vector<Point2> points;
-  process.ExtractCorners(response, {.threshold = 0}, points);
-  EXPECT_THAT(points, ElementsAre(Point2{3, 0}));
-}
-
-TEST_F(CornersTest, AResponseEqualToTheThresholdIsNoCorner) {
-  ErdasImg response = ImageOf(kPackFloat, 3, 3);
-  response.SetPixel(0, 1, 1, 1200);
-  std::vector<Point2> points;
-  process.ExtractCorners(response, {.threshold = 1200}, points);
-  EXPECT_THAT(points, IsEmpty());
-  process.ExtractCorners(response, {.threshold = std::nextafter(1200.0, 0.0)}, points);
-  EXPECT_THAT(points, ElementsAre(Point2{1, 1}));
-}
-
-TEST_F(CornersTest, PixelsAtTheEdgeHaveTheNeighboursWithinTheImage) {
-  ErdasImg response = ImageOf(kPackFloat, 7, 5);
-  for (const auto& [row, col] :
-       std::vector<std::pair<int, int>>{{0, 0}, {0, 3}, {0, 6}, {2, 0}, {2, 6}, {4, 0}, {4, 6}}) {
-    response.SetPixel(0, row, col, 9);
-  }
-  std::vector<Point2> points;
-  process.ExtractCorners(response, {.threshold = 0}, points);
-  EXPECT_THAT(points, ElementsAre(Point2{0, 0}, Point2{3, 0}, Point2{6, 0}, Point2{0, 2}, Point2{6, 2},
-                                  Point2{0, 4}, Point2{6, 4}));
-}
-
-TEST_F(CornersTest, CornersAreThoseOfIsLocalMaxPixelByPixel) {
-  std::mt19937 random(3);
-  const double values[] = {-kInfinity, -1.5, 0.0, 0.1, 0.5, 1.0, 1.25, 2.0, kInfinity, kNan};
-  for (const std::uint16_t pack : {kPackFloat, kPackDouble, kPackByte, kPackInt16}) {
-    for (const auto& [cols, rows] : std::vector<std::pair<int, int>>{
-             {1, 1}, {1, 20}, {20, 1}, {2, 2}, {3, 3}, {17, 9}, {64, 20}, {66, 5}, {131, 31}}) {
-      ErdasImg response = ImageOf(pack, cols, rows);
-      for (std::int32_t i = 0; i < cols * rows; ++i)
-        response.SetPixel(0, i / cols, i % cols, values[random() % 10]);
-      for (const double threshold : {-kInfinity, -2.0, 0.1, 0.5, 1e300, kInfinity, kNan}) {
-        std::vector<Point2> expected;
-        for (std::int32_t i = 0; i < cols * rows; ++i) {
-          double value = 0.0;
-          response.GetPixel(0, i / cols, i % cols, value);
-          if (value > threshold && response.IsLocalMax(0, i / cols, i % cols))
-            expected.push_back({1.0 * (i % cols), 1.0 * (i / cols)});
-        }
-        for (const SimdVersion version : AvailableSimdVersions()) {
-          const ForcedSimdVersion forced(version);
-          std::vector<Point2> points;
-          process.ExtractCorners(response, {.threshold = threshold}, points);
-          EXPECT_EQ(points, expected) << pack << " " << cols << " " << rows << " " << threshold;
-        }
-      }
-    }
-  }
-}
-
-TEST_F(CornersTest, AResponseWithoutPixelsHasNoCorners) {
-  ErdasImg empty;
-  empty.GetHeader()->packType = kPackFloat;
-  std::vector<Point2> points(2);
-  process.ExtractCorners(empty, {.threshold = -1}, points);
-  empty.SetSize(-5, 3);
-  process.ExtractCorners(empty, {.threshold = -1}, points);
-  EXPECT_THAT(points, IsEmpty());
-}
-
-// Prominent pixels
-
-TEST_F(CornersTest, ProminentPixelsAreThoseOfIsProminent) {
-  ErdasImg image = ImageOf(kPackByte, 150, 40);
-  std::mt19937 random(4);
-  for (std::int32_t i = 0; i < 150 * 40; ++i) {
-    image.GetBands()[0][i] = static_cast<std::uint8_t>(i % 150 < 50    ? random() % 3
-                                                       : i % 150 < 100 ? 150 + random() % 60
-                                                                       : random());
-  }
-  for (const double threshold : {0.3, 0.0, 0.25, 0.99, 1.0, -0.5, -2.0, kNan, kInfinity}) {
-    std::vector<double> expected = {-1.0};
-    for (std::int32_t row = 1; row < 39; ++row) {
-      for (std::int32_t col = 1; col < 149; ++col) {
-        if (image.IsProminent(col, row, threshold) > 0)
-          expected.insert(expected.end(), {1.0 * col, 1.0 * row});
-      }
-    }
-    for (const SimdVersion version : AvailableSimdVersions()) {
-      const ForcedSimdVersion forced(version);
-      std::vector<double> places = {-1.0};
-      process.ProminentPixels(image, threshold, places);
-      EXPECT_EQ(places, expected) << threshold;
-    }
-  }
-}
-
-TEST_F(CornersTest, ABlackAreaHasNoProminentPixels) {
-  ErdasImg image = ImageOf(kPackByte, 9, 9);
-  EXPECT_EQ(image.IsProminent(4, 4, 0.3), 0);
-  std::vector<double> places;
-  process.ProminentPixels(image, 0.3, places);
-  EXPECT_THAT(places, IsEmpty());
-}
-
-TEST_F(CornersTest, TheOutermostRingHasNoProminentPixels) {
-  ErdasImg image = ImageOf(kPackByte, 3, 3);
-  image.SetPixel(0, 0, 0, 200);
-  std::vector<double> places;
-  process.ProminentPixels(image, 0.3, places);
-  EXPECT_THAT(places, ElementsAre(1, 1));
-  ErdasImg small = ImageOf(kPackByte, 2, 9);
-  process.ProminentPixels(small, 0.3, places);
-  EXPECT_THAT(places, ElementsAre(1, 1));
-}
-
-TEST_F(CornersTest, ProminentPixelsOfABandThatIsTooShort) {
-  ErdasImg image = ImageOf(kPackByte, 9, 4);
-  image.Fill(90);
-  image.SetSize(9, 9);
-  std::vector<double> places;
-  process.ProminentPixels(image, 0.3, places);
-  EXPECT_THAT(places, ElementsAre(1, 3, 2, 3, 3, 3, 4, 3, 5, 3, 6, 3, 7, 3, 1, 4, 2, 4, 3, 4, 4, 4, 5, 4, 6,
-                                  4, 7, 4));
-  ErdasImg empty;
-  places.clear();
-  process.ProminentPixels(empty, 0.3, places);
-  EXPECT_THAT(places, IsEmpty());
 }
 
 }  // namespace

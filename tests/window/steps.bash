@@ -202,4 +202,4 @@ write_lan() {
 }
 
 # The four bytes of a whole number below 65536, the lowest first.
-long_bytes() { printf "$(printf '\\x%02x\\x%02x\\0\\0' $(($1 % 256)) $(($1 / 256)))"; }
+long_bytes() { printf '%b' "$(printf '\\x%02x\\x%02x\\0\\0' $(($1 % 256)) $(($1 / 256)))"; }
