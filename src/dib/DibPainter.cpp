@@ -7,18 +7,68 @@ namespace corvane {
 
 namespace {
 
-std::uint8_t Mean(unsigned a, unsigned b, unsigned c, unsigned d) {
-  return static_cast<std::uint8_t>((a + b + c + d + 2) / 4);
+constexpr std::uint32_t kWhole = 256;  // what the weights of a mean add up to
+
+// The samples whose mean a pixel of the content shows, along one axis: up to three, from `first` on.
+struct Taps {
+  std::int32_t first = 0;
+  std::array<std::uint32_t, 3> weights{};
+};
+
+// Of the pixels from `from` to before `to`, each of which covers 1 / scale samples, less than two.
+std::vector<Taps> TapsOfAxis(std::int64_t from, std::int64_t to, double scale, std::int32_t nSamples) {
+  std::vector<Taps> axis(static_cast<std::size_t>(to - from));
+  for (std::size_t i = 0; i < axis.size(); ++i) {
+    const double left = static_cast<double>(from + static_cast<std::int64_t>(i)) / scale;
+    const double right = std::min(left + 1.0 / scale, static_cast<double>(nSamples));
+    Taps& taps = axis[i];
+    taps.first = std::min(static_cast<std::int32_t>(left), nSamples - 1);
+    std::uint32_t rest = kWhole;
+    for (std::size_t j = 2; j > 0; --j) {
+      const double start = taps.first + static_cast<double>(j);
+      const double covered = std::clamp(right - start, 0.0, 1.0);
+      taps.weights[j] = std::min(rest, static_cast<std::uint32_t>(covered / (right - left) * kWhole + 0.5));
+      rest -= taps.weights[j];
+    }
+    taps.weights[0] = rest;
+  }
+  return axis;
 }
 
-bool IsGrey(const Dib& dib, const DibColours& colours) {
-  if (DibBitCount(dib) != 8) return false;
-  for (int i = 0; i < 256; ++i) {
-    const auto index = static_cast<std::uint8_t>(i);
-    const std::uint32_t colour = colours.Get({&index, 1}, 0);
-    if (colour != (colour & 255) * 0x010101u) return false;
+// The means of two by two samples. The last column of an odd number counts twice.
+void HalveRows(const std::uint8_t* top, const std::uint8_t* bottom, std::int32_t nCols,
+               std::int32_t nChannels, std::uint8_t* to) {
+  const auto mean = [&](std::ptrdiff_t a, std::ptrdiff_t b) {
+    return static_cast<std::uint8_t>((top[a] + top[b] + bottom[a] + bottom[b] + 2) / 4);
+  };
+  const std::ptrdiff_t n = nChannels;
+  for (std::int32_t col = 0; col < nCols / 2; ++col) {
+    for (std::ptrdiff_t i = 0; i < n; ++i) *to++ = mean(2 * col * n + i, (2 * col + 1) * n + i);
   }
-  return true;
+  if (nCols % 2 == 0) return;
+  for (std::ptrdiff_t i = (nCols - 1) * n; i < nCols * n; ++i) *to++ = mean(i, i);
+}
+
+// Adds `weight` times the means along a row of samples, which begin with sample `firstCol`.
+void AddRow(const std::uint8_t* samples, std::int32_t firstCol, const std::vector<Taps>& cols,
+            std::int32_t nChannels, std::uint32_t weight, std::vector<std::uint32_t>& sums) {
+  std::uint32_t* sum = sums.data();
+  for (const Taps& taps : cols) {
+    const std::uint8_t* at = samples + static_cast<std::ptrdiff_t>(taps.first - firstCol) * nChannels;
+    for (std::int32_t i = 0; i < nChannels; ++i, ++at) {
+      *sum++ += weight * (at[0] * taps.weights[0] + at[nChannels] * taps.weights[1] +
+                          at[2 * nChannels] * taps.weights[2]);
+    }
+  }
+}
+
+std::uint32_t Rounded(std::uint32_t sum) {
+  return (sum + kWhole * kWhole / 2) / (kWhole * kWhole);
+}
+
+std::int32_t Halved(std::int32_t size, int times) {
+  for (; times > 0; --times) size = (size + 1) / 2;
+  return size;
 }
 
 // The content that `size` pixels of the bitmap cover.
@@ -26,36 +76,29 @@ std::int64_t Covered(std::int32_t size, double zoom) {
   return static_cast<std::int64_t>(std::ceil(size * zoom));
 }
 
-// Where each place of a row of the content is sampled: between sample `index` and the next one, by `weight`
-// / 256.
-struct Sample {
-  std::int32_t index = 0;
-  std::uint32_t weight = 0;
-};
-
-// Places are pixels of the content from `from` on, `scale` of them a sample; samples stand at the middle of
-// what they cover. The edge samples reach outwards.
-std::vector<Sample> SampleAxis(std::int64_t from, std::int64_t to, double scale, std::int32_t nSamples) {
-  std::vector<Sample> samples(static_cast<std::size_t>(to - from));
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    const double at = std::clamp((static_cast<double>(from) + static_cast<double>(i) + 0.5) / scale - 0.5,
-                                 0.0, nSamples - 1.0);
-    samples[i].index = std::min(static_cast<std::int32_t>(at), std::max(nSamples - 2, 0));
-    samples[i].weight = static_cast<std::uint32_t>((at - samples[i].index) * 256.0 + 0.5);
-  }
-  return samples;
-}
-
 }  // namespace
 
 DibPainter::DibPainter(const Dib& dib)
-    : dib_(dib), colours_(dib), nChannels_(IsGrey(dib, colours_) ? 1 : 3) {}
+    : dib_(dib),
+      colours_(dib),
+      width_(DibWidth(dib)),
+      height_(DibHeight(dib)),
+      bitCount_(DibBitCount(dib)),
+      nChannels_(bitCount_ == 8 ? 1 : 3) {
+  if (bitCount_ != 8) return;
+  for (std::size_t i = 0; i < greys_.size(); ++i) {
+    const auto index = static_cast<std::uint8_t>(i);
+    const std::uint32_t colour = colours_.Get({&index, 1}, 0);
+    greys_[i] = static_cast<std::uint8_t>(colour & 255);
+    if (colour != greys_[i] * 0x010101u) nChannels_ = 3;
+  }
+}
 
 void DibPainter::Draw(Canvas& canvas, double zoom) {
   const PixelRect visible = canvas.GetVisible();
   const PixelRect place = {std::max<std::int64_t>(visible.left, 0), std::max<std::int64_t>(visible.top, 0),
-                           std::min(visible.right, Covered(DibWidth(dib_), zoom)),
-                           std::min(visible.bottom, Covered(DibHeight(dib_), zoom))};
+                           std::min(visible.right, Covered(width_, zoom)),
+                           std::min(visible.bottom, Covered(height_, zoom))};
   if (place.left >= place.right || place.top >= place.bottom) return;
   if (zoom >= 1.0) {
     DrawEnlarged(canvas, place, zoom);
@@ -73,12 +116,12 @@ void DibPainter::DrawEnlarged(Canvas& canvas, const PixelRect& place, double zoo
   };
   std::vector<std::int32_t> cols(width);
   for (std::size_t i = 0; i < width; ++i) {
-    cols[i] = source(place.left + static_cast<std::int64_t>(i), DibWidth(dib_));
+    cols[i] = source(place.left + static_cast<std::int64_t>(i), width_);
   }
   std::vector<std::uint32_t> pixels(width * height);
   std::int32_t shown = -1;
   for (std::size_t j = 0; j < height; ++j) {
-    const std::int32_t y = source(place.top + static_cast<std::int64_t>(j), DibHeight(dib_));
+    const std::int32_t y = source(place.top + static_cast<std::int64_t>(j), height_);
     std::uint32_t* to = pixels.data() + j * width;
     if (y == shown) {
       std::copy_n(to - width, width, to);
@@ -91,93 +134,95 @@ void DibPainter::DrawEnlarged(Canvas& canvas, const PixelRect& place, double zoo
   canvas.DrawPixels(place, pixels);
 }
 
-// Between the samples of the level that is reduced by no more than the zoom.
+// Means of the level that is not yet half as large again as the content.
 void DibPainter::DrawReduced(Canvas& canvas, const PixelRect& place, double zoom) {
-  int index = 0;
-  double scale = zoom * 2.0;
-  while (scale <= 0.5) {
-    scale *= 2.0;
-    ++index;
-  }
-  const Level& level = GetLevel(index);
-  const std::vector<Sample> cols = SampleAxis(place.left, place.right, scale, level.width);
-  const std::vector<Sample> rows = SampleAxis(place.top, place.bottom, scale, level.height);
+  int k = 0;
+  double scale = zoom;
+  for (; scale <= 0.5; scale *= 2.0) ++k;
+  MakeLevels(k);
+  const std::vector<Taps> cols = TapsOfAxis(place.left, place.right, scale, WidthOf(k));
+  const std::vector<Taps> rows = TapsOfAxis(place.top, place.bottom, scale, HeightOf(k));
+  const std::int32_t firstCol = cols.front().first;
+  const std::int32_t nCols = std::min(cols.back().first + 3, WidthOf(k)) - firstCol;
   const auto n = static_cast<std::size_t>(nChannels_);
-  const std::size_t right = level.width > 1 ? n : 0;
-  const std::size_t rowStep = static_cast<std::size_t>(level.width) * n;
-  const std::size_t below = level.height > 1 ? rowStep : 0;
+
+  // Taps of no weight may stand behind the last sample.
+  std::vector<std::uint8_t> line((static_cast<std::size_t>(nCols) + 2) * n);
+  std::vector<std::uint8_t> buffer;
+  std::vector<std::uint32_t> sums(cols.size() * n);
   std::vector<std::uint32_t> pixels;
   pixels.reserve(cols.size() * rows.size());
-  for (const Sample& row : rows) {
-    const std::uint8_t* from = level.samples.data() + static_cast<std::size_t>(row.index) * rowStep;
-    for (const Sample& col : cols) {
-      const std::uint8_t* at = from + static_cast<std::size_t>(col.index) * n;
-      std::uint32_t rgb = 0;
-      for (std::size_t channel = 0; channel < n; ++channel, ++at) {
-        const std::uint32_t top = at[0] * (256 - col.weight) + at[right] * col.weight;
-        const std::uint32_t bottom = at[below] * (256 - col.weight) + at[below + right] * col.weight;
-        rgb = rgb << 8 | ((top * (256 - row.weight) + bottom * row.weight + 32768) >> 16);
-      }
-      pixels.push_back(n == 1 ? rgb * 0x010101u : rgb);
+  for (const Taps& row : rows) {
+    std::fill(sums.begin(), sums.end(), 0u);
+    for (std::int32_t j = 0; j < 3; ++j) {
+      const std::uint32_t weight = row.weights[static_cast<std::size_t>(j)];
+      if (weight == 0) continue;
+      std::copy_n(SamplesOf(k, row.first + j, firstCol, nCols, buffer), static_cast<std::size_t>(nCols) * n,
+                  line.data());
+      AddRow(line.data(), firstCol, cols, nChannels_, weight, sums);
+    }
+    for (std::size_t i = 0; i < sums.size(); i += n) {
+      pixels.push_back(n == 1 ? Rounded(sums[i]) * 0x010101u
+                              : Rounded(sums[i]) << 16 | Rounded(sums[i + 1]) << 8 | Rounded(sums[i + 2]));
     }
   }
   canvas.DrawPixels(place, pixels);
 }
 
-const DibPainter::Level& DibPainter::GetLevel(int index) {
-  while (levels_.size() <= static_cast<std::size_t>(index)) {
-    levels_.push_back(levels_.empty() ? ReduceBitmap() : ReduceLevel(levels_.back()));
-  }
-  return levels_[static_cast<std::size_t>(index)];
+std::int32_t DibPainter::WidthOf(int k) const {
+  return Halved(width_, k);
 }
 
-// The last column or row of an odd size counts twice.
-DibPainter::Level DibPainter::ReduceBitmap() const {
-  const std::int32_t width = DibWidth(dib_);
-  const std::int32_t height = DibHeight(dib_);
-  Level level{(width + 1) / 2, (height + 1) / 2, {}};
-  level.samples.resize(static_cast<std::size_t>(level.width) * static_cast<std::size_t>(level.height) *
-                       static_cast<std::size_t>(nChannels_));
-  std::uint8_t* to = level.samples.data();
-  for (std::int32_t y = 0; y < level.height; ++y) {
-    const std::span<const std::uint8_t> top = DibRow(dib_, 2 * y);
-    const std::span<const std::uint8_t> bottom = DibRow(dib_, std::min(2 * y + 1, height - 1));
-    for (std::int32_t x = 0; x < level.width; ++x) {
-      const std::int32_t right = std::min(2 * x + 1, width - 1);
-      const std::uint32_t a = colours_.Get(top, 2 * x);
-      const std::uint32_t b = colours_.Get(top, right);
-      const std::uint32_t c = colours_.Get(bottom, 2 * x);
-      const std::uint32_t d = colours_.Get(bottom, right);
-      for (int shift = 8 * (nChannels_ - 1); shift >= 0; shift -= 8) {
-        *to++ = Mean(a >> shift & 255, b >> shift & 255, c >> shift & 255, d >> shift & 255);
-      }
-    }
+std::int32_t DibPainter::HeightOf(int k) const {
+  return Halved(height_, k);
+}
+
+void DibPainter::MakeLevels(int k) {
+  while (static_cast<int>(levels_.size()) < k)
+    levels_.push_back(MakeLevel(static_cast<int>(levels_.size()) + 1));
+}
+
+// From level k - 1. The last row of an odd number counts twice.
+DibPainter::Level DibPainter::MakeLevel(int k) const {
+  const std::int32_t width = WidthOf(k - 1);
+  const std::int32_t height = HeightOf(k - 1);
+  Level level{WidthOf(k), HeightOf(k), {}};
+  const std::size_t rowBytes = static_cast<std::size_t>(level.width) * static_cast<std::size_t>(nChannels_);
+  level.samples.resize(rowBytes * static_cast<std::size_t>(level.height));
+  std::vector<std::uint8_t> buffers[2];
+  for (std::int32_t row = 0; row < level.height; ++row) {
+    HalveRows(SamplesOf(k - 1, 2 * row, 0, width, buffers[0]),
+              SamplesOf(k - 1, std::min(2 * row + 1, height - 1), 0, width, buffers[1]), width, nChannels_,
+              level.samples.data() + static_cast<std::size_t>(row) * rowBytes);
   }
   return level;
 }
 
-DibPainter::Level DibPainter::ReduceLevel(const Level& larger) const {
-  Level level{(larger.width + 1) / 2, (larger.height + 1) / 2, {}};
-  const auto n = static_cast<std::size_t>(nChannels_);
-  level.samples.resize(static_cast<std::size_t>(level.width) * static_cast<std::size_t>(level.height) * n);
-  const auto sampleOf = [&](std::int32_t x, std::int32_t y) {
-    const std::int32_t col = std::min(x, larger.width - 1);
-    const std::int32_t row = std::min(y, larger.height - 1);
-    return larger.samples.data() + (static_cast<std::size_t>(row) * static_cast<std::size_t>(larger.width) +
-                                    static_cast<std::size_t>(col)) *
-                                       n;
-  };
-  std::uint8_t* to = level.samples.data();
-  for (std::int32_t y = 0; y < level.height; ++y) {
-    for (std::int32_t x = 0; x < level.width; ++x) {
-      const std::uint8_t* a = sampleOf(2 * x, 2 * y);
-      const std::uint8_t* b = sampleOf(2 * x + 1, 2 * y);
-      const std::uint8_t* c = sampleOf(2 * x, 2 * y + 1);
-      const std::uint8_t* d = sampleOf(2 * x + 1, 2 * y + 1);
-      for (std::size_t i = 0; i < n; ++i) *to++ = Mean(a[i], b[i], c[i], d[i]);
-    }
+const std::uint8_t* DibPainter::SamplesOf(int k, std::int32_t row, std::int32_t firstCol, std::int32_t nCols,
+                                          std::vector<std::uint8_t>& buffer) const {
+  if (k > 0) {
+    const Level& level = levels_[static_cast<std::size_t>(k) - 1];
+    const std::int64_t sample = std::int64_t{row} * level.width + firstCol;
+    return level.samples.data() + sample * nChannels_;
   }
-  return level;
+  buffer.resize(static_cast<std::size_t>(nCols) * static_cast<std::size_t>(nChannels_));
+  ExpandPixels(DibRow(dib_, row), firstCol, nCols, buffer.data());
+  return buffer.data();
+}
+
+void DibPainter::ExpandPixels(std::span<const std::uint8_t> row, std::int32_t firstCol, std::int32_t nCols,
+                              std::uint8_t* samples) const {
+  if (nChannels_ == 1) {
+    const std::uint8_t* from = row.data() + firstCol;
+    std::transform(from, from + nCols, samples, [this](std::uint8_t index) { return greys_[index]; });
+    return;
+  }
+  for (std::int32_t col = firstCol; col < firstCol + nCols; ++col, samples += 3) {
+    const std::uint32_t rgb = colours_.Get(row, col);
+    samples[0] = static_cast<std::uint8_t>(rgb >> 16);
+    samples[1] = static_cast<std::uint8_t>(rgb >> 8);
+    samples[2] = static_cast<std::uint8_t>(rgb);
+  }
 }
 
 }  // namespace corvane

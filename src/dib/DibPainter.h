@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "dib/Dib.h"
@@ -21,23 +23,35 @@ class DibPainter {
   void Draw(Canvas& canvas, double zoom);
 
  private:
-  // A reduced form: rows from the top, `nChannels` bytes a pixel: one of grey, or red, green, blue.
+  // The bitmap reduced by 2^k, k being above 0: rows from the top, nChannels_ bytes a pixel, which are one of
+  // grey, or red, green, blue.
   struct Level {
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::vector<std::uint8_t> samples;
   };
 
-  const Level& GetLevel(int index);
-  Level ReduceBitmap() const;
-  Level ReduceLevel(const Level& larger) const;
   void DrawEnlarged(Canvas& canvas, const PixelRect& place, double zoom) const;
   void DrawReduced(Canvas& canvas, const PixelRect& place, double zoom);
 
+  void MakeLevels(int k);
+  Level MakeLevel(int k) const;
+  std::int32_t WidthOf(int k) const;
+  std::int32_t HeightOf(int k) const;
+  // Samples of a row of level k, 0 being the bitmap; `buffer` may come to hold them.
+  const std::uint8_t* SamplesOf(int k, std::int32_t row, std::int32_t firstCol, std::int32_t nCols,
+                                std::vector<std::uint8_t>& buffer) const;
+  void ExpandPixels(std::span<const std::uint8_t> row, std::int32_t firstCol, std::int32_t nCols,
+                    std::uint8_t* samples) const;
+
   const Dib& dib_;
   DibColours colours_;
-  int nChannels_;
-  std::vector<Level> levels_;  // level i is the bitmap reduced by 2^(i + 1)
+  std::int32_t width_;
+  std::int32_t height_;
+  int bitCount_;
+  std::int32_t nChannels_;
+  std::array<std::uint8_t, 256> greys_{};  // of the palette, where all of its colours are grey
+  std::vector<Level> levels_;              // level k stands at k - 1
 };
 
 }  // namespace corvane

@@ -81,8 +81,8 @@ class CDibView : public CView {
 // Opens a bitmap window.
 CDibView& OpenBitmapWindow(CMainFrame& frame, Dib dib, const std::string& title);
 
-// Opens a bitmap window on a .bmp file, with an empty picture and nothing as the result where it can't be read,
-// which has been told.
+// Opens a bitmap window on a .bmp file, with an empty picture and nothing as the result where it can't be
+// read, which has been told.
 CDibDoc* OpenBitmapFile(CMainFrame& frame, const std::string& path);
 
 // Opens a bitmap window on the image, or an empty one without an image. Nothing if the image makes no bitmap,

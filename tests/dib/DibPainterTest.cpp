@@ -116,7 +116,7 @@ TEST(DibPainter, AReducedPictureKeepsTheMeanAndTheColours) {
       SetPixelColor(dib, x, y, color);
     }
   }
-  for (const double zoom : {2.0 / 3, 0.5, 1.0 / 3, 0.25, 1.0 / 64}) {
+  for (const double zoom : {0.5, 1.0 / 3, 0.25, 1.0 / 64}) {
     DibPainter painter(dib);
     PixelCanvas canvas({0, 0, 400, 400});
     painter.Draw(canvas, zoom);
@@ -126,6 +126,15 @@ TEST(DibPainter, AReducedPictureKeepsTheMeanAndTheColours) {
       EXPECT_EQ(pixel >> 16, 150u);
     }
   }
+}
+
+TEST(DibPainter, BetweenTheHalvesPixelsAreMeansOfWhatTheyCover) {
+  // Each pixel covers one and a half columns of 90, 30, 0, 90, 30, 0: (90 + 15) / 1.5, (15 + 0) / 1.5, ...
+  const Dib dib = ByteDib({{90, 30, 0, 90, 30, 0}});
+  DibPainter painter(dib);
+  PixelCanvas canvas({0, 0, 10, 10});
+  painter.Draw(canvas, 2.0 / 3);
+  EXPECT_EQ(canvas.pixels, (std::vector<std::uint32_t>{0x464646, 0x0a0a0a, 0x464646, 0x0a0a0a}));
 }
 
 TEST(DibPainter, TinyBitmapsReduceToOnePixel) {

@@ -22,7 +22,8 @@ class TestFrontEnd : public FrontEnd {
 
   // "message warning: text" ("message warning ok-cancel: text" with two buttons), "open: filter", "value:
   // title 1", "form: ParamInput", "status 0: text", "print: text", "trace: text", "open-window: title",
-  // "overlay: title 3 0 1", "show-graph: title", "plot: element", "log: text", "command: name", "end: name done"
+  // "overlay: title 3 0 1", "show-graph: title", "plot: element", "log: text", "command: name", "end: name
+  // done"
   std::vector<std::string> events;
   std::vector<FileChooser> choosers;
   std::vector<Form> shownForms;
