@@ -66,6 +66,11 @@ void ScriptRecorder::NoteActivation(const std::string& path, const std::string& 
   }
 }
 
+std::vector<std::uint8_t> ScriptRecorder::GetBitmap() {
+  BeginEntry("# A picture was pasted from the clipboard.");
+  return ForwardingFrontEnd::GetBitmap();
+}
+
 std::optional<std::vector<std::string>> ScriptRecorder::ChooseFiles(const FileChooser& chooser) {
   auto paths = ForwardingFrontEnd::ChooseFiles(chooser);
   if (inCommand_ || saving_) AddAnswer(paths ? PathsAnswer(*paths) : kCancel);

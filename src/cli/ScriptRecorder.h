@@ -38,6 +38,8 @@ class ScriptRecorder : public ForwardingFrontEnd {
   void CommandStarted(const std::string& name) override;
   void CommandEnded(const std::string& name, CommandResult result) override;
   void FileGiven(const FileChooser& chooser, const std::string& path) override;
+  // What comes from the desktop's clipboard is only noted.
+  std::vector<std::uint8_t> GetBitmap() override;
 
  private:
   void BeginEntry(const std::string& command);

@@ -18,8 +18,7 @@ constexpr int kNoMemory = -3;
 
 constexpr std::uint32_t kMostHeaderBytes = 1024;  // of headers that go on behind the part known here
 
-// The file header as it stands: its fields are not aligned.
-constexpr std::size_t kFileHeaderBytes = 14;
+constexpr std::size_t kFileSizeAt = 2;
 constexpr std::size_t kBitsOffsetAt = 10;
 
 struct FileLayout {
@@ -31,7 +30,7 @@ struct FileLayout {
 
 // Reads both headers: 1, or why there is no bitmap.
 int ReadLayout(InputFile& file, FileLayout& layout) {
-  std::uint8_t fileHeader[kFileHeaderBytes];
+  std::uint8_t fileHeader[kDibFileHeaderBytes];
   DibHeader& header = layout.header;
   if (file.Read(fileHeader, sizeof fileHeader) != sizeof fileHeader) return kNoBitmap;
   if (fileHeader[0] != 'B' || fileHeader[1] != 'M') return kNoBitmap;
@@ -44,7 +43,7 @@ int ReadLayout(InputFile& file, FileLayout& layout) {
 
   std::uint32_t bitsOffset = 0;
   std::memcpy(&bitsOffset, fileHeader + kBitsOffsetAt, sizeof bitsOffset);
-  layout.paletteOffset = static_cast<std::int64_t>(kFileHeaderBytes) + header.size;
+  layout.paletteOffset = static_cast<std::int64_t>(kDibFileHeaderBytes) + header.size;
   layout.bitsOffset = bitsOffset;
   const std::int32_t nColours = PaletteSize(header.bitCount, header.colorsUsed);
   const std::int64_t paletteEnd =
@@ -117,16 +116,20 @@ int ReadDib(InputFile& file, Dib& dib) {
   return status;
 }
 
+std::array<std::uint8_t, kDibFileHeaderBytes> DibFileHeader(const Dib& dib) {
+  const auto fileBytes = static_cast<std::uint32_t>(kDibFileHeaderBytes + dib.size());
+  const auto bitsOffset =
+      static_cast<std::uint32_t>(kDibFileHeaderBytes) + static_cast<std::uint32_t>(DibBits(dib) - dib.data());
+  std::array<std::uint8_t, kDibFileHeaderBytes> header = {'B', 'M'};
+  std::memcpy(header.data() + kFileSizeAt, &fileBytes, sizeof fileBytes);
+  std::memcpy(header.data() + kBitsOffsetAt, &bitsOffset, sizeof bitsOffset);
+  return header;
+}
+
 int WriteDib(const Dib& dib, OutputFile& file) {
   if (!IsDib(dib)) return -1;
-  const auto bitsOffset =
-      static_cast<std::uint32_t>(kFileHeaderBytes) + static_cast<std::uint32_t>(DibBits(dib) - dib.data());
-  // Kept: the size is 32 bits in the file; one of a larger bitmap is cut.
-  const auto fileBytes = static_cast<std::uint32_t>(kFileHeaderBytes + dib.size());
-  std::uint8_t fileHeader[kFileHeaderBytes] = {'B', 'M'};
-  std::memcpy(fileHeader + 2, &fileBytes, sizeof fileBytes);
-  std::memcpy(fileHeader + kBitsOffsetAt, &bitsOffset, sizeof bitsOffset);
-  return file.Write(fileHeader, sizeof fileHeader) && file.Write(dib.data(), dib.size()) ? 1 : -1;
+  const auto header = DibFileHeader(dib);
+  return file.Write(header.data(), header.size()) && file.Write(dib.data(), dib.size()) ? 1 : -1;
 }
 
 int ReadDib(const std::string& path, Dib& dib) {

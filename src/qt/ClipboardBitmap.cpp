@@ -2,8 +2,9 @@
 
 #include <QPainter>
 #include <algorithm>
-#include <cstring>
 #include <new>
+
+#include "dib/DibIo.h"
 
 namespace corvane {
 
@@ -11,16 +12,6 @@ namespace {
 
 constexpr QLatin1String kBmp("image/bmp");
 constexpr QLatin1String kImage("application/x-qt-image");  // QMimeData's own name for a QImage
-
-// The header of a .bmp file, whose fields are not aligned: "BM", the file's size, 4 bytes of 0, the place of
-// the pixels.
-constexpr std::size_t kFileHeaderBytes = 14;
-constexpr std::size_t kFileSizeAt = 2;
-constexpr std::size_t kBitsOffsetAt = 10;
-
-std::uint32_t BitsOffset(const Dib& dib) {
-  return static_cast<std::uint32_t>(kFileHeaderBytes) + static_cast<std::uint32_t>(DibBits(dib) - dib.data());
-}
 
 // An image of the size of the bitmap, its rows made by `makeRow(row of the bitmap, bytes of the image)`.
 template <typename MakeRow>
@@ -78,26 +69,17 @@ Dib BitmapOf(const QMimeData& data) {
 
 QByteArray BmpBytes(const Dib& dib) {
   if (!IsDib(dib)) return {};
-  const std::uint32_t bitsOffset = BitsOffset(dib);
-  // Kept: the size is 32 bits in the file; one of a larger bitmap is cut.
-  const auto fileSize = static_cast<std::uint32_t>(kFileHeaderBytes + dib.size());
-  QByteArray bytes(static_cast<qsizetype>(kFileHeaderBytes + dib.size()), '\0');
-  char* to = bytes.data();
-  to[0] = 'B';
-  to[1] = 'M';
-  std::memcpy(to + kFileSizeAt, &fileSize, sizeof fileSize);
-  std::memcpy(to + kBitsOffsetAt, &bitsOffset, sizeof bitsOffset);
-  std::memcpy(to + kFileHeaderBytes, dib.data(), dib.size());
+  const auto header = DibFileHeader(dib);
+  QByteArray bytes(static_cast<qsizetype>(header.size() + dib.size()), Qt::Uninitialized);
+  std::copy(dib.begin(), dib.end(), std::copy(header.begin(), header.end(), bytes.begin()));
   return bytes;
 }
 
 Dib DibOfBmp(const QByteArray& bytes) {
-  constexpr auto kHeader = static_cast<qsizetype>(kFileHeaderBytes);
-  if (bytes.size() <= kHeader || !bytes.startsWith("BM")) return {};
+  constexpr auto kHeader = static_cast<qsizetype>(kDibFileHeaderBytes);
+  if (bytes.size() <= kHeader) return {};
   const Dib dib(bytes.begin() + kHeader, bytes.end());
-  std::uint32_t bitsOffset = 0;
-  std::memcpy(&bitsOffset, bytes.data() + kBitsOffsetAt, sizeof bitsOffset);
-  if (IsDib(dib) && bitsOffset == BitsOffset(dib)) return dib;
+  if (IsDib(dib) && bytes.startsWith(QByteArrayView(DibFileHeader(dib)))) return dib;
   return DibOfImage(QImage::fromData(bytes, "BMP"));
 }
 

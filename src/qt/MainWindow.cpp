@@ -298,8 +298,10 @@ void CMainWindow::MakeActive(CView& view) {
   app_.GetMainFrame().SetActiveView(&view);
   const CDocument& document = view.GetDocumentBase();
   if (before != &document && running_ == 0 && onActivation) {
-    // To open the path again would read it anew where nothing has come of it so far.
-    onActivation(document.HasContent() ? document.GetPathName() : "", document.GetTitle());
+    // To open the path again would read it anew where nothing has come of it so far; only a TIN can be
+    // opened.
+    const bool opensAgain = document.HasContent() && view.GetKind() == WindowKind::Tin;
+    onActivation(opensAgain ? document.GetPathName() : "", document.GetTitle());
   }
   Refresh();
 }

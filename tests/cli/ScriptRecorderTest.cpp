@@ -174,6 +174,12 @@ TEST_F(ScriptRecorderTest, ActivatedWindowIsOpenedAgain) {
             "# The window on Corvane 2 became the active one.\n");
 }
 
+TEST_F(ScriptRecorderTest, PastedPicturesAreNoted) {
+  inner_.clipboard = {1, 2, 3};
+  EXPECT_EQ(recorder_.GetBitmap(), inner_.clipboard);
+  EXPECT_EQ(Recorded(), "# A picture was pasted from the clipboard.\n");
+}
+
 TEST(ScriptRecorder, OnlyAnOlderRecordMayBeReplaced) {
   const TempFolder folder;
   EXPECT_TRUE(ScriptRecorder::MayReplace("new.txt"));
