@@ -32,6 +32,11 @@ std::string OneLine(std::string text) {
   return text;
 }
 
+bool ActsOnDocument(const std::string& entry) {
+  const auto isOf = [&](const char* name) { return entry.starts_with(ScriptWord(name)); };
+  return isOf("File > Save") || isOf("File > Save As") || isOf("File > Close");
+}
+
 // A script has no way to give an answer that holds a line end.
 std::string ScriptLine(const std::string& entry) {
   if (entry.find_first_of(kLineEnds) == entry.npos) return entry + '\n';
@@ -59,11 +64,18 @@ ScriptRecorder::ScriptRecorder(FrontEnd& inner, const std::string& path)
 
 void ScriptRecorder::NoteActivation(const std::string& path, const std::string& title) {
   saving_ = false;
-  if (path.empty()) {
+  isAdrift_ = path.empty();
+  if (isAdrift_) {
     BeginEntry("# The window on " + OneLine(title) + " became the active one.");
   } else {
     BeginEntry(ScriptWord("File > Open") + ' ' + ScriptWord(PathsAnswer({path})));
   }
+}
+
+// A command opens its window in the script, too.
+void ScriptRecorder::OpenWindow(WindowView& view) {
+  if (inCommand_) isAdrift_ = false;
+  ForwardingFrontEnd::OpenWindow(view);
 }
 
 std::vector<std::uint8_t> ScriptRecorder::GetBitmap() {
@@ -129,6 +141,7 @@ void ScriptRecorder::BeginEntry(const std::string& command) {
   file_.seekp(0, std::ios::end);
   entryStart_ = file_.tellp();
   entry_ = command;
+  isNote_ = isAdrift_ && ActsOnDocument(command);
   behind_.clear();
   saveAsked_ = false;
   WriteEntry();
@@ -140,8 +153,9 @@ void ScriptRecorder::AddAnswer(const std::string& answer) {
 }
 
 void ScriptRecorder::WriteEntry() {
-  std::string text = ScriptLine(entry_);
-  if (!behind_.empty()) text += ScriptLine(behind_);
+  const char* const mark = isNote_ ? "# " : "";
+  std::string text = mark + ScriptLine(entry_);
+  if (!behind_.empty()) text += mark + ScriptLine(behind_);
   file_.seekp(entryStart_);
   file_ << text << std::flush;
 }

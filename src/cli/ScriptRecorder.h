@@ -14,7 +14,9 @@ namespace corvane {
 //
 // Saving on the question about unsaved changes is written as the "File > Save" that it amounts to; a closing
 // that was cancelled there, as a comment, and so is a command with an answer that does not fit on a line.
-// A record that can't be written any more is told once, by a box after the command.
+// A script can't bring the window on a bitmap to the front again, nor that on an unnamed document: what is
+// done to such a document after a person has gone over to it (saving, closing) is written as a comment. A
+// record that can't be written any more is told once, by a box after the command.
 class ScriptRecorder : public ForwardingFrontEnd {
  public:
   // Whether a record may take the place of what is on the path: of nothing, of an empty file or an older
@@ -38,6 +40,7 @@ class ScriptRecorder : public ForwardingFrontEnd {
   void CommandStarted(const std::string& name) override;
   void CommandEnded(const std::string& name, CommandResult result) override;
   void FileGiven(const FileChooser& chooser, const std::string& path) override;
+  void OpenWindow(WindowView& view) override;
   // What comes from the desktop's clipboard is only noted.
   std::vector<std::uint8_t> GetBitmap() override;
 
@@ -52,6 +55,8 @@ class ScriptRecorder : public ForwardingFrontEnd {
   std::int64_t entryStart_ = 0;  // where the present entry begins in the file
   std::string entry_;            // the command that takes answers, and those so far
   std::string behind_;           // the command that follows a saving it asked about, or ""
+  bool isNote_ = false;          // the entry is a comment
+  bool isAdrift_ = false;        // a window is in front that the script can't have there
   bool saveAsked_ = false;       // the command has asked about unsaved changes
   bool inCommand_ = false;       // prompts that a key in a view opens belong to no command
   bool saving_ = false;          // a saving that belongs to no command: the window was closed by hand

@@ -1,7 +1,5 @@
 #include "commands/FrameMenu.h"
 
-#include <algorithm>
-
 #include "commands/Failures.h"
 #include "dib/DibIo.h"
 #include "dib/Stereogram.h"
@@ -33,10 +31,11 @@ CommandResult OnStereoGram(CMainFrame& frame) {
   if (!depths) return CommandResult::Failed;
 
   WaitCursor wait;
-  Dib picture = depths->GetDib();
-  std::fill(DibBits(picture), picture.data() + picture.size(), std::uint8_t{0});
+  Dib picture = MakeStereogramCanvas(depths->GetDib());
+  if (picture.empty()) return FailWithWarning(ErdasImg::kNoMemoryText);
+  // Bitmaps of 1 bit would take dots of 2 colours; they have no bytes to take depths from.
   if (MakeStereogram(depths->GetDib(), picture) < 0) {
-    return FailWithWarning("A depth image has 8 bits a pixel; this one has " +
+    return FailWithWarning("A depth image has 8 or 24 bits a pixel; this one has " +
                            std::to_string(DibBitCount(picture)) + ".");
   }
   const std::string outPath = FileTitle(*path) + "_SRD.bmp";

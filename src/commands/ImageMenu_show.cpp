@@ -36,12 +36,18 @@ void BringToFront(CMainFrame& frame, CView& view) {
   Ui().ActivateWindow(view);
 }
 
+std::string Count(std::int32_t n, const std::string& noun) {
+  return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
+}
+
 std::string ShownText(const ErdasImg& image) {
   const auto [cols, rows] = image.GetSize();
   const std::int32_t nBands = image.GetBandCount();
-  return std::to_string(rows) + " rows, " + std::to_string(cols) + " columns, " + std::to_string(nBands) +
-         (nBands == 1 ? " band." : " bands.") +
-         (image.GetBytesPerPixel() > 1 ? " The lowest byte of each pixel is shown." : "");
+  std::string text = Count(rows, "row") + ", " + Count(cols, "column") + ", " + Count(nBands, "band") + ".";
+  if (nBands == 2) return text + " Two bands show as black.";
+  if (nBands > 3) text += " The first three are shown.";
+  if (image.GetBytesPerPixel() > 1) text += " The lowest byte of each pixel is shown.";
+  return text;
 }
 
 // From the first column and row to the last point.
@@ -93,8 +99,8 @@ CommandResult PlotRow(CCorvaneView& view, std::int32_t row) {
   std::vector<double> values(cols.size());
   image.GetPixelRow(0, row, 0, values);
   for (double& value : values) value = std::abs(value);
-  return view.PlotSeries(0, cols, values, RandomColour(), 1) < 0 ? CommandResult::Failed
-                                                                 : CommandResult::Done;
+  return view.PlotSeries(-1, cols, values, RandomColour(), 1) < 0 ? CommandResult::Failed
+                                                                  : CommandResult::Done;
 }
 
 }  // namespace
@@ -116,7 +122,7 @@ CommandResult OnShowPoints(CCorvaneView& view) {
   if (!path) return CommandResult::Cancelled;
   WaitCursor wait;
   TINPoints list;
-  if (list.ReadText(*path) < 1) return FailToOpenPoints(*path);
+  if (list.ReadText(*path) < 1 || list.GetCount() < 1) return FailToOpenPoints(*path);
   std::vector<double> points;
   for (std::int32_t i = 0; i < list.GetCount(); ++i) {
     points.push_back(list.GetPoint(i)->x);
@@ -124,10 +130,7 @@ CommandResult OnShowPoints(CCorvaneView& view) {
   }
   CMainFrame& frame = FrameOf(view);
   CDibView* window = frame.GetDibView();
-  if (!window) {
-    window = OpenImageWindow(frame, nullptr, FileName(*path));
-    window->GetDocument().SetEmptySize(BoundingSize(points));
-  }
+  if (!window) window = &OpenEmptyWindow(frame, BoundingSize(points), FileName(*path));
   window->m_points = std::move(points);
   window->m_showOverlay = 1;
   BringToFront(frame, *window);
@@ -145,7 +148,10 @@ CommandResult OnImageProfile(CCorvaneView& view) {
   const auto [cols, rows] = image.GetSize();
   ValueInput input{.title = "Input the row#(0-" + std::to_string(cols - 1) + ")", .value = kFirstProfileRow};
   if (!input.Ask()) return CommandResult::Cancelled;
-  if (!HasProfile(image)) return FailWith("Data type is not supported!");
+  if (!HasProfile(image)) {
+    image.Free();  // the next call asks for another one
+    return FailWith("Data type is not supported!");
+  }
   if (!(input.value > -1.0 && input.value < rows)) {
     return FailWithWarning("There is no such row: the rows of " + FileName(image.GetFileName()) +
                            " are 0 to " + std::to_string(rows - 1) + ".");

@@ -51,7 +51,8 @@ int ReadLayout(InputFile& file, FileLayout& layout) {
   if (layout.bitsOffset < paletteEnd) return kNoBitmap;
   header.size = sizeof header;
   header.planes = 1;
-  if (header.bitCount <= 8) header.colorsUsed = static_cast<std::uint32_t>(nColours);
+  header.colorsUsed = static_cast<std::uint32_t>(nColours);
+  header.colorsImportant = 0;
   return 1;
 }
 

@@ -1,5 +1,6 @@
 #include "dib/Stereogram.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 #include <vector>
@@ -79,6 +80,14 @@ bool HasWholeBytes(const Dib& dib) {
 }
 
 }  // namespace
+
+Dib MakeStereogramCanvas(const Dib& source) {
+  Dib canvas = MakeBlackDib(DibWidth(source), DibHeight(source), DibBitCount(source));
+  if (canvas.empty()) return canvas;
+  const std::ptrdiff_t paletteBytes = std::ptrdiff_t{DibColorCount(source)} * 4;
+  std::copy_n(source.begin() + DibHeaderSize(source), paletteBytes, canvas.begin() + DibHeaderSize(canvas));
+  return canvas;
+}
 
 int MakeStereogram(const Dib& source, Dib& target) {
   const std::int32_t width = DibWidth(source);

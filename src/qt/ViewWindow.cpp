@@ -226,11 +226,12 @@ bool CViewWindow::PassKey(int key, int repeatCount) {
   return acted;
 }
 
-// Around the middle of the window.
+// Around the middle of what shows.
 bool CViewWindow::ZoomByKey(const QKeyEvent& event) {
   const bool in = event.key() == Qt::Key_Plus || event.key() == Qt::Key_Equal;
   if (!IsZoomable() || (!in && event.key() != Qt::Key_Minus)) return false;
-  ZoomBySteps(in ? event.count() : -event.count(), viewport()->rect().center());
+  for (int i = 0; i < event.count(); ++i) view_->OnZoomItem(in ? ZoomItem::In : ZoomItem::Out);
+  if (onZoom) onZoom();
   return true;
 }
 

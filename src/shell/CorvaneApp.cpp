@@ -176,7 +176,8 @@ bool CCorvaneApp::CloseView(CView& view) {
 CDocument* CCorvaneApp::FindDocument(const std::string& path) const {
   const std::string wanted = AbsolutePath(path);
   const auto found = std::find_if(documents_.begin(), documents_.end(), [&](const auto& document) {
-    return !document->GetPathName().empty() && AbsolutePath(document->GetPathName()) == wanted;
+    return &document->GetTemplate() == tinTemplate_.get() && !document->GetPathName().empty() &&
+           AbsolutePath(document->GetPathName()) == wanted;
   });
   return found == documents_.end() ? nullptr : found->get();
 }

@@ -65,7 +65,7 @@ class CCorvaneApp {
 
  private:
   CommandResult RunHandler(const CommandRow& row);
-  CDocument* FindDocument(const std::string& path) const;
+  CDocument* FindDocument(const std::string& path) const;  // a TIN
   bool SaveModified(CDocument& document);
   void DestroyDocument(CDocument& document);
 

@@ -2,6 +2,8 @@
 
 #include "dib/DibIo.h"
 #include "io/Paths.h"
+#include "ui/ErrorTexts.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
@@ -26,7 +28,11 @@ int CDibDoc::OnOpenDocument(const std::string& path) {
 }
 
 int CDibDoc::OnSaveDocument(const std::string& path) {
-  if (WriteDib(dib_, path) != 1) return -1;
+  if (dib_.empty()) {
+    ShowWarning(WriteErrorText(path) + "\nThere is no picture to save.");
+    return 0;
+  }
+  if (WriteDib(dib_, path) != 1) return 0;
   SetModifiedFlag(false);
   return 1;
 }

@@ -30,7 +30,7 @@ class CDibDoc : public CDocument {
   // The title's with ".bmp" for its extension: an image that a command showed is not written over.
   std::string GetSuggestedName() const override;
 
-  // Writes a .bmp: 1, or -1, which has been told.
+  // Writes a .bmp: 1, or 0, which has been told.
   int OnSaveDocument(const std::string& path) override;
 
  private:

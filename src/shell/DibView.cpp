@@ -22,7 +22,7 @@ constexpr std::array<double, 25> kZooms = {
     8.0,      12.0,     16.0,     24.0,     32.0,     48.0,     64.0};
 constexpr double kLargestContent = 1 << 30;  // pixels that a window can scroll
 
-constexpr double kItemZoom = 5.0;  // of "Zoom 1:5"
+constexpr double kItemZoom = 5.0;  // of "Zoom 1:5", in which vectors are looked at
 
 // What the status pane adds to the place, in the format "(%s)".
 constexpr const char* kOutOfRange = "Out of range";
@@ -62,7 +62,12 @@ std::string ComponentsText(const Dib& dib, std::int32_t col, std::int32_t row) {
 }  // namespace
 
 void CDibView::SetZoom(int mode, double factor) {
-  ZoomTo(mode == 0 ? factor : m_zoom * factor, {clientArea_.width / 2, clientArea_.height / 2});
+  ZoomTo(mode == 0 ? factor : m_zoom * factor, GetMiddle());
+}
+
+PixelPoint CDibView::GetMiddle() const {
+  return {std::min(clientArea_.width, GetScrollSize().width) / 2,
+          std::min(clientArea_.height, GetScrollSize().height) / 2};
 }
 
 void CDibView::OnZoomSteps(int steps, PixelPoint anchor) {
@@ -105,6 +110,8 @@ void CDibView::OnUpdate() {
 bool CDibView::OnKeyDown(int key, int repeatCount) {
   if (key == 'L') {
     m_showLabels = m_showLabels ? 0 : 1;
+    TellStatus(std::string("Labels: ") + std::to_string(m_labels.size()) +
+               (m_showLabels ? ", shown." : ", hidden."));
     Invalidate();
     return true;
   }
@@ -150,8 +157,12 @@ std::string CDibView::StatusText(PixelPoint place) const {
 }
 
 void CDibView::OnMouseMove(PixelPoint place) {
+  TellStatus(StatusText(place));
+}
+
+void CDibView::TellStatus(const std::string& text) const {
   CMainFrame& frame = document_.GetMainFrame();
-  std::snprintf(frame.GetStatusSlot(0), CMainFrame::kStatusSlotSize, "%s", StatusText(place).c_str());
+  std::snprintf(frame.GetStatusSlot(0), CMainFrame::kStatusSlotSize, "%s", text.c_str());
   frame.ShowStatusSlots(0);
 }
 
@@ -168,15 +179,18 @@ void CDibView::OnEditItem(EditItem item) {
   if (!IsDib(dib)) return ShowWarning("The clipboard holds no bitmap that can be shown here.");
   document_.SetDib(std::move(dib));
   document_.SetModifiedFlag(true);
+  const PixelSize size = document_.GetSize();
+  TellStatus(std::to_string(size.height) + " rows, " + std::to_string(size.width) + " columns, " +
+             std::to_string(DibBitCount(document_.GetDib())) +
+             " bits a pixel. Points, lines and labels stay.");
 }
 
 void CDibView::OnZoomItem(ZoomItem item) {
-  const PixelPoint middle = {clientArea_.width / 2, clientArea_.height / 2};
   switch (item) {
     case ZoomItem::In:
-      return OnZoomSteps(1, middle);
+      return OnZoomSteps(1, GetMiddle());
     case ZoomItem::Out:
-      return OnZoomSteps(-1, middle);
+      return OnZoomSteps(-1, GetMiddle());
     case ZoomItem::OneToOne:
       return SetZoom(0, 1.0);
     case ZoomItem::OneToFive:
@@ -200,16 +214,26 @@ CDibView& OpenBitmapWindow(CMainFrame& frame, Dib dib, const std::string& title)
   return static_cast<CDibView&>(document.AddView());
 }
 
+CDibView& OpenEmptyWindow(CMainFrame& frame, PixelSize size, const std::string& title) {
+  CDibDoc& document = AddBitmapDocument(frame);
+  document.SetTitle(title);
+  document.SetEmptySize(size);
+  return static_cast<CDibView&>(document.AddView());
+}
+
 CDibDoc* OpenBitmapFile(CMainFrame& frame, const std::string& path) {
   CDibDoc& document = AddBitmapDocument(frame);
-  const bool isRead = document.OnOpenDocument(path) > 0;
+  if (document.OnOpenDocument(path) <= 0) {
+    frame.GetApp().CloseDocument(document);
+    return nullptr;
+  }
   document.SetPathName(path, false);
   document.AddView();
-  return isRead ? &document : nullptr;
+  return &document;
 }
 
 CDibView* OpenImageWindow(CMainFrame& frame, const ErdasImg* image, const std::string& title) {
-  if (!image) return &OpenBitmapWindow(frame, {}, title);
+  if (!image) return &OpenEmptyWindow(frame, {}, title);
   Dib dib = image->MakeDib();
   if (!dib.empty()) return &OpenBitmapWindow(frame, std::move(dib), title);
   ShowWarning(ErdasImg::kNoMemoryText);

@@ -35,7 +35,7 @@ class CDibView : public CView {
   double m_zoom = 1.0;            // pixels of the screen for one of the bitmap
 
   // Sets the zoom: the factor itself in mode 0, times the present one in any other. It is held between 1 / 64
-  // and 64, and to what a window can scroll. What is in the middle of the window stays there.
+  // and 64, and to what a window can scroll. What is in the middle of what shows stays there.
   void SetZoom(int mode, double factor);
 
   // Tells the front end of the overlays and has the window painted anew.
@@ -68,7 +68,9 @@ class CDibView : public CView {
   std::string StatusText(PixelPoint place) const;
 
  private:
+  PixelPoint GetMiddle() const;  // of what the window shows of the picture
   void ZoomTo(double zoom, PixelPoint anchor);
+  void TellStatus(const std::string& text) const;
   void Draw(Canvas& canvas, double zoom);
   void DrawOverlay(Canvas& canvas, double zoom) const;
   bool MoveFirstPoint(int key, int repeatCount);
@@ -81,8 +83,10 @@ class CDibView : public CView {
 // Opens a bitmap window.
 CDibView& OpenBitmapWindow(CMainFrame& frame, Dib dib, const std::string& title);
 
-// Opens a bitmap window on a .bmp file, with an empty picture and nothing as the result where it can't be
-// read, which has been told.
+// Opens a bitmap window without a bitmap: a white picture of this size, for overlays.
+CDibView& OpenEmptyWindow(CMainFrame& frame, PixelSize size, const std::string& title);
+
+// Opens a bitmap window on a .bmp file. Nothing if it can't be read, which has been told.
 CDibDoc* OpenBitmapFile(CMainFrame& frame, const std::string& path);
 
 // Opens a bitmap window on the image, or an empty one without an image. Nothing if the image makes no bitmap,

@@ -36,14 +36,19 @@ class OverlayPainter {
   OverlayPainter& operator=(const OverlayPainter&) = delete;
 
   void AddCross(double x, double y) {
+    if (!std::isfinite(x) || !std::isfinite(y)) return;
     const PixelPoint at = ToContent(x + 0.5, y + 0.5);
     Add({{at.x - kPointArm, at.y}, {at.x + kPointArm, at.y}});
     Add({{at.x, at.y - kPointArm}, {at.x, at.y + kPointArm}});
   }
 
-  void AddLine(double x0, double y0, double x1, double y1) { Add({ToContent(x0, y0), ToContent(x1, y1)}); }
+  void AddLine(double x0, double y0, double x1, double y1) {
+    if (!std::isfinite(x0) || !std::isfinite(y0) || !std::isfinite(x1) || !std::isfinite(y1)) return;
+    Add({ToContent(x0, y0), ToContent(x1, y1)});
+  }
 
   void AddText(double x, double y, const std::string& text) {
+    if (!std::isfinite(x) || !std::isfinite(y)) return;
     const PixelPoint at = ToContent(x, y);
     if (at.x < visible_.left - kLabelReach || at.x >= visible_.right + kLabelReach) return;
     if (at.y < visible_.top - kLabelReach || at.y >= visible_.bottom + kLabelReach) return;

@@ -27,7 +27,8 @@ class CDocument {
   // file is chosen again.
   virtual bool HasContent() const { return true; }
 
-  // The save step: above 0 on success. Failures have been reported.
+  // The save step: above 0 on success; 0 if nothing has been saved, and the document keeps its path; below 0
+  // if a part is missing. Failures have been reported.
   virtual int OnSaveDocument(const std::string& path);
 
   // What the chooser for a document without a file shows.

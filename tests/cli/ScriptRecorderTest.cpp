@@ -5,6 +5,7 @@
 
 #include <csignal>
 
+#include "cli/FakeView.h"
 #include "cli/ScriptFile.h"
 #include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
@@ -172,6 +173,32 @@ TEST_F(ScriptRecorderTest, ActivatedWindowIsOpenedAgain) {
   EXPECT_EQ(Recorded(),
             "\"File > Open\" /data/a.tin\n"
             "# The window on Corvane 2 became the active one.\n");
+}
+
+TEST_F(ScriptRecorderTest, WhatIsDoneToAWindowThatAScriptCannotReachIsNoted) {
+  recorder_.NoteActivation("", "a.lan");
+  inner_.files = {{"b.bmp"}, {"c.bmp"}, {"d.tin"}};
+  const auto choose = [&] { recorder_.ChooseFiles({}); };
+  Run("File > Save As", CommandResult::Done, choose);
+  Run("File > Close", CommandResult::Done, [] {});
+  Run("Image > Show Image", CommandResult::Done, [&] {
+    choose();
+    FakeView view("c");
+    recorder_.OpenWindow(view);
+  });
+  Run("File > Close", CommandResult::Done, [] {});
+  recorder_.NoteActivation("", "a.lan");
+  recorder_.NoteActivation("/data/a.tin", "a.tin");
+  Run("File > Save As", CommandResult::Done, choose);
+  EXPECT_EQ(Recorded(),
+            "# The window on a.lan became the active one.\n"
+            "# \"File > Save As\" b.bmp\n"
+            "# \"File > Close\"\n"
+            "\"Image > Show Image\" c.bmp\n"
+            "\"File > Close\"\n"
+            "# The window on a.lan became the active one.\n"
+            "\"File > Open\" /data/a.tin\n"
+            "\"File > Save As\" d.tin\n");
 }
 
 TEST_F(ScriptRecorderTest, PastedPicturesAreNoted) {

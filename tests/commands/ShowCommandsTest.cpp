@@ -44,7 +44,7 @@ TEST_F(ShowCommandsTest, ShowImageOfFloatsTellsThatBytesAreShown) {
   ui.files = {{"f.lan"}};
   EXPECT_EQ(Run("Show Image"), CommandResult::Done);
   EXPECT_EQ(ui.EventsWith("status").back(),
-            "status 0: 1 rows, 1 columns, 1 band. The lowest byte of each pixel is shown.");
+            "status 0: 1 row, 1 column, 1 band. The lowest byte of each pixel is shown.");
 }
 
 TEST_F(ShowCommandsTest, ShowImageFailsWithoutAnImage) {
@@ -94,7 +94,15 @@ TEST_F(ShowCommandsTest, ShowPointsOpenAnEmptyWindowOfTheBoundingSize) {
 
 TEST_F(ShowCommandsTest, ShowPointsTellsWhatItCanNotOpen) {
   ExpectFailure("Show Points", {{"none.txt"}}, {"message warning: Open point file none.txt error!"});
+  WriteFileBytes("letter.txt", "this is a letter\n");
+  ExpectFailure("Show Points", {{"letter.txt"}}, {"message warning: Open point file letter.txt error!"});
   EXPECT_EQ(Window(), nullptr);
+  StoreBytes("a.lan");
+  ui.files = {{"a.lan"}};
+  ASSERT_EQ(Run("Show Image"), CommandResult::Done);
+  Window()->m_points = {1, 1};
+  ExpectFailure("Show Points", {{"letter.txt"}}, {"message warning: Open point file letter.txt error!"});
+  EXPECT_EQ(Window()->m_points.size(), 2u) << "the points shown stay";
 }
 
 TEST_F(ShowCommandsTest, ShowPointsOfOddNumbersDoNoHarm) {
@@ -121,7 +129,11 @@ TEST_F(ShowCommandsTest, ProfileAsksForTheImageOnceAndForARowEachTime) {
   EXPECT_EQ(Run("Image Profile"), CommandResult::Done);
   EXPECT_EQ(ui.choosers.size(), 1u);
   EXPECT_EQ(ui.EventsWith("open-window").size(), 1u);
-  EXPECT_EQ(Curve().size(), 8u);
+  const auto elements = app.GetMainFrame().GetTinView()->graph.GetElements();
+  ASSERT_EQ(elements.size(), 2u) << "each row is a curve of its own";
+  EXPECT_THAT(elements[1].points,
+              ElementsAre(GraphPoint{0, 1}, GraphPoint{1, 2}, GraphPoint{2, 3}, GraphPoint{3, 4}));
+  EXPECT_NE(elements[0].colour, elements[1].colour);
 }
 
 TEST_F(ShowCommandsTest, ProfileOfFloatsShowsAbsoluteValuesWithoutAWindow) {
@@ -138,6 +150,10 @@ TEST_F(ShowCommandsTest, ProfileOfOtherTypesIsNotSupported) {
   ui.values = {0};
   ExpectFailure("Image Profile", {{"s.lan"}}, {"message message: Data type is not supported!"});
   EXPECT_THAT(Curve(), IsEmpty());
+  StoreBytes("a.lan");
+  ui.files = {{"a.lan"}};
+  ui.values = {0};
+  EXPECT_EQ(Run("Image Profile"), CommandResult::Done) << "another image can be chosen";
 }
 
 TEST_F(ShowCommandsTest, ProfileRefusesRowsThatAreNotThere) {
@@ -183,6 +199,7 @@ TEST_F(ShowCommandsTest, StereoGramWritesAndShowsThePicture) {
   EXPECT_EQ(written, Window()->GetDocument().GetDib());
   EXPECT_EQ(Window()->m_zoom, 1.0);
   EXPECT_NE(written, depths);
+  EXPECT_EQ(ui.waitDepth, 0);
 }
 
 TEST_F(ShowCommandsTest, StereoGramRunsWithoutADocument) {
@@ -196,7 +213,7 @@ TEST_F(ShowCommandsTest, StereoGramTellsFilesThatItCanNotTake) {
   ExpectFailure("StereoGram", {{"none.bmp"}}, {"message warning: Open file none.bmp error!"});
   ASSERT_EQ(WriteDib(MakeBlackDib(20, 2, 1), "one.bmp"), 1);
   ExpectFailure("StereoGram", {{"one.bmp"}},
-                {"message warning: A depth image has 8 bits a pixel; this one has 1."});
+                {"message warning: A depth image has 8 or 24 bits a pixel; this one has 1."});
 }
 
 }  // namespace

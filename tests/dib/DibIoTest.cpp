@@ -96,6 +96,15 @@ TEST_F(DibIo, TakesLongerHeadersAndShorterPalettes) {
   EXPECT_EQ(colours.Get(DibRow(dib, 0), 1), 0x070809u);
 }
 
+TEST_F(DibIo, APaletteBesidesFullColoursIsDropped) {
+  std::vector<std::uint8_t> file = FileOf(MakeBlackDib(3, 2, 24));
+  Put(file, 46, std::uint32_t{2});  // two colours, for screens that have few
+  file.insert(file.begin() + 54, {1, 2, 3, 0, 4, 5, 6, 0});
+  Put(file, 10, std::uint32_t{62});
+  ASSERT_EQ(Read(file), 1);
+  EXPECT_EQ(dib, MakeBlackDib(3, 2, 24));
+}
+
 TEST_F(DibIo, RefusesWhatIsNoBitmap) {
   const std::vector<std::uint8_t> good = FileOf(ByteDib({{1, 2}, {3, 4}}));
   const auto refused = [&](std::size_t at, auto number) {

@@ -128,6 +128,22 @@ TEST(Stereogram, TwentyFourBitsGetComponentsOfZeroAndOne) {
   }
 }
 
+TEST(Stereogram, TheCanvasHasAColourForEachDot) {
+  Dib depths = MakeBlackDib(3, 2, 8);
+  DibBits(depths)[0] = 9;
+  depths[40 + 4] = 77;  // blue of colour 1
+  depths[32] = 2;       // two colours alone
+  depths.erase(depths.begin() + 40 + 8, depths.begin() + 40 + 1024);
+  ASSERT_TRUE(IsDib(depths));
+  const Dib canvas = MakeStereogramCanvas(depths);
+  EXPECT_EQ(DibColorCount(canvas), 256);
+  EXPECT_EQ(DibColours(canvas).Get(std::vector<std::uint8_t>{1}, 0), 0x01014du);
+  EXPECT_EQ(DibColours(canvas).Get(std::vector<std::uint8_t>{200}, 0), 0xc8c8c8u);
+  EXPECT_EQ(DibBits(canvas)[0], 0);
+  EXPECT_EQ(DibRowBytes(canvas), 4);
+  EXPECT_TRUE(MakeStereogramCanvas({}).empty());
+}
+
 TEST(Stereogram, RefusesOtherFormatsAndSizes) {
   Dib picture = MakeBlackDib(8, 8, 8);
   const Dib untouched = picture;

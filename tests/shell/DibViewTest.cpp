@@ -135,8 +135,10 @@ TEST_F(DibViewTest, OverlaysThatCannotShowAreNotDrawn) {
   view.m_points = {1000.0, 1.0, -50.0, 1.0, 1e300, 1e300, 7.0};
   view.m_polylines = {{500, 500, 900, 900}};
   EXPECT_THAT(Drawn(view).edges, IsEmpty());
-  view.m_points = {nan, nan, 1.0, 1.0};
-  Drawn(view);  // does no harm
+  view.m_points = {nan, 1.0, 1.0, nan};
+  view.m_polylines = {{0, nan, 1, 1}};
+  view.m_labels = {{nan, 1, "a"}};
+  EXPECT_THAT(Drawn(view).order, ElementsAre("pixels"));
   view.m_showOverlay = 0;
   view.m_points = {1.0, 1.0};
   EXPECT_THAT(Drawn(view).order, ElementsAre("pixels"));
@@ -292,11 +294,29 @@ TEST_F(DibViewTest, SavesABitmapFileUnderANameOfItsOwn) {
   EXPECT_THAT(app.GetRecentFiles().GetPaths(), IsEmpty());
 }
 
+TEST_F(DibViewTest, ASaveThatFailsLeavesTheDocumentItsName) {
+  CDibView& view = Show(SmallImage());
+  ui.files = {{"no/folder.bmp"}};
+  EXPECT_EQ(app.SaveDocument(view.GetDocument(), true), CommandResult::Failed);
+  EXPECT_EQ(view.GetTitle(), "a.lan");
+  EXPECT_EQ(view.GetDocument().GetPathName(), "");
+  ui.files = {{"e.bmp"}};
+  CDibView& empty = OpenEmptyWindow(app.GetMainFrame(), {30, 20}, "points");
+  EXPECT_EQ(app.SaveDocument(empty.GetDocument(), true), CommandResult::Failed);
+  EXPECT_THAT(ui.EventsWith("message"),
+              ElementsAre("message warning: Write file no/folder.bmp error!",
+                          "message warning: Write file e.bmp error!\nThere is no picture to save."));
+}
+
 TEST_F(DibViewTest, AFileThatCannotBeLoadedLeavesTheDocumentEmpty) {
   WriteFileBytes("bad.bmp", "BMxx");
-  EXPECT_EQ(OpenBitmapFile(app.GetMainFrame(), "bad.bmp"), nullptr);
-  EXPECT_FALSE(app.GetMainFrame().GetDibView()->HasPicture());
+  CDibView& view = Show(SmallImage());
+  EXPECT_EQ(view.GetDocument().OnOpenDocument("bad.bmp"), -1);
+  EXPECT_FALSE(view.HasPicture());
   EXPECT_EQ(ui.EventsWith("message").size(), 1u);
+
+  EXPECT_EQ(OpenBitmapFile(app.GetMainFrame(), "bad.bmp"), nullptr);
+  EXPECT_EQ(app.GetDocuments().size(), 2u) << "no window opens";
   WriteDib(MakeBlackDib(6, 2, 8), "good.bmp");
   CDibDoc* document = OpenBitmapFile(app.GetMainFrame(), "good.bmp");
   ASSERT_NE(document, nullptr);
