@@ -96,6 +96,8 @@ CMainWindow::CMainWindow(CCorvaneApp& app) : app_(app), area_(new QMdiArea) {
       *this, app_.GetCommands(), [this](const CommandRow& row) { RunRow(row); },
       [this](const std::string& name) { RunItem(name); },
       [this](const std::string& path) { OpenPath(path); });
+  // A menu bar that was filled anew while it had the keyboard does not give it back.
+  menus_->onHide = [this] { QTimer::singleShot(0, this, &CMainWindow::FocusActiveWindow); };
   MakeToolBar();
   connect(area_, &QMdiArea::subWindowActivated, this, &CMainWindow::OnSubWindowActivated);
   connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &CMainWindow::RefreshEditItems);
@@ -104,6 +106,12 @@ CMainWindow::CMainWindow(CCorvaneApp& app) : app_(app), area_(new QMdiArea) {
 // Windows that go down with this one are nobody's doing.
 CMainWindow::~CMainWindow() {
   area_->disconnect(this);
+}
+
+void CMainWindow::FocusActiveWindow() {
+  if (QApplication::activePopupWidget() || QApplication::activeModalWidget()) return;
+  const CView* view = app_.GetMainFrame().GetActiveView();
+  if (CViewWindow* window = view ? FindWindow(*view) : nullptr) window->setFocus();
 }
 
 void CMainWindow::MakeToolBar() {

@@ -73,6 +73,7 @@ class CMainWindow : public QMainWindow {
   void dropEvent(QDropEvent* event) override;
 
  private:
+  void FocusActiveWindow();
   void MakeToolBar();
   void RunRow(const CommandRow& row);
   void RunItem(const std::string& name);

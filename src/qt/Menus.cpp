@@ -113,8 +113,16 @@ const CMenus::Menus& CMenus::MenusFor(const MenuBarLayout& layout) {
   return menus;
 }
 
+std::unique_ptr<QMenu> CMenus::MakeEmptyMenu(const QString& title) const {
+  auto menu = std::make_unique<QMenu>(title);
+  QObject::connect(menu.get(), &QMenu::aboutToHide, &window_, [this] {
+    if (onHide) onHide();
+  });
+  return menu;
+}
+
 std::unique_ptr<QMenu> CMenus::MakeMenu(const MenuLayout& layout) const {
-  auto menu = std::make_unique<QMenu>(layout.title);
+  auto menu = MakeEmptyMenu(layout.title);
   for (const char* name : layout.names) {
     if (*name == '\0') {
       menu->addSeparator();
@@ -135,7 +143,7 @@ void CMenus::AddRows(MenuPlace place, Menus& menus) const {
     const QStringList levels = QString(row.path).split(" > ");
     auto top = std::find_if(menus.begin(), menus.end(),
                             [&](const auto& menu) { return HasTitle(*menu, levels.front()); });
-    if (top == menus.end()) top = menus.insert(top, std::make_unique<QMenu>(levels.front()));
+    if (top == menus.end()) top = menus.insert(top, MakeEmptyMenu(levels.front()));
     QMenu* menu = top->get();
     for (qsizetype i = 1; i < levels.size(); ++i) menu = &SubMenu(*menu, levels[i]);
     menu->addAction(&ActionOf(row));

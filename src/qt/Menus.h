@@ -32,6 +32,9 @@ class CMenus {
          PathRunner openRecent);
   ~CMenus();
 
+  // Hears of a menu having closed.
+  std::function<void()> onHide;
+
   // The action of a row or standard item by its name, "TIN > Slope Filter"; null if there is none.
   QAction* Find(const std::string& name) const;
   QAction& ActionOf(const CommandRow& row) const { return *rowActions_[&row - rows_.data()]; }
@@ -55,6 +58,7 @@ class CMenus {
   void MakeItemActions(ItemRunner runItem);
   void MakeRecentActions(PathRunner openRecent);
   const Menus& MenusFor(const MenuBarLayout& layout);
+  std::unique_ptr<QMenu> MakeEmptyMenu(const QString& title) const;
   std::unique_ptr<QMenu> MakeMenu(const MenuLayout& layout) const;
   void AddRows(MenuPlace place, Menus& menus) const;
 

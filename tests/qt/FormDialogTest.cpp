@@ -124,7 +124,11 @@ TEST_F(FormDialogTest, TabOrderIsTheOrderOfTheFields) {
 
 TEST_F(FormDialogTest, BrowseFillsItsField) {
   MatchInput input;
-  ModalScript script({[](QWidget& dialog) { dialog.findChild<QPushButton*>("demFile browse")->click(); },
+  ModalScript script({[](QWidget& dialog) {
+                        auto* button = dialog.findChild<QPushButton*>("demFile browse");
+                        EXPECT_EQ(button->text(), "Browse");
+                        button->click();
+                      },
                       [](QWidget& chooser) {
                         TypeInto(chooser, "fileNameEdit", "/no-such-folder-here.dem");
                         PressButton(chooser, "Open");
