@@ -180,9 +180,10 @@ void CDibView::OnEditItem(EditItem item) {
   document_.SetDib(std::move(dib));
   document_.SetModifiedFlag(true);
   const PixelSize size = document_.GetSize();
+  const bool hasOverlay = !m_points.empty() || !m_polylines.empty() || !m_labels.empty();
   TellStatus(std::to_string(size.height) + " rows, " + std::to_string(size.width) + " columns, " +
-             std::to_string(DibBitCount(document_.GetDib())) +
-             " bits a pixel. Points, lines and labels stay.");
+             std::to_string(DibBitCount(document_.GetDib())) + " bits a pixel." +
+             (hasOverlay ? " What lies over the picture stays." : ""));
 }
 
 void CDibView::OnZoomItem(ZoomItem item) {

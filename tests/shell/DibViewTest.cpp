@@ -270,6 +270,12 @@ TEST_F(DibViewTest, PasteReplacesThePicture) {
   EXPECT_EQ(view.GetScrollSize(), (PixelSize{9, 5}));
   EXPECT_TRUE(view.GetDocument().IsModified());
   EXPECT_EQ(Drawn(view).pixels.size(), 45u);
+  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: 5 rows, 9 columns, 24 bits a pixel.");
+  view.m_points = {1, 1};
+  view.OnEditItem(EditItem::Paste);
+  EXPECT_EQ(view.m_points.size(), 2u);
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            "status 0: 5 rows, 9 columns, 24 bits a pixel. What lies over the picture stays.");
 }
 
 TEST_F(DibViewTest, PasteOfWhatIsNoBitmapIsTold) {
