@@ -70,8 +70,8 @@ std::int64_t BoundBetween(double center, double next) {
   return std::isnan(bound) ? -1 : TruncateSaturated(bound);
 }
 
-std::int32_t WrappedProduct(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
+std::uint32_t WrappedProduct(std::int32_t a, std::size_t b) {
+  return static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b);
 }
 
 std::int32_t WrappedSum(std::int32_t a, std::uint32_t b) {
@@ -129,7 +129,7 @@ double Classification::ReassignClasses(std::span<const std::int32_t> histogram, 
       const auto v = static_cast<std::size_t>(level);
       if (labels[v] != c) changed += histogram[v];
       labels[v] = c;
-      sum += WrappedProduct(histogram[v], static_cast<std::int32_t>(v));
+      sum += WrappedProduct(histogram[v], v);
       count += histogram[v];
     }
     center = sum / count;
@@ -161,6 +161,7 @@ int Classification::ApplyLabels() {
   if (!m_classImage.GetBands()) {
     ErdasHeader header = *m_header;
     header.bandCount = 1;
+    header.packType = kPackByte;
     if (const int status = m_classImage.Create(header, false); status < 0) return status;
   }
   const auto pixels = BytePixels(*m_source, 0);
@@ -170,6 +171,17 @@ int Classification::ApplyLabels() {
   LabelBytes(pixels.first(nPixels), m_labels[0], classes);
   std::ranges::fill(classes.subspan(nPixels), static_cast<std::uint8_t>(m_labels[0][0]));
   return 1;
+}
+
+int Classification::CountEmptyClasses() const {
+  if (m_histogram.empty()) return 0;
+  std::vector<bool> isEmpty(static_cast<std::size_t>(m_classCount), true);
+  for (std::size_t level = 0; level < kLevels; ++level) {
+    const std::int32_t label = m_labels[0][level];
+    const bool isOfClass = label >= 1 && label <= m_classCount;
+    if (isOfClass && m_histogram[0][level] != 0) isEmpty[static_cast<std::size_t>(label - 1)] = false;
+  }
+  return static_cast<int>(std::ranges::count(isEmpty, true));
 }
 
 void Classification::DumpHistogram(const std::function<void(const std::string&)>& stream) const {

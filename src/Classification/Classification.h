@@ -45,8 +45,8 @@ class Classification {
   // Gives each level the number of the class, from 1, in whose interval it lies, and makes each center the
   // mean of its interval. Returns the fraction of the image's pixels whose class has changed.
   // Kept: the center of a class is replaced before the bound of the next one is made from it; the products
-  // of level and count are 32 bits wide and wrap around. The center of an interval without pixels is not a
-  // number, and a bound made from it is below the first level.
+  // of level and count are 32 bits wide, without a sign, and wrap around at 2^32. The center of an interval
+  // without pixels is not a number, and a bound made from it is below the first level.
   double ReassignClasses(std::span<const std::int32_t> histogram, std::span<double> centers,
                          std::span<std::int32_t> labels, int classCount) const;
 
@@ -54,9 +54,12 @@ class Classification {
   // memory for the class image.
   int Classify();
 
-  // Makes the class image: for each pixel the low byte of its level's label, 255 where there is none. The
-  // results of Classify.
+  // Makes the class image, one of bytes whatever the image's pixels are: for each pixel the low byte of its
+  // level's label, 255 where there is none. The results of Classify.
   int ApplyLabels();
+
+  // After Classify, the number of classes to which no pixel of band 0 belongs.
+  int CountEmptyClasses() const;
 
   ErdasImg& GetClassImage() { return m_classImage; }
 

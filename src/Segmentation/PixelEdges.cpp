@@ -96,19 +96,27 @@ PixelEdges::PixelEdges(std::vector<PlaneImage<float>> planes) {
   edges_ = std::make_unique_for_overwrite<std::uint64_t[]>(size_);
   UseLargePages(edges_.get(), size_ * sizeof edges_[0]);
 
-  std::vector<std::size_t> ends(kGroups);
+  std::vector<std::size_t>& ends = groupEnds_;
+  ends.resize(kGroups);
   VisitEdges(planes, [&](std::uint64_t edge) { ++ends[edge >> kGroupShift]; });
-  const std::size_t largest = *std::ranges::max_element(ends);
   std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), std::size_t{0});
   VisitEdges(planes, [&](std::uint64_t edge) { edges_[ends[edge >> kGroupShift]++] = edge; });
-  planes.clear();
+}
 
-  const auto room = std::make_unique_for_overwrite<std::uint64_t[]>(largest);
+void PixelEdges::Sort() {
+  std::size_t largest = 0;
   std::size_t start = 0;
-  for (const std::size_t end : ends) {
+  for (const std::size_t end : groupEnds_) {
+    largest = std::max(largest, end - start);
+    start = end;
+  }
+  const auto room = std::make_unique_for_overwrite<std::uint64_t[]>(largest);
+  start = 0;
+  for (const std::size_t end : groupEnds_) {
     SortGroup(&edges_[start], end - start, room.get());
     start = end;
   }
+  groupEnds_ = {};
 }
 
 }  // namespace corvane

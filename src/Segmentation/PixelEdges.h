@@ -13,8 +13,8 @@
 namespace corvane {
 
 // The edges from each pixel to its neighbours at the right, below, at the lower right and at the upper right,
-// by ascending weight: sqrt(dr^2 + dg^2 + db^2), the differences of the colours in floats. Edges of equal
-// weight are in the order of their pixels, row by row, and those of one pixel in the order above.
+// once sorted by ascending weight: sqrt(dr^2 + dg^2 + db^2), the differences of the colours in floats. Edges
+// of equal weight are in the order of their pixels, row by row, and those of one pixel in the order above.
 //
 // An edge takes eight bytes: the bits of its weight, which for floats that are not negative are ordered as
 // the weights are, and below them four times the index of its pixel plus the number of the neighbour.
@@ -23,8 +23,12 @@ class PixelEdges {
   static constexpr std::int64_t kMostPixels = std::int64_t{1} << 30;
 
   // One plane of floats for a grey image, whose three colours are the same, or three: all of one size, of at
-  // most kMostPixels. They are let go before the edges are sorted. Throws std::bad_alloc without memory.
+  // most kMostPixels. They are let go at the end. Throws std::bad_alloc without memory.
   explicit PixelEdges(std::vector<PlaneImage<float>> planes);
+
+  // The second half of the work: the constructor leaves the edges in groups of nearly equal weight. Only
+  // once, and before KeepIf. Throws std::bad_alloc without memory.
+  void Sort();
 
   std::size_t size() const { return size_; }
 
@@ -59,6 +63,7 @@ class PixelEdges {
 
  private:
   std::array<std::int32_t, 4> toNeighbour_;  // from the index of a pixel
+  std::vector<std::size_t> groupEnds_;       // until the edges are sorted
   std::unique_ptr<std::uint64_t[]> edges_;
   std::size_t size_ = 0;
 };

@@ -7,6 +7,7 @@
 #include "Segmentation/GaussianPlane.h"
 #include "Segmentation/PixelEdges.h"
 #include "io/MachineMemory.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
@@ -39,11 +40,21 @@ Planes PlanesOf(const PlaneImage<Rgb>& image) {
   return planes;
 }
 
+// Tells of a step of the work on so many pixels, if it takes a while.
+void TellStep(std::size_t nPixels, const char* text) {
+  constexpr std::size_t kMany = 4000000;
+  if (nPixels > kMany) Ui().SetStatusText(0, text);
+}
+
 // The regions of at least `minSize` pixels, as far as they have neighbours.
 DisjointSet RegionsOf(Planes planes, float c, std::int32_t minSize) {
-  const auto nPixels = static_cast<std::int32_t>(planes[0].pixels.size());
+  const std::size_t nPixels = planes[0].pixels.size();
+  TellStep(nPixels, "Building edges ...");
   PixelEdges edges(std::move(planes));
-  RegionGrower grower(nPixels, c);
+  TellStep(nPixels, "Sorting edges ...");
+  edges.Sort();
+  TellStep(nPixels, "Merging ...");
+  RegionGrower grower(static_cast<std::int32_t>(nPixels), c);
   DisjointSet& sets = grower.GetSets();
   edges.KeepIf(sets, [&](const SegEdge& edge) { return grower.Separates(edge); });
   // An edge within a region stays there, so that those are all that small regions can be joined along.
@@ -86,6 +97,7 @@ PlaneImage<Rgb> Segment(const PlaneImage<Pixel>& image, float sigma, float c, st
   regionCount = 0;
   if (image.pixels.empty() || sigma > kLargestSigma) return {};
   if (!HasMemoryToSegment(static_cast<std::int64_t>(image.pixels.size()))) return {};
+  TellStep(image.pixels.size(), "Smoothing ...");
   const std::vector<float> mask = GaussianMask(sigma > 0.01f ? sigma : 0.01f);
   Planes planes = PlanesOf(image);
   for (PlaneImage<float>& plane : planes) SmoothPlane(plane, mask);

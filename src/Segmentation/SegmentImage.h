@@ -21,6 +21,8 @@ bool HasMemoryToSegment(std::int64_t nPixels);
 // of std::rand for each pixel of the image after std::srand(55), of which the region takes those of its
 // root. Two regions may have the same colour by chance.
 //
+// Of images of more than 4 million pixels the message pane tells the steps.
+//
 // `regionCount` is the number of regions. The result is empty, with a count of 0, for an image without
 // pixels, a sigma above kLargestSigma, and without memory.
 PlaneImage<Rgb> SegmentImage(const PlaneImage<std::uint8_t>& image, float sigma, float c,

@@ -44,40 +44,41 @@ int DecomposeSamples(const Wavelet& wavelet, std::span<const Sample> signal, std
   const std::size_t n = signal.size();
   const std::vector<double> buffer = Extended(signal, length - 2, n % 2 + length - 2);
   const std::size_t half = (n - 1 + length) / 2;
-  result.assign(2 * half, 0.0);
+  std::vector<double> coefficients(2 * half);
   for (std::size_t i = 0; i < half; ++i) {
     for (std::size_t j = 0; j < length; ++j) {
-      result[i] += buffer[2 * i + j] * wavelet.m_loD[length - j - 1];
-      result[i + half] += buffer[2 * i + j] * wavelet.m_hiD[length - j - 1];
+      coefficients[i] += buffer[2 * i + j] * wavelet.m_loD[length - j - 1];
+      coefficients[i + half] += buffer[2 * i + j] * wavelet.m_hiD[length - j - 1];
     }
   }
+  result = std::move(coefficients);
   return 1;
 }
 
 template <typename Sample>
 int DecomposeSampleLevels(const Wavelet& wavelet, std::span<const Sample> signal,
                           std::vector<double>& coefficients, std::vector<std::int32_t>& lengths, int levels) {
-  coefficients.clear();
-  lengths.clear();
-  if (levels < 1 || levels > Wavelet::kMostLevels) return -1;
   std::vector<double> level;
-  if (DecomposeSamples(wavelet, signal, level) < 0) return -1;
+  const bool isInRange = levels >= 1 && levels <= Wavelet::kMostLevels;
+  if (!isInRange || DecomposeSamples(wavelet, signal, level) < 0) {
+    coefficients.clear();
+    lengths.clear();
+    return -1;
+  }
 
+  std::vector<double> all;                   // the approximation first
   std::vector<std::vector<double>> details;  // the finest first
   for (int i = levels; i >= 1; --i) {
-    const std::vector<double> approximation(level.begin(), level.begin() + std::ssize(level) / 2);
+    all.assign(level.begin(), level.begin() + std::ssize(level) / 2);
     details.emplace_back(level.begin() + std::ssize(level) / 2, level.end());
-    if (i > 1) {
-      wavelet.Decompose(approximation, level);
-    } else {
-      coefficients = approximation;
-    }
+    if (i > 1) wavelet.Decompose(all, level);
   }
-  lengths.push_back(static_cast<std::int32_t>(coefficients.size()));
+  lengths = {static_cast<std::int32_t>(all.size())};
   for (auto detail = details.rbegin(); detail != details.rend(); ++detail) {
     lengths.push_back(static_cast<std::int32_t>(detail->size()));
-    coefficients.insert(coefficients.end(), detail->begin(), detail->end());
+    all.insert(all.end(), detail->begin(), detail->end());
   }
+  coefficients = std::move(all);
   return 1;
 }
 
@@ -149,10 +150,10 @@ int Wavelet::DecomposeLevels(std::span<const double> signal, std::vector<double>
 
 int Wavelet::ReconstructLevels(std::span<const double> coefficients, std::span<const std::int32_t> lengths,
                                std::vector<double>& result, int levels) const {
-  result.clear();
-  if (levels < 1 || std::ssize(lengths) <= levels) return -1;
   std::vector<double> left(coefficients.begin(), coefficients.end());
   std::vector<double> signal;
+  result.clear();
+  if (levels < 1 || levels > kMostLevels || std::ssize(lengths) <= levels) return -1;
   std::size_t offset = 0;
   for (std::size_t i = 1; i <= static_cast<std::size_t>(levels); ++i) {
     if (lengths[i] < 1) return -1;

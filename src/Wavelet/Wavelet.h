@@ -20,7 +20,7 @@ namespace corvane {
 //   wavelet.Decompose(std::vector<double>{1, 1, 3, 3}, result);  // sqrt(2), 3 sqrt(2), 0, 0
 //
 // All transforms return 1; -1, with empty results, without a filter, for an empty signal and for numbers that
-// fit no signal.
+// fit no signal. A result may be the vector that the input stands in.
 class Wavelet {
  public:
   // From here on more levels no longer make a signal shorter.

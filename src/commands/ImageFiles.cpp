@@ -1,5 +1,7 @@
 #include "commands/ImageFiles.h"
 
+#include <algorithm>
+
 #include "ui/ErrorTexts.h"
 
 namespace corvane {
@@ -8,21 +10,43 @@ namespace {
 
 constexpr int kNoMemory = -3;  // of ErdasImg::Read
 
-// Whether the file of a .lan ended within the header. All of the pixels are missing then, too.
-bool LacksHeader(const ErdasImg& image) {
-  const BandArray& bands = image.GetBands();
-  return image.GetMissingBytes() > static_cast<std::int64_t>(bands.GetBandBytes() * bands.size());
+bool HasSize(const ErdasImg& image) {
+  const auto [cols, rows] = image.GetSize();
+  return cols > 0 && rows > 0 && image.GetBandCount() > 0;
 }
 
-// Why an image is not, or not wholly, what its file should give; "" if it is, or if Read has told it: that
-// the file does not open, or that there is no memory for the bands of a .lan.
-std::string WhyNotRead(int status, const std::string& path, const ErdasImg& image) {
+std::int64_t BytesOfBands(const ErdasImg& image) {
+  const BandArray& bands = image.GetBands();
+  return static_cast<std::int64_t>(bands.GetBandBytes() * bands.size());
+}
+
+// Whether the file of a .lan ended within the header. All of the pixels are missing then, too.
+bool LacksHeader(const ErdasImg& image) {
+  return image.GetMissingBytes() > BytesOfBands(image);
+}
+
+// Whether the file of a .lan is so short that its header is likely to be none.
+bool LacksMost(const ErdasImg& image) {
+  const std::int64_t nMissing = image.GetMissingBytes();
+  const std::int64_t nHeld = std::int64_t{sizeof(ErdasHeader)} + BytesOfBands(image) - nMissing;
+  return nMissing > std::max(ErdasImg::kMaxFilledBytes, nHeld);
+}
+
+// Why there is no image; "" if there is one, or if Read has told it: that the file does not open, or that
+// there is no memory for the bands of a .lan.
+std::string WhyNoImage(int status, const std::string& path, const ErdasImg& image) {
   if (status == kNoMemory) return ErdasImg::kNoMemoryText;
   if (status == -1) return path.empty() ? OpenErrorText(path) : "";
   if (LacksHeader(image)) return OpenErrorText(path) + "\nIt is shorter than the header of an image.";
-  if (status == 1 && (HasPixels(image) || !image.GetBands())) return "";
-  if (!HasPixels(image)) return OpenErrorText(path);
-  return OpenErrorText(path) + "\nThe file is damaged; what could not be read is zero.";
+  if (!HasSize(image)) return OpenErrorText(path) + "\nIts header gives no rows, columns or bands.";
+  if (LacksMost(image)) return OpenErrorText(path) + "\nMost of its pixels are missing.";
+  return "";
+}
+
+void MakeEmpty(ErdasImg& image) {
+  image.Free();
+  *image.GetHeader() = ErdasHeader();
+  image.BytesPerPixelOf(kPackByte);
 }
 
 void SayWritten(const std::string& path, const std::string& what) {
@@ -36,20 +60,21 @@ std::string SizeText(const ImageSize& size) {
 }  // namespace
 
 bool HasPixels(const ErdasImg& image) {
-  const auto [cols, rows] = image.GetSize();
-  return image.GetBands() && cols > 0 && rows > 0 && image.GetBandCount() > 0;
+  return image.GetBands() && HasSize(image);
 }
 
 bool ReadImage(const std::string& path, ErdasImg& image) {
   WaitCursor wait;
   const int status = image.Read(path);
-  const std::string failure = WhyNotRead(status, path, image);
+  const std::string failure = WhyNoImage(status, path, image);
   if (!failure.empty()) ShowWarning(failure);
+  if (!failure.empty() || !HasPixels(image)) {
+    MakeEmpty(image);
+    return false;
+  }
   TellCut(image);
-  if (HasPixels(image)) return failure.empty();
-  image.Free();
-  *image.GetHeader() = ErdasHeader();
-  image.BytesPerPixelOf(kPackByte);
+  if (status == 1) return true;
+  ShowWarning(OpenErrorText(path) + "\nThe file is damaged; what could not be read is zero.");
   return false;
 }
 
@@ -62,6 +87,10 @@ std::string CutText(const ErdasImg& image, const std::string& name) {
   const std::int64_t nMissing = image.GetMissingBytes();
   if (nMissing == 0 || !HasPixels(image)) return "";
   return " " + name + " is cut short: bytes missing: " + std::to_string(nMissing) + ".";
+}
+
+std::string AsBytesText(std::uint16_t packType) {
+  return BytesOfPackType(packType) > 1 ? " Its pixels count as bytes." : "";
 }
 
 bool WriteImage(const std::string& path, ErdasImg& image) {

@@ -16,9 +16,12 @@ namespace corvane {
 namespace {
 
 std::string ClassesText(const Classification& isodata) {
-  const std::string text = " Classes: " + std::to_string(isodata.m_classCount) + ".";
-  if (isodata.m_classCount > 0) return text;
-  return text + " No grey level is a peak of more than " + std::to_string(isodata.m_minPeak) + " pixels.";
+  const std::string text = " Classes: " + std::to_string(isodata.m_classCount);
+  const int nEmpty = isodata.CountEmptyClasses();
+  if (nEmpty > 0)
+    return text + ", of which " + std::to_string(nEmpty) + (nEmpty > 1 ? " are" : " is") + " empty.";
+  if (isodata.m_classCount > 0) return text + ".";
+  return text + ". No grey level is a peak of more than " + std::to_string(isodata.m_minPeak) + " pixels.";
 }
 
 }  // namespace
@@ -42,11 +45,12 @@ CommandResult OnIsodata(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg image;
   const bool isRead = ReadImage(*path, image);
+  if (!HasPixels(image)) return CommandResult::Failed;
   Classification isodata(&image);
   if (isodata.Classify() < 0) return FailWithWarning(ErdasImg::kNoMemoryText);
   // Kept: in the current folder, wherever the image is.
   return StoreImage(FileTitle(*path) + "_cls.lan", isodata.GetClassImage(), isRead,
-                    ClassesText(isodata) + CutText(image));
+                    ClassesText(isodata) + CutText(image) + AsBytesText(image.GetPackType()));
 }
 
 CommandResult OnWaveletTransform(CCorvaneView&) {

@@ -7,6 +7,7 @@
 #include "commands/Failures.h"
 #include "commands/ImageFiles.h"
 #include "commands/ImageMenu.h"
+#include "io/OutputFile.h"
 
 namespace corvane {
 
@@ -27,10 +28,15 @@ PlaneImage<Rgb> SegmentBands(ErdasImg& image, const SegmentParam& param, std::in
   }
 }
 
+// Tries it without leaving anything, as segmenting takes long.
+bool MayWrite(const std::string& path) {
+  return OutputFile(path).IsOpen();
+}
+
 // Writes the colours of the regions with the place and cell of the header.
 int WriteRegions(const std::string& path, ErdasHeader header, PlaneImage<Rgb>& regions) {
   header.bandCount = 3;
-  if (BytesOfPackType(header.packType) != 1) header.packType = kPackByte;  // whatever the image had
+  header.packType = kPackByte;  // whatever the image had
   ErdasImg output;
   if (const int status = output.Create(header, true); status < 0) return status;
   return output.WriteInterleaved(path, reinterpret_cast<const std::uint8_t*>(regions.pixels.data()));
@@ -43,12 +49,14 @@ CommandResult OnSegmention(CCorvaneView&) {
   if (!param.Ask()) return CommandResult::Cancelled;
   WaitCursor wait;
   ErdasImg image;
-  const bool isRead = ReadImage(param.m_inputPath, image);
+  const bool isRead = !param.m_inputPath.empty() && ReadImage(param.m_inputPath, image);
   if (!HasPixels(image)) return FailWith("Read image failed!");
   const std::int32_t nBands = image.GetBandCount();
   if (nBands != 1 && nBands != 3) return FailWith("The image has more than 3 bands!");
 
-  const std::string cutText = CutText(image);
+  if (!MayWrite(param.m_outputPath)) return FailToWrite(param.m_outputPath);
+
+  const std::string notes = CutText(image) + AsBytesText(image.GetPackType());
   std::int32_t regionCount = 0;
   PlaneImage<Rgb> regions = nBands == 3 ? SegmentBands<Rgb>(image, param, regionCount)
                                         : SegmentBands<std::uint8_t>(image, param, regionCount);
@@ -57,8 +65,7 @@ CommandResult OnSegmention(CCorvaneView&) {
   if (WriteRegions(param.m_outputPath, *image.GetHeader(), regions) != 1) {
     return FailToWrite(param.m_outputPath);
   }
-  TellWritten(param.m_outputPath, image.GetSize(),
-              " Regions: " + std::to_string(regionCount) + "." + cutText);
+  TellWritten(param.m_outputPath, image.GetSize(), " Regions: " + std::to_string(regionCount) + "." + notes);
   return ResultOf(isRead);
 }
 

@@ -51,7 +51,8 @@ int ReadLayout(InputFile& file, FileLayout& layout) {
   if (layout.bitsOffset < paletteEnd) return kNoBitmap;
   header.size = sizeof header;
   header.planes = 1;
-  header.colorsUsed = static_cast<std::uint32_t>(nColours);
+  const bool isWholePalette = nColours == PaletteSize(header.bitCount, 0);
+  header.colorsUsed = isWholePalette ? 0 : static_cast<std::uint32_t>(nColours);
   header.colorsImportant = 0;
   return 1;
 }

@@ -116,7 +116,7 @@ class ErdasImg {
 
   // Reads header and pixels of an open .lan: the one band, or for each row a line of each band. Nothing is
   // checked; pixels that the file lacks are zero. Always 1: without memory for the pixels it shows
-  // kNoMemoryText and the image has none.
+  // kNoMemoryText and the image has none; without a word if the header is cut short or a size negative.
   int ReadLan(InputFile& file);
 
   // Bytes of header and pixels that a .lan or a float grid lacked when it was read last; 0 for other files.
@@ -353,8 +353,9 @@ class ErdasImg {
   void ComputeSumsExcept(std::uint8_t value);
 
   // Adds an image of the same geometry pixel by pixel, if its pixels are floats or doubles. The path form
-  // takes a .lan alone, whatever its name, and holds a block of it at a time. 1; -1 if the geometry differs
-  // or the file does not open, the latter with a warning.
+  // takes a .lan alone, whatever its name, and holds a block of it at a time. 1; -1 if the geometry differs,
+  // the file does not open, or it ends before its last pixel, when what it holds has been added; the latter
+  // two with a warning.
   int AddImage(const ErdasImg& other);
   int AddImage(const std::string& path);
 

@@ -129,7 +129,8 @@ int ErdasImg::ReadHeader(const std::string& path) {
 int ErdasImg::ReadLan(InputFile& file) {
   missingBytes_ = static_cast<std::int64_t>(sizeof m_header - file.Read(&m_header, sizeof m_header));
   if (!AllocateUpTo(file.BytesLeft().value_or(0) + kMaxMissingBytes, false)) {
-    ShowWarning(kNoMemoryText);
+    const bool isSize = missingBytes_ == 0 && m_header.cols > 0 && m_header.rows > 0;
+    if (isSize) ShowWarning(kNoMemoryText);
     return 1;
   }
   const std::size_t got = GetBandCount() == 1 ? file.Read(m_bands[0], m_bands.GetBandBytes())

@@ -131,7 +131,7 @@ QLabel* CFormDialog::MakeProblem(const FormField& field) {
 }
 
 QWidget* CFormDialog::MakeBrowseButton(const FormField& field, QWidget* editor) {
-  auto* button = new QPushButton("Browse...");
+  auto* button = new QPushButton("Browse");
   button->setObjectName(Shown(field.name) + " browse");
   button->setAutoDefault(false);
   connect(button, &QPushButton::clicked, this, [this, chooser = *field.browse, editor] {

@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <algorithm>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <memory>
 
@@ -81,6 +82,7 @@ int RunWorkbench(QApplication& application, const Arguments& arguments) {
 
 int main(int argc, char** argv) {
   using namespace corvane;
+  std::signal(SIGXFSZ, SIG_IGN);  // a write beyond the limit of file sizes fails, which is told
   const std::vector<std::string> words = Words(argc, argv);
   const Arguments first = ReadArguments(words);
   if (first.help || first.version) {  // these need no display

@@ -203,11 +203,58 @@ TEST_F(RoundTest, AnEmptyClassLeavesNoNumberAndTheNextOneStartsAtTheFirstLevel) 
   EXPECT_THAT(labels, testing::Each(3));
 }
 
-TEST_F(RoundTest, ProductsOfLevelAndCountWrapAround) {
+TEST_F(RoundTest, ProductsOfLevelAndCountWrapAroundAt2To32) {
   std::vector<double> centers = {200.0};
-  const std::int32_t count = 20000000;  // * 200 = 4e9, which is 4e9 - 2^32 = -294967296 in 32 bits
-  Run(CountsOf({{200, count}}), centers, 1);
-  EXPECT_EQ(centers[0], -294967296.0 / count);
+  Run(CountsOf({{200, 20000000}}), centers, 1);  // 4e9, which is above 2^31
+  EXPECT_EQ(centers[0], 200.0);
+  Run(CountsOf({{200, 30000000}}), centers, 1);  // 6e9 - 2^32 = 1705032704
+  EXPECT_EQ(centers[0], 1705032704.0 / 30000000.0);
+}
+
+// A round as it is defined, on 64-bit sums of products cut to 32 bits.
+void PlainRound(const Counts& counts, std::vector<double>& centers, Classification::Labels& labels) {
+  const int classCount = static_cast<int>(centers.size());
+  int start = 0;
+  for (int c = 1; c <= classCount; ++c) {
+    double& center = centers[static_cast<std::size_t>(c - 1)];
+    int end = 255;
+    if (c < classCount) {
+      const double bound = (center + centers[static_cast<std::size_t>(c)]) / 2 + 0.5;
+      end = std::isnan(bound) ? -1 : static_cast<int>(bound);
+    }
+    std::int64_t sum = 0;
+    std::int64_t count = 0;
+    for (int v = start; v <= std::min(end, 255); ++v) {
+      labels[static_cast<std::size_t>(v)] = c;
+      sum += std::int64_t{counts[static_cast<std::size_t>(v)]} * v % (std::int64_t{1} << 32);
+      count += counts[static_cast<std::size_t>(v)];
+    }
+    center = static_cast<double>(sum) / static_cast<double>(count);
+    start = end + 1;
+  }
+}
+
+TEST_F(RoundTest, RoundsGiveWhatThePlainFormGives) {
+  std::mt19937 random(7);
+  for (int i = 0; i < 200; ++i) {
+    Counts counts;
+    for (auto& count : counts) {
+      count = random() % 3 == 0 ? static_cast<std::int32_t>(random() % (i % 2 == 0 ? 5000 : 50000000)) : 0;
+    }
+    std::vector<double> centers;
+    for (unsigned level = random() % 60; level < 256; level += 1 + random() % 90) centers.push_back(level);
+    std::vector<double> plainCenters = centers;
+    Classification::Labels plainLabels = labels;
+    for (int round = 0; round < 5; ++round) {
+      Run(counts, centers, static_cast<int>(centers.size()));
+      PlainRound(counts, plainCenters, plainLabels);
+      ASSERT_EQ(labels, plainLabels) << i << " " << round;
+      for (std::size_t c = 0; c < centers.size(); ++c) {
+        const bool areEqual = centers[c] == plainCenters[c];
+        EXPECT_TRUE(areEqual || (std::isnan(centers[c]) && std::isnan(plainCenters[c]))) << i << " " << c;
+      }
+    }
+  }
 }
 
 TEST_F(RoundTest, NoClassesChangeNothing) {
@@ -255,6 +302,25 @@ TEST_F(ClassificationTest, RoundsMoveTheBounds) {
 }
 
 TEST_F(ClassificationTest, ThereAreFiveRoundsAtMost) {
+  // Until nothing changes it would take nine: 199 comes back to class 3 in the fifth one, 192 in the sixth.
+  ErdasImg image = ImageOf({{3, 750},
+                            {56, 500},
+                            {69, 34},
+                            {128, 295},
+                            {132, 807},
+                            {146, 759},
+                            {162, 2757},
+                            {185, 593},
+                            {187, 1412},
+                            {192, 101},
+                            {199, 1768},
+                            {222, 881},
+                            {238, 356}});
+  EXPECT_THAT(ClassesOf(image, {3, 69, 128, 162, 185, 187, 192, 199, 222, 238}),
+              ElementsAre(1, 1, 2, 2, 2, 2, 2, 3, 3, 3));
+}
+
+TEST_F(ClassificationTest, ClassifySetsItsLimits) {
   ErdasImg image = ImageOf({{10, 1500}});
   Classification isodata(&image);
   isodata.Classify();
@@ -271,6 +337,35 @@ TEST_F(ClassificationTest, ASaturatedPhotoIsClassified) {
   // 255; class 2 is no number from here on, and so is the bound of class 1 in the next round.
   ErdasImg image = ImageOf({{50, 2000}, {150, 2000}, {255, 3000}});
   EXPECT_THAT(ClassesOf(image, {50, 150, 255}), ElementsAre(3, 3, 3));
+  Classification isodata(&image);
+  isodata.Classify();
+  EXPECT_EQ(isodata.m_classCount, 3);
+  EXPECT_EQ(isodata.CountEmptyClasses(), 2);
+}
+
+TEST_F(ClassificationTest, ClassesWithPixelsAreNotEmpty) {
+  ErdasImg image = ImageOf({{10, 1500}, {90, 3000}, {200, 2000}});
+  Classification isodata(&image);
+  EXPECT_EQ(isodata.CountEmptyClasses(), 0);  // there are none yet
+  isodata.Classify();
+  EXPECT_EQ(isodata.m_classCount, 3);
+  EXPECT_EQ(isodata.CountEmptyClasses(), 0);
+}
+
+TEST_F(ClassificationTest, ClassesOfWidePixelsAreThoseOfTheFirstBytes) {
+  ErdasHeader header;
+  header.packType = kPackUInt16;
+  header.cols = 4000;
+  ErdasImg image;
+  ASSERT_EQ(image.Create(header, false), 1);
+  for (std::int32_t col = 0; col < 2000; ++col) image.SetPixel(0, 0, col, 0x6414);  // the bytes 20 and 100
+  for (std::int32_t col = 2000; col < 4000; ++col) image.SetPixel(0, 0, col, 0xC8C8);
+  Classification isodata(&image);
+  ASSERT_EQ(isodata.Classify(), 1);
+  const ErdasImg& classes = isodata.GetClassImage();
+  EXPECT_EQ(classes.GetPackType(), kPackByte);
+  ASSERT_EQ(classes.GetBands().GetBandBytes(), 4000u);
+  for (std::int32_t i = 0; i < 4000; ++i) ASSERT_EQ(classes.GetBands()[0][i], 1 + i % 2) << i;
 }
 
 TEST_F(ClassificationTest, ThreeBandsAreClassifiedOnTheFirst) {
@@ -303,6 +398,7 @@ TEST_F(ClassificationTest, WithoutAnImageNothingHappens) {
   isodata.MarkNonUniform();
   isodata.DumpHistogram([](const std::string&) { ADD_FAILURE(); });
   EXPECT_THAT(isodata.m_histogram, IsEmpty());
+  EXPECT_EQ(isodata.CountEmptyClasses(), 0);
   EXPECT_FALSE(isodata.GetClassImage().GetBands());
   EXPECT_FALSE(std::filesystem::exists("isoDataLog.txt"));
 }

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdlib>
 #include <limits>
 #include <map>
 #include <random>
@@ -11,6 +13,7 @@
 #include "Segmentation/GaussianPlane.h"
 #include "Segmentation/PixelEdges.h"
 #include "Segmentation/PlainSegmentation.h"
+#include "support/TestFrontEnd.h"
 
 namespace corvane {
 namespace {
@@ -203,6 +206,38 @@ TEST(SegmentImageTest, ColoursAreTheSameInEveryRun) {
   EXPECT_TRUE(SegmentImage(image, 1.0f, 100.0f, 10, count).pixels == first.pixels);
 }
 
+TEST(SegmentImageTest, RegionsMayHaveTheSameColourByChance) {
+  // 70000 pixels of which all neighbours differ, each a region of its own with its own place in the sequence.
+  Grey image(700, 100);
+  for (std::int32_t y = 0; y < 100; ++y) {
+    for (std::int32_t x = 0; x < 700; ++x)
+      image.Row(y)[x] = static_cast<std::uint8_t>(x % 5 * 50 + y % 5 * 9);
+  }
+  std::int32_t count = 0;
+  const Colours regions = SegmentImage(image, kNoSmoothing, 1.0f, 1, count);
+  EXPECT_EQ(count, 70000);
+  std::srand(55);
+  std::set<std::array<int, 3>> expected, found;
+  for (const Rgb& colour : regions.pixels) {
+    std::array<int, 3> next;
+    for (int& component : next) component = std::rand() & 255;
+    expected.insert(next);
+    found.insert({colour.r, colour.g, colour.b});
+  }
+  EXPECT_EQ(found, expected);
+  EXPECT_LT(found.size(), 70000u);
+}
+
+TEST(SegmentImageTest, TheStepsOfALargeImageAreTold) {
+  TestFrontEnd ui;
+  std::int32_t count = 0;
+  SegmentImage(Grey(2000, 2000), kNoSmoothing, 350.0f, 150, count);
+  EXPECT_THAT(ui.events, IsEmpty());
+  SegmentImage(Grey(2001, 2000), kNoSmoothing, 350.0f, 150, count);
+  EXPECT_THAT(ui.events, testing::ElementsAre("status 0: Smoothing ...", "status 0: Building edges ...",
+                                              "status 0: Sorting edges ...", "status 0: Merging ..."));
+}
+
 TEST(SegmentImageTest, NoImageAndSigmasThatAreTooLargeGiveNothing) {
   std::int32_t count = 7;
   EXPECT_THAT(SegmentImage(Grey(), 1.0f, 350.0f, 150, count).pixels, IsEmpty());
@@ -261,7 +296,8 @@ TEST(PixelEdgesTest, GoFromEachPixelToFourNeighboursByWeight) {
   PlaneImage<float> plane(2, 2);
   plane.pixels = {0.0f, 3.0f, 4.0f, 9.0f};
   std::vector<PlaneImage<float>> planes = {plane, PlaneImage<float>(2, 2), PlaneImage<float>(2, 2)};
-  const PixelEdges edges(std::move(planes));
+  PixelEdges edges(std::move(planes));
+  edges.Sort();
   ASSERT_EQ(edges.size(), 6u);
   const float weights[] = {1.0f, 3.0f, 4.0f, 5.0f, 6.0f, 9.0f};
   const int pixels[][2] = {{2, 1}, {0, 1}, {0, 2}, {2, 3}, {1, 3}, {0, 3}};
@@ -275,7 +311,8 @@ TEST(PixelEdgesTest, GoFromEachPixelToFourNeighboursByWeight) {
 TEST(PixelEdgesTest, OfEqualWeightKeepTheOrderOfPixelsAndNeighbours) {
   std::vector<PlaneImage<float>> planes;
   planes.emplace_back(3, 2);
-  const PixelEdges edges(std::move(planes));
+  PixelEdges edges(std::move(planes));
+  edges.Sort();
   const int pixels[][2] = {{0, 1}, {0, 3}, {0, 4}, {1, 2}, {1, 4}, {1, 5},
                            {2, 5}, {3, 4}, {3, 1}, {4, 5}, {4, 2}};
   ASSERT_EQ(edges.size(), std::size(pixels));
@@ -289,6 +326,7 @@ TEST(PixelEdgesTest, KeepIfDropsWhatIsRefused) {
   std::vector<PlaneImage<float>> planes;
   planes.emplace_back(20, 20);
   PixelEdges edges(std::move(planes));
+  edges.Sort();
   const std::size_t before = edges.size();
   std::size_t nAsked = 0;
   edges.KeepIf(DisjointSet(400), [&](const SegEdge& edge) {

@@ -221,11 +221,35 @@ TEST(WaveletTest, LevelsOutOfRangeGiveNothing) {
   const std::vector<double> signal(8, 1.0);
   std::vector<double> result;
   std::vector<std::int32_t> lengths;
+  const std::vector<std::int32_t> manyLengths(Wavelet::kMostLevels + 2, 1);
+  const std::vector<double> many(manyLengths.size(), 1.0);
+  EXPECT_EQ(wavelet.ReconstructLevels(many, manyLengths, result, Wavelet::kMostLevels), 1);
   for (const int levels : {INT32_MIN, -1, 0, Wavelet::kMostLevels + 1, INT32_MAX}) {
     EXPECT_EQ(wavelet.DecomposeLevels(signal, result, lengths, levels), -1) << levels;
-    EXPECT_EQ(wavelet.ReconstructLevels(signal, std::vector<std::int32_t>{4, 4}, result, levels), -1);
+    EXPECT_EQ(wavelet.ReconstructLevels(many, manyLengths, result, levels), -1) << levels;
+    EXPECT_THAT(result, IsEmpty());
     EXPECT_EQ(wavelet.ApproximateBytes(std::vector<std::uint8_t>(8), result, levels), -1);
   }
+}
+
+TEST(WaveletTest, AResultMayBeTheVectorOfTheInput) {
+  const Wavelet wavelet = WaveletOf("db2");
+  const std::vector<double> signal = RandomSignal(21);
+  std::vector<double> expected, numbers = signal;
+  std::vector<std::int32_t> lengths;
+  wavelet.Decompose(signal, expected);
+  EXPECT_EQ(wavelet.Decompose(numbers, numbers), 1);
+  EXPECT_EQ(numbers, expected);
+  EXPECT_EQ(wavelet.Reconstruct(numbers, numbers), 1);
+  EXPECT_THAT(FirstOf(numbers, 21), Pointwise(DoubleNear(1e-9), signal));
+  numbers = signal;
+  wavelet.DecomposeLevels(signal, expected, lengths, 3);
+  EXPECT_EQ(wavelet.DecomposeLevels(numbers, numbers, lengths, 3), 1);
+  EXPECT_EQ(numbers, expected);
+  EXPECT_EQ(wavelet.ReconstructLevels(numbers, lengths, numbers, 3), 1);
+  EXPECT_THAT(FirstOf(numbers, 21), Pointwise(DoubleNear(1e-9), signal));
+  EXPECT_EQ(wavelet.DecomposeLevels(numbers, numbers, lengths, 0), -1);
+  EXPECT_THAT(numbers, IsEmpty());
 }
 
 TEST(WaveletTest, LengthsThatDoNotFitTheCoefficientsGiveNothing) {

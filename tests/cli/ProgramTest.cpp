@@ -7,20 +7,33 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "erdasimg/ErdasHeader.h"
 #include "support/TempFolder.h"
 
 namespace corvane {
 namespace {
 
 using testing::HasSubstr;
+using testing::UnorderedElementsAre;
 
 class ProgramTest : public testing::Test {
  protected:
   // The exit status of a call; its outputs go to "out" and "err".
   static int Call(const std::string& arguments, const std::string& out = "out") {
     const std::string command = "'" CORVANE_CLI "' " + arguments + " > " + out + " 2> err < /dev/null";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return StatusOf(std::system(command.c_str()));
+  }
+
+  // -1 after a signal.
+  static int StatusOf(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
+
+  // The names of the files in the current folder.
+  static std::vector<std::string> Files() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(".")) {
+      names.push_back(entry.path().filename());
+    }
+    return names;
   }
 
   TempFolder folder_;
@@ -75,6 +88,17 @@ TEST_F(ProgramTest, SpacingThatIsCancelledForEverEndsTheProcess) {
   WriteFileBytes("survey.txt", "0 0 1\n");
   EXPECT_EQ(Call("run 'Text Points(XYZ) to Bin' survey.txt survey.pts -5 @cancel"), 3);
   EXPECT_FALSE(std::filesystem::exists("survey.pts"));
+}
+
+TEST_F(ProgramTest, ALimitOfFileSizesIsAFailedWrite) {
+  ErdasHeader header;
+  header.cols = header.rows = 100;
+  WriteFileBytes(
+      "a.lan", std::string(reinterpret_cast<const char*>(&header), sizeof header) + std::string(10000, '\7'));
+  const std::string call = "ulimit -f 8 && '" CORVANE_CLI "' run 'Gaussian Smooth' a.lan 2 b.lan 2> err";
+  EXPECT_EQ(StatusOf(std::system(call.c_str())), 1);  // the result has 40128 bytes
+  EXPECT_THAT(ReadFileBytes("err"), HasSubstr("Write file b.lan error!"));
+  EXPECT_THAT(Files(), UnorderedElementsAre("a.lan", "err"));
 }
 
 TEST_F(ProgramTest, OutputOnAFullDeviceIsStatus1) {

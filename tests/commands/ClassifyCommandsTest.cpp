@@ -66,12 +66,44 @@ TEST_F(ClassifyCommandsTest, IsodataOfASmallImageFindsNoPeak) {
                           "peak of more than 1000 pixels."));
 }
 
-TEST_F(ClassifyCommandsTest, IsodataGoesOnWithAnEmptyImageAfterAFailedRead) {
-  ui.files = {{"none.lan"}};
-  EXPECT_EQ(Run("ISODATA"), CommandResult::Failed);
-  EXPECT_THAT(Messages(), ElementsAre(kOpenBox));
-  EXPECT_EQ(ReadFileBytes("none_cls.lan"), LanOf<std::uint8_t>(kPackByte, 1, 1, {255}));
-  EXPECT_EQ(ui.waitDepth, 0);
+TEST_F(ClassifyCommandsTest, IsodataWithoutPixelsLeavesTheOldClasses) {
+  WriteFileBytes("none_cls.lan", "old");
+  WriteFileBytes("flat_cls.lan", "old");
+  WriteFileBytes("flat.lan", BytesOf(HeaderOf(kPackByte, 1, 5, 0)));
+  ExpectFailure("ISODATA", {{"none.lan"}}, {kOpenBox});
+  ExpectFailure("ISODATA", {{"flat.lan"}},
+                {"message warning: Open file flat.lan error!\nIts header gives no rows, columns or bands."});
+  EXPECT_EQ(ReadFileBytes("none_cls.lan"), "old");
+  EXPECT_EQ(ReadFileBytes("flat_cls.lan"), "old");
+  EXPECT_THAT(ui.EventsWith("status"), IsEmpty());
+}
+
+TEST_F(ClassifyCommandsTest, IsodataTellsHowManyClassesAreEmpty) {
+  // A peak at 255 behind two others: all levels come to the last class.
+  WriteFileBytes("a.lan", StripesBytes({50, 150, 255}));
+  ui.files = {{"a.lan"}};
+  EXPECT_EQ(Run("ISODATA"), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Written to a_cls.lan: 60 rows, 100 columns. "
+                                                   "Classes: 3, of which 2 are empty."));
+  // A peak at 255 behind one other: class 1 is up to (50 + 0) / 2 + 0.5 = 25.
+  WriteFileBytes("a.lan", StripesBytes({50, 255}));
+  ui.files = {{"a.lan"}};
+  EXPECT_EQ(Run("ISODATA"), CommandResult::Done);
+  EXPECT_THAT(ui.EventsWith("status").back(), testing::EndsWith(" Classes: 2, of which 1 is empty."));
+}
+
+TEST_F(ClassifyCommandsTest, IsodataOfWidePixelsTakesTheirFirstBytes) {
+  // 4000 pixels of two bytes: of the first 4000 bytes every second one is 20, and the others are 100.
+  std::string bytes = BytesOf(HeaderOf(kPackUInt16, 1, 100, 40));
+  for (int i = 0; i < 2000; ++i) bytes += std::string("\x14\x64");
+  WriteFileBytes("a.lan", bytes + std::string(4000, '\xC8'));
+  ui.files = {{"a.lan"}};
+  EXPECT_EQ(Run("ISODATA"), CommandResult::Done);
+  std::string classes;
+  for (int i = 0; i < 2000; ++i) classes += std::string("\1\2");
+  EXPECT_EQ(ReadFileBytes("a_cls.lan"), BytesOf(HeaderOf(kPackByte, 1, 100, 40)) + classes);
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Written to a_cls.lan: 40 rows, 100 columns. "
+                                                   "Classes: 2. Its pixels count as bytes."));
 }
 
 TEST_F(ClassifyCommandsTest, IsodataTellsThatItCannotWrite) {
@@ -90,6 +122,8 @@ TEST_F(ClassifyCommandsTest, IsodataOfWideImagesAndDamagedOnesDoesNoHarm) {
     ErdasImg classes;
     EXPECT_EQ(classes.Read("a_cls.lan"), 1);
     EXPECT_EQ(classes.GetSize(), (ImageSize{50, 50}));
+    EXPECT_EQ(classes.GetPackType(), kPackByte);
+    EXPECT_EQ(classes.GetMissingBytes(), 0);
   }
   for (const std::int32_t size : {0, -1}) {
     WriteFileBytes("a.lan", BytesOf(HeaderOf(kPackByte, 1, size, size)));

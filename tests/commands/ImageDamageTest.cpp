@@ -101,7 +101,6 @@ TEST_F(ImageDamageTest, ADifferenceTellsWhichImageIsCut) {
                                       "missing: 3."));
 }
 
-// The header's fields are those of a new image, as far as the file does not reach: one pixel.
 TEST_F(ImageDamageTest, ALanShorterThanItsHeaderIsNoImage) {
   for (const std::size_t size : {0u, 127u}) {
     ui.events.clear();
@@ -110,10 +109,8 @@ TEST_F(ImageDamageTest, ALanShorterThanItsHeaderIsNoImage) {
     EXPECT_EQ(Run("Image conversion"), CommandResult::Failed);
     EXPECT_THAT(Messages(), ElementsAre("message warning: Open file short.lan error!\nIt is shorter than the "
                                         "header of an image."));
-    EXPECT_EQ(ReadFileBytes("out.lan"), BytesOf(ErdasHeader()) + PixelBytes<std::uint8_t>({0}));
-    EXPECT_EQ(Statuses().back(),
-              "status 0: Written to out.lan: 1 rows, 1 columns. The image is cut short: bytes missing: " +
-                  std::to_string(129 - size) + ".");
+    EXPECT_EQ(ReadFileBytes("out.lan"), BytesOf(ErdasHeader()));
+    EXPECT_THAT(Statuses(), ElementsAre("status 0: Written to out.lan: a header without pixels."));
   }
   std::filesystem::remove("out.lan");
   WriteFileBytes("whole.lan", BytesOf(ErdasHeader()));
@@ -128,21 +125,49 @@ TEST_F(ImageDamageTest, AShortTextAsImage) {
   WriteFileBytes("notes.lan", "These are notes, no pixels.");
   ui.files = {{"notes.lan"}, {"out.lan"}};
   EXPECT_EQ(Run("Image conversion"), CommandResult::Failed);
-  EXPECT_THAT(Messages(),
-              ElementsAre("message warning: Allocate Memory for Image Fails",
-                          "message warning: Open file notes.lan error!\nIt is shorter than the header of an "
-                          "image."));
+  EXPECT_THAT(Messages(), ElementsAre("message warning: Open file notes.lan error!\nIt is shorter than the "
+                                      "header of an image."));
   EXPECT_EQ(ReadFileBytes("out.lan"), BytesOf(ErdasHeader()));
   EXPECT_THAT(Statuses(), ElementsAre("status 0: Written to out.lan: a header without pixels."));
 }
 
-TEST_F(ImageDamageTest, AnImageWithoutPixelsIsNoImage) {
-  for (const ErdasHeader& header : {HeaderOf(kPackByte, 1, 0, 5), HeaderOf(kPackByte, 0, 5, 5)}) {
+// Sparse files, so that the bytes cost nothing.
+TEST_F(ImageDamageTest, ALanThatLacksMostOfItsPixelsIsNoImage) {
+  const auto read = [&](std::int32_t cols, std::int32_t rows, std::uintmax_t nHeld) {
+    WriteFileBytes("cut.lan", BytesOf(HeaderOf(kPackByte, 1, cols, rows)));
+    std::filesystem::resize_file("cut.lan", 128 + nHeld);
+    ui.events.clear();
+    ui.files = {{"cut.lan"}};
+    return Run("Image > Histogram");
+  };
+  const auto missing = [](int n) {
+    return "status 0: The image is cut short: bytes missing: " + std::to_string(n) + ".";
+  };
+  // 2^26 bytes may always be missing, and as many as there are.
+  EXPECT_EQ(read(8192, 8192, 0), CommandResult::Done);
+  EXPECT_THAT(Statuses(), ElementsAre(missing(67108864)));
+  EXPECT_EQ(read(10000, 14000, 69999936), CommandResult::Done);  // with the header 70000064
+  EXPECT_THAT(Statuses(), ElementsAre(missing(70000064)));
+  EXPECT_THAT(Messages(), IsEmpty());
+  for (const std::uintmax_t nHeld : {0, 69999935}) {
+    EXPECT_EQ(read(10000, 14000, nHeld), CommandResult::Failed);
+    EXPECT_THAT(Messages(), ElementsAre("message warning: Open file cut.lan error!\nMost of its pixels are "
+                                        "missing."));
+    EXPECT_THAT(Statuses(), IsEmpty());
+    EXPECT_EQ(ui.EventsWith("trace")[1], "trace: 0\t0\t-1\n");
+  }
+}
+
+TEST_F(ImageDamageTest, AnImageWithoutASizeIsNoImage) {
+  for (const ErdasHeader& header : {HeaderOf(kPackByte, 1, 0, 5), HeaderOf(kPackByte, 1, 5, 0),
+                                    HeaderOf(kPackByte, 0, 5, 5), HeaderOf(kPackByte, 1, -5, 5),
+                                    HeaderOf(kPackByte, 3, 5, INT32_MIN), HeaderOf(kPackByte, 1, -5, -5)}) {
     ui.events.clear();
     WriteFileBytes("none.lan", BytesOf(header));
     ui.files = {{"none.lan"}, {"out.lan"}};
     EXPECT_EQ(Run("Image conversion"), CommandResult::Failed);
-    EXPECT_THAT(Messages(), ElementsAre("message warning: Open file none.lan error!"));
+    EXPECT_THAT(Messages(), ElementsAre("message warning: Open file none.lan error!\nIts header gives no "
+                                        "rows, columns or bands."));
     EXPECT_THAT(Statuses(), ElementsAre("status 0: Written to out.lan: a header without pixels."));
   }
 }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "commands/ImageFixture.h"
+#include "support/FileSizeLimit.h"
 
 namespace corvane {
 namespace {
@@ -124,13 +125,29 @@ TEST_F(SegmentCommandTest, OtherExtensionsBecomeGeoTiff) {
   }
 }
 
-TEST_F(SegmentCommandTest, PixelsOfOtherTypesCountAsBytesAndGiveAnImageOfBytes) {
-  WriteFileBytes("a.lan", StepBytes(3, kPackInt16) + std::string(360, '\0'));
+TEST_F(SegmentCommandTest, OfWidePixelsTheFirstBytesAreSegmentedAndGiveAnImageOfBytes) {
+  // As many bytes as the image has pixels form the step; those behind them would spoil it.
+  std::string bytes = StepBytes(1, kPackInt16);
+  for (int i = 0; i < kCols * kRows; ++i) bytes += static_cast<char>(i % 2 * 255);
+  WriteFileBytes("a.lan", bytes);
   EXPECT_EQ(Segment("a.lan", "out.lan"), CommandResult::Done);
   ErdasImg image;
   ASSERT_EQ(image.Read("out.lan"), 1);
   EXPECT_EQ(image.GetPackType(), kPackByte);
   EXPECT_EQ(image.GetMissingBytes(), 0);
+  EXPECT_EQ(image.GetHeader()->classCount, 2);
+  ExpectTwoParts(image);
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Written to out.lan: 10 rows, 12 columns. "
+                                                   "Regions: 2. Its pixels count as bytes."));
+}
+
+TEST_F(SegmentCommandTest, OtherTypesOfOneByteBecomeBytes) {
+  WriteFileBytes("a.lan", StepBytes(1, 99));
+  EXPECT_EQ(Segment("a.lan", "out.lan"), CommandResult::Done);
+  ErdasImg image;
+  ASSERT_EQ(image.Read("out.lan"), 1);
+  EXPECT_EQ(image.GetPackType(), kPackByte);
+  EXPECT_THAT(ui.EventsWith("status").back(), testing::EndsWith("Regions: 2."));
 }
 
 TEST_F(SegmentCommandTest, TwoAndMoreThanThreeBandsAreRefused) {
@@ -142,6 +159,12 @@ TEST_F(SegmentCommandTest, TwoAndMoreThanThreeBandsAreRefused) {
     EXPECT_THAT(Files(), ElementsAre("a.lan"));
     EXPECT_EQ(ui.waitDepth, 0);
   }
+}
+
+TEST_F(SegmentCommandTest, AnEmptyPathIsToldOnce) {
+  EXPECT_EQ(Segment("", "out.lan"), CommandResult::Failed);
+  EXPECT_THAT(Messages(), ElementsAre("message message: Read image failed!"));
+  EXPECT_THAT(Files(), IsEmpty());
 }
 
 TEST_F(SegmentCommandTest, AFailedReadIsToldTwice) {
@@ -156,9 +179,21 @@ TEST_F(SegmentCommandTest, ImagesWithoutASizeAreRefused) {
     WriteFileBytes("a.lan", BytesOf(HeaderOf(kPackByte, 1, size, size)));
     ui.events.clear();
     EXPECT_EQ(Segment("a.lan", "out.lan"), CommandResult::Failed) << size;
-    EXPECT_EQ(Messages().back(), "message message: Read image failed!");
+    const char* const why =
+        size > 0 ? "message warning: Allocate Memory for Image Fails"
+                 : "message warning: Open file a.lan error!\nIts header gives no rows, columns "
+                   "or bands.";
+    EXPECT_THAT(Messages(), ElementsAre(why, "message message: Read image failed!"));
     EXPECT_THAT(Files(), ElementsAre("a.lan"));
   }
+}
+
+TEST_F(SegmentCommandTest, AnOutputThatCannotBeWrittenIsToldBeforeTheWork) {
+  // Of so many pixels the steps would be told.
+  WriteFileBytes("a.lan", BytesOf(HeaderOf(kPackByte, 1, 2001, 2000)) + std::string(2001 * 2000, '\7'));
+  EXPECT_EQ(Segment("a.lan", "no/out.lan"), CommandResult::Failed);
+  EXPECT_THAT(Messages(), ElementsAre("message warning: Write file no/out.lan error!"));
+  EXPECT_THAT(ui.EventsWith("status"), IsEmpty());
 }
 
 TEST_F(SegmentCommandTest, AFailedWriteIsTold) {
@@ -176,6 +211,16 @@ TEST_F(SegmentCommandTest, ACutImageIsTold) {
   EXPECT_EQ(Segment("a.lan", "out.lan"), CommandResult::Done);
   EXPECT_THAT(ui.EventsWith("status").back(),
               testing::EndsWith("Regions: 2. The image is cut short: bytes missing: 20."));
+}
+
+TEST_F(SegmentCommandTest, AWriteThatFailsInTheEndLeavesTheOldFile) {
+  WriteFileBytes("a.lan", StepBytes(1));
+  WriteFileBytes("out.lan", "old");
+  const FileSizeLimit limit(200);
+  EXPECT_EQ(Segment("a.lan", "out.lan"), CommandResult::Failed);
+  EXPECT_THAT(Messages(), ElementsAre("message warning: Write file out.lan error!"));
+  EXPECT_EQ(ReadFileBytes("out.lan"), "old");
+  EXPECT_THAT(Files(), ElementsAre("a.lan", "out.lan"));
 }
 
 TEST_F(SegmentCommandTest, TheResultMayReplaceItsInput) {

@@ -51,7 +51,8 @@ TEST_F(ShowCommandsTest, ShowImageFailsWithoutAnImage) {
   ExpectFailure("Show Image", {{"none.lan"}}, {"message warning: Open file none.lan error!"});
   ExpectFailure("Show Image", {{""}}, {"message warning: Open file  error!"});
   WriteFileBytes("zero.lan", BytesOf(HeaderOf(kPackByte, 1, 0, 5)));
-  ExpectFailure("Show Image", {{"zero.lan"}}, {"message warning: Open file zero.lan error!"});
+  ExpectFailure("Show Image", {{"zero.lan"}},
+                {"message warning: Open file zero.lan error!\nIts header gives no rows, columns or bands."});
   EXPECT_EQ(Window(), nullptr);
 }
 

@@ -273,25 +273,26 @@ TEST(ErdasImgFiles, AHeaderMayPromiseMoreThanTheFileHolds) {
   EXPECT_EQ(ui.events, Events{});
 }
 
-TEST(ErdasImgFiles, AbsurdSizesGiveTheMessageAndNoBands) {
+TEST(ErdasImgFiles, AbsurdSizesGiveNoBandsAndTheMessageUnlessNegative) {
   const TempFolder folder;
   const ErdasHeader absurd[] = {
       HeaderOf(kPackByte, 1, INT32_MAX, INT32_MAX),
       HeaderOf(kPackDouble, 65535, INT32_MAX, INT32_MAX),
+      HeaderOf(kPackByte, 2, 65536, 32768),
       HeaderOf(kPackByte, 1, -1, 5),
       HeaderOf(kPackByte, 1, 5, -1),
       HeaderOf(kPackByte, 1, -5, -5),
       HeaderOf(kPackByte, 3, INT32_MIN, INT32_MIN),
       HeaderOf(kPackDouble, 3, INT32_MIN, 1),
-      HeaderOf(kPackByte, 2, 65536, 32768),
   };
   for (const ErdasHeader& header : absurd) {
+    const bool isNegative = header.cols < 0 || header.rows < 0;
     TestFrontEnd ui;
     WriteFileBytes("a.lan", BytesOf(header) + "some pixels");
     ErdasImg image;
     ASSERT_EQ(image.Create(HeaderOf(kPackByte, 1, 2, 2), false), 1);
     EXPECT_EQ(image.Read("a.lan"), 1);
-    EXPECT_EQ(ui.events, Events{"message warning: Allocate Memory for Image Fails"});
+    EXPECT_EQ(ui.events, isNegative ? Events{} : Events{"message warning: Allocate Memory for Image Fails"});
     EXPECT_FALSE(image.GetBands());
     EXPECT_EQ(BytesOf(*image.GetHeader()), BytesOf(header));
     EXPECT_EQ(image.Write("b.lan"), 1);

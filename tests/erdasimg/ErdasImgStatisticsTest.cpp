@@ -133,13 +133,30 @@ TEST(ErdasImgStatistics, AddsAFileLineByLine) {
   EXPECT_EQ(BandPixelsOf<float>(image, 1), (std::vector<float>{1006, 1007, 1008, 1009, 1010, 1011}));
 }
 
-TEST(ErdasImgStatistics, AFileThatIsCutShortIsAddedAsFarAsItGoes) {
+TEST(ErdasImgStatistics, AFileThatIsCutShortIsAddedAsFarAsItGoesAndFails) {
   const TempFolder folder;
+  TestFrontEnd ui;
   ErdasImg image;
   MakeImage(image, kPackFloat, 2, {1, 2, 3, 4});
   WriteFileBytes("a.lan", BytesOf(*image.GetHeader()) + PixelBytes<float>({10, 20, 30}) + "xy");
-  EXPECT_EQ(image.AddImage("a.lan"), 1);
+  EXPECT_EQ(image.AddImage("a.lan"), -1);
   EXPECT_EQ(BandPixelsOf<float>(image, 0), (std::vector<float>{11, 22, 33, 4}));
+  EXPECT_EQ(ui.events, (Events{"message warning: Open file a.lan error!\nIt is cut short."}));
+}
+
+TEST(ErdasImgStatistics, AFileOfAHeaderAloneIsCutShort) {
+  const TempFolder folder;
+  TestFrontEnd ui;
+  ErdasImg image;
+  MakeImage(image, kPackDouble, 2, {1, 2});
+  const std::string header = BytesOf(*image.GetHeader());
+  for (const std::string& bytes : {header, header.substr(0, 127), std::string()}) {
+    ui.events.clear();
+    WriteFileBytes("a.lan", bytes);
+    EXPECT_EQ(image.AddImage("a.lan"), -1);
+    EXPECT_EQ(ui.events, (Events{"message warning: Open file a.lan error!\nIt is cut short."}));
+  }
+  EXPECT_EQ(PixelOf(image, 0, 1), 2.0);
 }
 
 TEST(ErdasImgStatistics, LongLinesAreAddedWhole) {
@@ -167,7 +184,7 @@ TEST(ErdasImgStatistics, NoLineOfAnAbsurdImageIsHeldInMemory) {
     ErdasImg image;
     *image.GetHeader() = HeaderOf(kPackDouble, nBands, INT32_MAX, INT32_MAX);
     WriteFileBytes("a.lan", BytesOf(*image.GetHeader()) + "12345678");
-    EXPECT_EQ(image.AddImage("a.lan"), 1);
+    EXPECT_EQ(image.AddImage("a.lan"), nBands == 0 ? 1 : -1);
   }
 }
 
