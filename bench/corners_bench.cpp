@@ -7,45 +7,36 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <random>
 
+#include "BenchImage.h"
 #include "ImgProcess/ImgProcess.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::int32_t kSize = 4000;  // rows and columns
 constexpr int kRoofs = 20000;
 constexpr HarrisParam kParam{.k = 0.04, .sigma = 2.0, .threshold = 1200.0};
 
 // Ground with noise, and roofs of one grey each on it, 20 to 80 pixels wide.
-void Draw(ErdasImg& image) {
+ErdasImg MakeRoofs() {
+  ErdasImg image = MakeFlatImage(90);
   std::mt19937 random(1);
   const auto bytes = image.GetBands().GetBand(0);
-  std::fill(bytes.begin(), bytes.end(), std::uint8_t{90});
   for (int i = 0; i < kRoofs; ++i) {
     const auto size = 20 + random() % 60;
-    const auto row = random() % (kSize - size);
-    const auto col = random() % (kSize - size);
+    const auto row = random() % (kImageSize - size);
+    const auto col = random() % (kImageSize - size);
     const auto grey = static_cast<std::uint8_t>(20 + random() % 200);
-    for (auto line = row; line < row + size; ++line) std::fill_n(&bytes[line * kSize + col], size, grey);
+    for (auto line = row; line < row + size; ++line) std::fill_n(&bytes[line * kImageSize + col], size, grey);
   }
   for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(byte + random() % 12);
+  return image;
 }
 
 ErdasImg& Image() {
-  static ErdasImg image;
-  if (image.GetBands()) return image;
-  ErdasHeader header;
-  header.cols = kSize;
-  header.rows = kSize;
-  if (image.Create(header, false) != 1) std::abort();
-  Draw(image);
-  image.SetFileName("corners_bench.lan");
-  const char* const path = std::getenv("CORVANE_BENCH_IMAGE");
-  if (path && image.Write(path) != 1) std::abort();
+  static ErdasImg image = Shared(MakeRoofs(), "corners_bench.lan");
   return image;
 }
 
@@ -62,7 +53,7 @@ void MeasureCorners(benchmark::State& state, MakeResponse makeResponse) {
   for (auto step : state) {
     ResultImage response;
     Require(state, (process.*makeResponse)(image, response, kParam));
-    if (response) process.ExtractCorners(*response, kParam, points);
+    if (response) Require(state, process.ExtractCorners(*response, kParam, points));
   }
   state.counters["corners"] = static_cast<double>(points.size());
 }
@@ -97,10 +88,7 @@ void ProminentPixels(benchmark::State& state) {
   ImgProcess process;
   const ErdasImg& image = Image();
   std::vector<double> places;
-  for (auto step : state) {
-    places.clear();
-    process.ProminentPixels(image, 0.3, places);
-  }
+  for (auto step : state) Require(state, process.ProminentPixels(image, 0.3, places));
   state.counters["points"] = static_cast<double>(places.size()) / 2.0;
 }
 

@@ -6,43 +6,19 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cmath>
-#include <cstdlib>
 #include <filesystem>
-#include <random>
 
+#include "BenchImage.h"
 #include "ImgProcess/ImgProcess.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::int32_t kSize = 4000;  // rows and columns
 constexpr double kSmoothSigma = 2.0;
 constexpr double kCrossingSigma = 3.0;
 
-// Waves of light and dark with noise over them, as ground has.
-void Draw(ErdasImg& image) {
-  std::mt19937 random(1);
-  const auto bytes = image.GetBands().GetBand(0);
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const double row = static_cast<double>(i / kSize);
-    const double col = static_cast<double>(i % kSize);
-    const double wave = std::sin(0.05 * row) * std::sin(0.03 * col + 0.01 * row);
-    bytes[i] = static_cast<std::uint8_t>(110.0 + 80.0 * wave + static_cast<double>(random() % 40));
-  }
-}
-
 ErdasImg& Image() {
-  static ErdasImg image;
-  if (image.GetBands()) return image;
-  ErdasHeader header;
-  header.cols = kSize;
-  header.rows = kSize;
-  if (image.Create(header, false) != 1) std::abort();
-  Draw(image);
-  image.SetFileName("filters_bench.lan");
-  const char* const path = std::getenv("CORVANE_BENCH_IMAGE");
-  if (path && image.Write(path) != 1) std::abort();
+  static ErdasImg image = Shared(MakeWaves(), "filters_bench.lan");
   return image;
 }
 

@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string copy = FuzzPath("out.txt");
   FeaturePointList list;
   ReadFeaturePoints(path, list, FeatureNumbers::Float);
-  if (ReadFeaturePoints(path, list, FeatureNumbers::Double) != 1) std::abort();
+  if (ReadFeaturePoints(path, list, FeatureNumbers::Double) == -1) std::abort();
   if (WriteFeaturePoints(copy, list) != 1) std::abort();
   FeaturePointList again;
   if (ReadFeaturePoints(copy, again, FeatureNumbers::Double) != 1) std::abort();

@@ -57,6 +57,20 @@ bool ScanPoint(TextScanner& scanner, std::int32_t nValues, FeatureNumbers number
   return true;
 }
 
+// False if the text does not hold all points that its first line promises.
+bool ScanList(const std::string& text, FeatureNumbers numbers, FeaturePointList& list) {
+  TextScanner scanner(text);
+  std::int32_t nPoints = 0;
+  std::int32_t nValues = 0;
+  if (!scanner.ScanInt(nPoints) || !scanner.ScanInt(nValues)) return false;
+  for (std::int32_t id = 0; id < nPoints; ++id) {
+    FeaturePoint point{.id = id};
+    if (!ScanPoint(scanner, nValues, numbers, point)) return false;
+    list.push_back(std::move(point));
+  }
+  return true;
+}
+
 }  // namespace
 
 int WriteFeaturePoints(const std::string& path, const FeaturePointList& list) {
@@ -77,16 +91,9 @@ int ReadFeaturePoints(const std::string& path, FeaturePointList& list, FeatureNu
     ShowWarning(OpenErrorText(path));
     return -1;
   }
-  TextScanner scanner(*text);
-  std::int32_t nPoints = 0;
-  std::int32_t nValues = 0;
-  if (!scanner.ScanInt(nPoints) || !scanner.ScanInt(nValues)) return 1;
-  for (std::int32_t id = 0; id < nPoints; ++id) {
-    FeaturePoint point{.id = id};
-    if (!ScanPoint(scanner, nValues, numbers, point)) break;
-    list.push_back(std::move(point));
-  }
-  return 1;
+  if (text->empty() || ScanList(*text, numbers, list)) return 1;
+  ShowWarning(OpenErrorText(path) + "\nIt is no list of descriptors, or it is cut short.");
+  return -2;
 }
 
 }  // namespace corvane

@@ -43,8 +43,10 @@ int WriteFeaturePoints(const std::string& path, const FeaturePointList& list);
 enum class FeatureNumbers { Float, Double };
 
 // Reads a list in place of the one that is there, with scanf's rules: lines do not matter. Ids count from 0.
-// A point that the file does not hold whole ends the list, whatever number its first line promises. 1; -1,
-// with an empty list, after the composed open text with the warning icon, if the file can't be read.
+// An empty file is an empty list. A point that the file does not hold whole ends the list. 1; -1, with an
+// empty list, if the file can't be read; -2 if it is not empty and has no first line, or has fewer whole
+// points than that promises: both after the composed open text with the warning icon, the latter with the
+// reason.
 int ReadFeaturePoints(const std::string& path, FeaturePointList& list,
                       FeatureNumbers numbers = FeatureNumbers::Float);
 

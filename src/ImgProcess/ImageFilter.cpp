@@ -30,11 +30,11 @@ bool NeedsWholeRows(const ErdasImg& image, std::initializer_list<FilterKernels> 
 
 // The width of strips, nearly equal, that cover the columns.
 std::int32_t StripWidth(const ErdasImg& image, std::initializer_list<FilterKernels> filters,
-                        std::int64_t sumBytes) {
+                        std::int64_t numberBytes) {
   const auto [cols, rows] = image.GetSize();
   std::int64_t columnBytes = 0;
   for (const FilterKernels& filter : filters) {
-    if (filter.alongColumns) columnBytes += std::min(filter.alongColumns->size, rows) * sumBytes;
+    if (filter.alongColumns) columnBytes += std::min(filter.alongColumns->size, rows) * numberBytes;
   }
   if (columnBytes == 0) return cols;
   const std::int64_t mostCols = std::max(kCacheBytes / columnBytes, kLeastStrip);
@@ -66,7 +66,7 @@ template <typename Pixel, typename Sum>
 void FilterBands(const ErdasImg& image, std::initializer_list<FilterKernels> filters, ErdasImg& result) {
   const std::int32_t cols = image.m_header.cols;
   const bool isWhole = NeedsWholeRows(image, filters, result);
-  const std::int32_t width = isWhole ? cols : StripWidth(image, filters, sizeof(Sum));
+  const std::int32_t width = isWhole ? cols : StripWidth(image, filters, sizeof(FilteredNumber<Pixel, Sum>));
   for (std::int32_t band = 0; band < image.GetBandCount(); ++band) {
     for (std::int64_t first = 0; first < cols; first += width) {
       const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(width, cols - first));

@@ -36,9 +36,13 @@ class ImgProcess {
   // The widest Gaussian that is made, in pixels: its kernel has 60001 weights.
   static constexpr double kMaxSigma = 10000.0;
 
+  // Whether there is a Gaussian with this sigma: not with one that is negative, above kMaxSigma or not a
+  // number.
+  static bool HasGaussian(double sigma);
+
   // exp(-x^2 / (2 sigma^2)), with x the distance from the centre in pixels, over the sum of these values; of
   // 2 * ceil(3 * sigma) + 1 weights. A sigma of 0 gives the one weight 0 / 0, which is not a number. -1, with
-  // an empty kernel, for a sigma that is negative, above kMaxSigma or not a number.
+  // an empty kernel, for a sigma that HasGaussian does not take.
   static int MakeGaussian(double sigma, Kernel1D& kernel);
 
   // The Gaussian's values times (x^2 - sigma^2) / sigma^4, less their mean, so that they sum to 0: its second
@@ -51,9 +55,10 @@ class ImgProcess {
   // Convolution (ImgProcess_convolve.cpp). The output at i of a line is the sum of line[i + j - size / 2] *
   // values[j], j rising from 0, the line being continued at both ends with its end pixel: the kernel is not
   // reversed. Sums start at 0 and are built in the type of the output, float or double, which pixels and
-  // weights are converted to; every product and every sum is rounded by itself. Input pixels are bytes,
-  // floats or doubles. Where there is no filter from the one type to the other, nothing happens: that is no
-  // failure.
+  // weights are converted to; every product and every sum is rounded by itself. Only doubles are not narrowed
+  // for sums of floats: products and additions are then those of doubles, and the sum is rounded to a float
+  // after each. Input pixels are bytes, floats or doubles. Where there is no filter from the one type to the
+  // other, nothing happens: that is no failure.
 
   // Direction 1 is along rows, 2 along columns. A null result becomes a new image of the input's header with
   // this pack type.
@@ -81,8 +86,9 @@ class ImgProcess {
   int GaussianSmooth(const ErdasImg& image, double sigma, ResultImage& result);
 
   // The magnitude of the gradient, by central differences: sqrt(gx^2 + gy^2) in the type of `pack`. gx goes
-  // to "GradientX.lan" in the current folder, gy to "GradientY.lan"; they are not kept in memory. -3 if one
-  // of these can't be written, as ConvolveToFile tells; the result is made all the same.
+  // to "GradientX.lan" in the current folder, gy to "GradientY.lan"; they are not kept in memory. -1 also if
+  // a result that is there has another type. -3 if one of these can't be written, as ConvolveToFile tells;
+  // the result is made all the same.
   int Gradient(const ErdasImg& image, std::uint16_t pack, ResultImage& result);
 
   // sqrt(gx^2 + gy^2) for each pixel of floats or doubles, in their type, which both images and the result
@@ -120,16 +126,17 @@ class ImgProcess {
   int ZeroCrossing(const ErdasImg& image, double threshold, ErdasImg& result);
 
   // Writes a line "index, column, row" for each pixel above 0, band by band and row by row, with the index
-  // counting from 0 through all of them; bytes, floats and doubles only. -1, without a message, if the file
-  // can't be written.
-  int WriteMarkedPixels(const ErdasImg& image, const std::string& path);
+  // counting from 0 through all of them; bytes, floats and doubles only. `nMarked` takes their number. -1 if
+  // the file does not open, -3 if it can't be written: after the composed texts with the warning icon.
+  int WriteMarkedPixels(const ErdasImg& image, const std::string& path, std::int64_t* nMarked = nullptr);
 
   // Corners (ImgProcess_corners.cpp, ..._files.cpp, ..._extract.cpp).
 
   // Finds Harris corners of band 0: CornerResponse, or CornerResponseFromFiles for an image whose response
   // would be as large as kLargeResponse as floats; the response goes to "cornerResponse.lan" in the current
   // folder; ExtractCorners. The list is replaced. 1; the negative statuses of these steps, with an empty
-  // list; -3, after the composed write text with the warning icon, if the response can't be written.
+  // list; -5, after the composed write text with the warning icon, if the response can't be written, with the
+  // corners all the same.
   int HarrisCorners(const ErdasImg& image, std::vector<Point2>& points, const HarrisParam& param);
 
   // The same as features with ids from 0 and no values.
@@ -155,13 +162,14 @@ class ImgProcess {
   int CornerResponseFromFiles(const ErdasImg& image, ResultImage& result, const HarrisParam& param);
 
   // The pixels of band 0 whose response exceeds the threshold and all of its neighbours (IsLocalMax), row by
-  // row. The list is replaced.
-  void ExtractCorners(const ErdasImg& response, const HarrisParam& param, std::vector<Point2>& points);
-  void ExtractCornerFeatures(const ErdasImg& response, const HarrisParam& param, FeaturePointList& features);
+  // row. The list is replaced. 1; -2, with an empty list, without memory.
+  int ExtractCorners(const ErdasImg& response, const HarrisParam& param, std::vector<Point2>& points);
+  int ExtractCornerFeatures(const ErdasImg& response, const HarrisParam& param, FeaturePointList& features);
 
   // The prominent pixels of band 0 (IsProminent) but for its outermost rows and columns, row by row: x and y
-  // in turn are appended, as overlays hold them.
-  void ProminentPixels(const ErdasImg& image, double threshold, std::vector<double>& places);
+  // in turn, as overlays hold them. The list is replaced. 1; -2, with an empty list, without memory. They are
+  // counted before they are stored, so that the list takes no more than it holds.
+  int ProminentPixels(const ErdasImg& image, double threshold, std::vector<double>& places);
 
   // Descriptors (ImgProcess_descriptors.cpp). They are taken from a window of bytes of band 0 around the
   // pixel trunc(y), trunc(x), which becomes the image's subset. With `normalize` each value is divided by the
@@ -182,12 +190,13 @@ class ImgProcess {
 
   // The features of the points that have one and lie at least `windowSize` pixels within the outermost pixels
   // of the image: with a size of 7 in 20 columns, from column 7 to 12. Ids count from 0. The list is
-  // replaced. 1; -2, with an empty list, if the machine has no room for them.
+  // replaced. 1; -2, with an empty list, without memory.
   int StructuralFeatures(ErdasImg& image, const std::vector<Point2>& points, std::int32_t windowSize,
                          FeaturePointList& features, bool normalize);
   int SpiralFeatures(ErdasImg& image, const std::vector<Point2>& points, std::int32_t windowSize,
                      FeaturePointList& features, bool normalize);
 
+  // Of the shape analysis; the list of its results will join them there.
   double m_parallelTolerance = 10.0 * std::numbers::pi / 180.0;       // radians
   double m_perpendicularTolerance = 10.0 * std::numbers::pi / 180.0;  // radians
   std::uint16_t m_outPack = kPackFloat;

@@ -85,7 +85,9 @@ void StoreResponse(const ErdasImg& image, const Kernel1D& gaussian, double k, Er
   }
 }
 
-// The response for corners, written to its file.
+constexpr int kNotStored = -5;
+
+// The response for corners, written to its file. kNotStored if that fails, which is told.
 int MakeResponse(ImgProcess& process, const ErdasImg& image, const HarrisParam& param,
                  ResultImage& response) {
   const auto [cols, rows] = image.GetSize();
@@ -94,27 +96,32 @@ int MakeResponse(ImgProcess& process, const ErdasImg& image, const HarrisParam& 
   const int status = isLarge ? process.CornerResponseFromFiles(image, response, param)
                              : process.CornerResponse(image, response, param);
   if (status < 0) return status;
-  return response->Write(kResponseFile) < 0 ? -3 : 1;
+  return response->Write(kResponseFile) < 0 ? kNotStored : 1;
+}
+
+// The response for corners, written to its file, and what `extract` makes of it.
+template <typename Extract>
+int FindCorners(ImgProcess& process, const ErdasImg& image, const HarrisParam& param, Extract extract) {
+  ResultImage response;
+  const int status = MakeResponse(process, image, param, response);
+  if (status < 0 && status != kNotStored) return status;
+  const int extracted = extract(*response);
+  return extracted < 0 ? extracted : status;
 }
 
 }  // namespace
 
 int ImgProcess::HarrisCorners(const ErdasImg& image, std::vector<Point2>& points, const HarrisParam& param) {
   points.clear();
-  ResultImage response;
-  const int status = MakeResponse(*this, image, param, response);
-  if (status < 0) return status;
-  ExtractCorners(*response, param, points);
-  return 1;
+  return FindCorners(*this, image, param,
+                     [&](const ErdasImg& response) { return ExtractCorners(response, param, points); });
 }
 
 int ImgProcess::HarrisFeatures(const ErdasImg& image, FeaturePointList& features, const HarrisParam& param) {
   features.clear();
-  ResultImage response;
-  const int status = MakeResponse(*this, image, param, response);
-  if (status < 0) return status;
-  ExtractCornerFeatures(*response, param, features);
-  return 1;
+  return FindCorners(*this, image, param, [&](const ErdasImg& response) {
+    return ExtractCornerFeatures(response, param, features);
+  });
 }
 
 int ImgProcess::CornerResponse(const ErdasImg& image, ResultImage& result, const HarrisParam& param) {

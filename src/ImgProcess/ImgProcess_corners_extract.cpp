@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <type_traits>
 
 #include "ImgProcess/ImgProcess.h"
@@ -171,43 +172,25 @@ struct BlockRangeKernel {
 };
 
 // For an image that does not hold all of its pixels.
-void FindProminentPlainly(const ErdasImg& image, double threshold, std::vector<double>& places) {
+template <typename Visit>
+void VisitProminentPlainly(const ErdasImg& image, double threshold, Visit visit) {
   const auto [cols, rows] = image.GetSize();
   for (std::int32_t row = 1; row < rows - 1; ++row) {
     for (std::int32_t col = 1; col < cols - 1; ++col) {
-      if (image.IsProminent(col, row, threshold) == 0) continue;
-      places.insert(places.end(), {static_cast<double>(col), static_cast<double>(row)});
+      if (image.IsProminent(col, row, threshold) != 0) visit(row, col);
     }
   }
 }
 
-}  // namespace
-
-void ImgProcess::ExtractCorners(const ErdasImg& response, const HarrisParam& param,
-                                std::vector<Point2>& points) {
-  points.clear();
-  FindMaxima(response, param.threshold, [&](std::int32_t row, std::int32_t col) {
-    points.push_back({static_cast<double>(col), static_cast<double>(row)});
-  });
-}
-
-void ImgProcess::ExtractCornerFeatures(const ErdasImg& response, const HarrisParam& param,
-                                       FeaturePointList& features) {
-  features.clear();
-  FindMaxima(response, param.threshold, [&](std::int32_t row, std::int32_t col) {
-    features.push_back({.id = static_cast<std::int32_t>(features.size()),
-                        .y = static_cast<double>(row),
-                        .x = static_cast<double>(col)});
-  });
-}
-
-void ImgProcess::ProminentPixels(const ErdasImg& image, double threshold, std::vector<double>& places) {
+// Calls visit(row, col) for the prominent pixels of band 0, row by row.
+template <typename Visit>
+void VisitProminent(const ErdasImg& image, double threshold, Visit visit) {
   const auto [cols, rows] = image.GetSize();
   const auto band = image.GetBands().GetBand(0);
   if (cols < 3 || rows < 3) return;
   const auto nCols = static_cast<std::size_t>(cols);
   if (band.size() < nCols * static_cast<std::size_t>(rows)) {
-    FindProminentPlainly(image, threshold, places);
+    VisitProminentPlainly(image, threshold, visit);
     return;
   }
   const ProminenceLimits limits(threshold);
@@ -218,10 +201,57 @@ void ImgProcess::ProminentPixels(const ErdasImg& image, double threshold, std::v
     RunSimd<BlockRangeKernel>(line, static_cast<std::ptrdiff_t>(cols), least.data(), greatest.data());
     for (std::size_t col = 1; col + 1 < nCols; ++col) {
       const std::uint8_t v = line[col];
-      if (least[col] >= limits.least[v] && greatest[col] <= limits.most[v]) continue;
-      places.insert(places.end(), {static_cast<double>(col), static_cast<double>(row)});
+      if (least[col] < limits.least[v] || greatest[col] > limits.most[v])
+        visit(row, static_cast<std::int32_t>(col));
     }
   }
+}
+
+// What `fill` puts into the list in place of what it holds. 1; -2, with an empty list, without memory.
+template <typename List, typename Fill>
+int Refill(List& list, Fill fill) {
+  list.clear();
+  try {
+    fill();
+    return 1;
+  } catch (const std::bad_alloc&) {
+    list = List();
+    return -2;
+  }
+}
+
+}  // namespace
+
+int ImgProcess::ExtractCorners(const ErdasImg& response, const HarrisParam& param,
+                               std::vector<Point2>& points) {
+  return Refill(points, [&] {
+    FindMaxima(response, param.threshold, [&](std::int32_t row, std::int32_t col) {
+      points.push_back({static_cast<double>(col), static_cast<double>(row)});
+    });
+  });
+}
+
+int ImgProcess::ExtractCornerFeatures(const ErdasImg& response, const HarrisParam& param,
+                                      FeaturePointList& features) {
+  return Refill(features, [&] {
+    FindMaxima(response, param.threshold, [&](std::int32_t row, std::int32_t col) {
+      features.push_back({.id = static_cast<std::int32_t>(features.size()),
+                          .y = static_cast<double>(row),
+                          .x = static_cast<double>(col)});
+    });
+  });
+}
+
+int ImgProcess::ProminentPixels(const ErdasImg& image, double threshold, std::vector<double>& places) {
+  return Refill(places, [&] {
+    std::size_t count = 0;
+    VisitProminent(image, threshold, [&](std::int32_t, std::int32_t) { ++count; });
+    places.reserve(2 * count);
+    VisitProminent(image, threshold, [&](std::int32_t row, std::int32_t col) {
+      places.push_back(col);
+      places.push_back(row);
+    });
+  });
 }
 
 }  // namespace corvane

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <optional>
 #include <span>
 
@@ -138,14 +139,22 @@ bool IsRoomFor(const ImageSize& size, const std::vector<Point2>& points, std::in
          0.5 * static_cast<double>(BytesOfMachine());
 }
 
-// The features of points within the margin, as far as they have one, with ids from 0.
+// The features of points within the margin, as far as they have one, with ids from 0. 1; -2, with an empty
+// list, without memory for `nValues` values each.
 template <typename Describe>
-void DescribePoints(const ImageSize& size, const std::vector<Point2>& points, std::int32_t margin,
-                    FeaturePointList& features, Describe describe) {
-  for (const Point2& point : points) {
-    FeaturePoint feature{.id = static_cast<std::int32_t>(features.size())};
-    if (!IsWithinMargin(size, point, margin) || describe(point, feature) < 0) continue;
-    features.push_back(std::move(feature));
+int DescribePoints(const ImageSize& size, const std::vector<Point2>& points, std::int32_t margin,
+                   double nValues, FeaturePointList& features, Describe describe) {
+  if (!IsRoomFor(size, points, margin, nValues)) return -2;
+  try {
+    for (const Point2& point : points) {
+      FeaturePoint feature{.id = static_cast<std::int32_t>(features.size())};
+      if (!IsWithinMargin(size, point, margin) || describe(point, feature) < 0) continue;
+      features.push_back(std::move(feature));
+    }
+    return 1;
+  } catch (const std::bad_alloc&) {
+    features = FeaturePointList();
+    return -2;
   }
 }
 
@@ -166,11 +175,10 @@ int ImgProcess::StructuralFeatures(ErdasImg& image, const std::vector<Point2>& p
   features.clear();
   const ImageSize size = image.GetSize();
   if (!HasMiddle(windowSize)) return 1;
-  if (!IsRoomFor(size, points, windowSize, 1.0 * windowSize * windowSize)) return -2;
-  DescribePoints(size, points, windowSize, features, [&](const Point2& point, FeaturePoint& feature) {
+  const auto describe = [&](const Point2& point, FeaturePoint& feature) {
     return StructuralFeature(image, point.x, point.y, windowSize, feature, normalize);
-  });
-  return 1;
+  };
+  return DescribePoints(size, points, windowSize, 1.0 * windowSize * windowSize, features, describe);
 }
 
 int ImgProcess::SpiralFeature(ErdasImg& image, double x, double y, std::int32_t, FeaturePoint& feature,
@@ -186,12 +194,10 @@ int ImgProcess::SpiralFeature(ErdasImg& image, double x, double y, std::int32_t,
 int ImgProcess::SpiralFeatures(ErdasImg& image, const std::vector<Point2>& points, std::int32_t windowSize,
                                FeaturePointList& features, bool normalize) {
   features.clear();
-  const ImageSize size = image.GetSize();
-  if (!IsRoomFor(size, points, windowSize, kSpiral.size())) return -2;
-  DescribePoints(size, points, windowSize, features, [&](const Point2& point, FeaturePoint& feature) {
+  const auto describe = [&](const Point2& point, FeaturePoint& feature) {
     return SpiralFeature(image, point.x, point.y, windowSize, feature, normalize);
-  });
-  return 1;
+  };
+  return DescribePoints(image.GetSize(), points, windowSize, kSpiral.size(), features, describe);
 }
 
 }  // namespace corvane

@@ -76,7 +76,8 @@ int ImgProcess::Gradient(const ErdasImg& image, std::uint16_t pack, ResultImage&
   header.packType = pack;
   const int status = MakeMissing(header, result);
   if (status < 0) return status;
-  if (!SameShape(image, *result) || !HoldsItsPixels(*result)) return -1;
+  const bool fits = SameShape(image, *result) && result->GetPackType() == pack && HoldsItsPixels(*result);
+  if (!fits) return -1;
   const int writtenX = ConvolveToFile(image, kernel, 1, pack, "GradientX.lan");
   const int writtenY = ConvolveToFile(image, kernel, 2, pack, "GradientY.lan");
   try {

@@ -14,9 +14,13 @@ double DistanceOf(std::size_t i, const Kernel1D& kernel) {
 
 }  // namespace
 
+bool ImgProcess::HasGaussian(double sigma) {
+  return sigma >= 0.0 && sigma <= kMaxSigma;
+}
+
 int ImgProcess::MakeGaussian(double sigma, Kernel1D& kernel) {
   kernel = {};
-  if (!(sigma >= 0.0 && sigma <= kMaxSigma)) return -1;
+  if (!HasGaussian(sigma)) return -1;
   const auto size = 2 * static_cast<std::int32_t>(std::ceil(3.0 * sigma)) + 1;
   try {
     kernel.values.resize(static_cast<std::size_t>(size));

@@ -5,9 +5,8 @@
 
 #include "ImgProcess/ImageFilter.h"
 #include "ImgProcess/ImgProcess.h"
+#include "ImgProcess/PointListFile.h"
 #include "erdasimg/BandPixels.h"
-#include "io/NumberText.h"
-#include "io/OutputFile.h"
 #include "numerics/SimdVersion.h"
 
 namespace corvane {
@@ -144,17 +143,15 @@ bool IsReal(const ErdasImg& image) {
 }
 
 template <typename Pixel>
-void WriteMarks(const ErdasImg& image, std::int32_t band, std::int64_t& nWritten, OutputFile& file) {
+void WriteMarks(const ErdasImg& image, std::int32_t band, PointListFile& file) {
   const BandPixels<Pixel> pixels(image, band);
-  std::string line;
   const std::int64_t nHeld = pixels.GetHeldCount();
   for (std::int64_t i = 0; i < nHeld; ++i) {
     if (!(pixels.Get(i) > 0)) continue;
-    line.clear();
-    AppendInt(line, nWritten++);
-    AppendInt(line += ", ", i % image.m_header.cols);
-    AppendInt(line += ", ", i / image.m_header.cols);
-    file.Write(line += '\n');
+    file.Add([&](std::string& line) {
+      AppendInt(line, i % image.m_header.cols);
+      AppendInt(line += ", ", i / image.m_header.cols);
+    });
   }
 }
 
@@ -175,15 +172,15 @@ int ImgProcess::ZeroCrossing(const ErdasImg& image, double threshold, ErdasImg& 
   return 1;
 }
 
-int ImgProcess::WriteMarkedPixels(const ErdasImg& image, const std::string& path) {
-  OutputFile file(path);
-  std::int64_t nWritten = 0;
+int ImgProcess::WriteMarkedPixels(const ErdasImg& image, const std::string& path, std::int64_t* nMarked) {
+  PointListFile file(path);
   for (std::int32_t band = 0; band < image.GetBandCount(); ++band) {
-    if (image.GetPackType() == kPackByte) WriteMarks<std::uint8_t>(image, band, nWritten, file);
-    if (image.GetPackType() == kPackFloat) WriteMarks<float>(image, band, nWritten, file);
-    if (image.GetPackType() == kPackDouble) WriteMarks<double>(image, band, nWritten, file);
+    if (image.GetPackType() == kPackByte) WriteMarks<std::uint8_t>(image, band, file);
+    if (image.GetPackType() == kPackFloat) WriteMarks<float>(image, band, file);
+    if (image.GetPackType() == kPackDouble) WriteMarks<double>(image, band, file);
   }
-  return file.Commit() ? 1 : -1;
+  if (nMarked) *nMarked = file.GetCount();
+  return file.Commit();
 }
 
 }  // namespace corvane

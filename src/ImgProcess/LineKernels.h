@@ -10,9 +10,10 @@ namespace corvane {
 // that are read, unless told.
 
 // to[i] = 0 + lines[0][i] * weights[0] + lines[1][i] * weights[1] + ... of `nLines` lines, added from left to
-// right, for i < n.
-template <typename Number>
-void WeightedSum(const Number* const* lines, const Number* weights, std::ptrdiff_t nLines, Number* to,
+// right, for i < n. Floats make sums of floats, and doubles of doubles. Sums of floats from doubles are
+// rounded to a float after each addition; the product and the addition are those of doubles.
+template <typename Number, typename Sum>
+void WeightedSum(const Number* const* lines, const Sum* weights, std::ptrdiff_t nLines, Sum* to,
                  std::ptrdiff_t n);
 
 // The `n` pixels that begin at `pixels`, which need not be aligned, in another type.

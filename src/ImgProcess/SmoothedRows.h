@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <vector>
 
-#include "ImgProcess/Kernel1D.h"
-#include "ImgProcess/LineKernels.h"
+#include "ImgProcess/KernelSums.h"
 
 namespace corvane {
 
@@ -21,52 +19,25 @@ template <typename Number>
 class SmoothedRows {
  public:
   SmoothedRows(const Kernel1D& kernel, std::int64_t nRows, std::int64_t nCols)
-      : nRows_(nRows),
-        nCols_(nCols),
-        reach_(kernel.GetReach()),
-        weights_(kernel.values.begin(), kernel.values.end()),
-        lines_(weights_.size()),
-        padded_(static_cast<std::size_t>(nCols + 2 * reach_)),
-        nHeld_(std::min<std::int64_t>(kernel.size, nRows)),
-        held_(static_cast<std::size_t>(nHeld_ * nCols)) {}
+      : nCols_(nCols), alongRows_(kernel, nCols), alongColumns_(kernel, nRows, nCols) {}
 
   // Rows that must follow a row before it can be had.
-  std::int64_t GetReach() const { return reach_; }
+  std::int64_t GetReach() const { return alongRows_.GetReach(); }
 
   // Takes the next row.
   void Push(const Number* row) {
-    const auto first = padded_.begin() + reach_;
-    std::fill(padded_.begin(), first, row[0]);
-    std::copy_n(row, nCols_, first);
-    std::fill(first + nCols_, padded_.end(), row[nCols_ - 1]);
-    for (std::size_t j = 0; j < lines_.size(); ++j) lines_[j] = padded_.data() + j;
-    Sum(HeldRow(nPushed_++));
+    const std::int64_t begin = alongRows_.GetReach();
+    std::copy_n(row, nCols_, alongRows_.GetLine().begin() + begin);
+    alongRows_.Get(begin, begin + nCols_, alongColumns_.Add());
   }
 
   // The filtered row, while the rows are held that its sums reach.
-  void Get(std::int64_t row, Number* filtered) {
-    for (std::size_t j = 0; j < lines_.size(); ++j) {
-      const std::int64_t from = row - reach_ + static_cast<std::int64_t>(j);
-      lines_[j] = HeldRow(std::clamp<std::int64_t>(from, 0, nRows_ - 1));
-    }
-    Sum(filtered);
-  }
+  void Get(std::int64_t row, Number* filtered) { alongColumns_.Get(row, filtered); }
 
  private:
-  Number* HeldRow(std::int64_t row) { return held_.data() + row % nHeld_ * nCols_; }
-  void Sum(Number* to) {
-    WeightedSum(lines_.data(), weights_.data(), static_cast<std::ptrdiff_t>(lines_.size()), to, nCols_);
-  }
-
-  std::int64_t nRows_;
   std::int64_t nCols_;
-  std::int64_t reach_;
-  std::vector<Number> weights_;
-  std::vector<const Number*> lines_;
-  std::vector<Number> padded_;
-  std::int64_t nHeld_;
-  std::vector<Number> held_;  // filtered along the row: row r stands at r % nHeld_
-  std::int64_t nPushed_ = 0;
+  RowSums<Number, Number> alongRows_;
+  ColumnSums<Number, Number> alongColumns_;
 };
 
 }  // namespace corvane

@@ -1,12 +1,15 @@
 #include "commands/FeaturesMenu.h"
 
+#include <algorithm>
+
 #include "ImgProcess/ImgProcess.h"
+#include "ImgProcess/PointListFile.h"
 #include "commands/Choosers.h"
 #include "commands/Failures.h"
+#include "commands/FilterTexts.h"
 #include "commands/ImageFiles.h"
 #include "forms/ValueInput.h"
 #include "io/NumberText.h"
-#include "io/OutputFile.h"
 #include "io/Paths.h"
 #include "numerics/Truncate.h"
 #include "shell/CorvaneView.h"
@@ -60,89 +63,106 @@ bool ShowPoints(CCorvaneView& view, const SourceImage& source, std::vector<doubl
 
 std::vector<double> PlacesOf(const std::vector<Point2>& points) {
   std::vector<double> places;
+  places.reserve(2 * points.size());
   for (const Point2& point : points) places.insert(places.end(), {point.x, point.y});
   return places;
 }
 
 // Writes a line "index, x, y" for each point. False, with a warning, if the file can't be written.
 bool WritePoints(const std::string& path, const std::vector<Point2>& points) {
-  OutputFile file(path);
-  if (!file.IsOpen()) {
-    ShowWarning(OpenErrorText(path));
-    return false;
+  PointListFile file(path);
+  for (const Point2& point : points) {
+    file.Add([&](std::string& line) { AppendNumbers(line, {point.x, point.y}, 6); });
   }
-  std::string text;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    AppendInt(text, static_cast<std::int64_t>(i));
-    text += ", ";
-    AppendNumbers(text, {points[i].x, points[i].y}, 6);
-    text += '\n';
-  }
-  if (file.Write(text) && file.Commit()) return true;
-  ShowWarning(WriteErrorText(path));
-  return false;
+  return file.Commit() == 1;
 }
 
-// Finds the corners; false, with a warning, if that fails.
-bool FindCorners(ImgProcess& process, const SourceImage& source, const HarrisParam& param,
-                 std::vector<Point2>& corners) {
-  switch (process.HarrisCorners(source.image, corners, param)) {
+struct Corners {
+  std::vector<Point2> points;
+  bool isResponseStored = false;
+};
+
+// Finds the corners; false, with a warning, if that fails. That the response can't be stored is told, too,
+// but the corners are there.
+bool FindCorners(const SourceImage& source, const HarrisParam& param, Corners& corners) {
+  const int status = ImgProcess().HarrisCorners(source.image, corners.points, param);
+  corners.isResponseStored = status == 1;
+  switch (status) {
     case 1:
+    case -5:
       return true;
-    case -1:
-      ShowWarning("There is no Gaussian with this sigma. Please enter one from 0 to " +
-                  ShortestText(ImgProcess::kMaxSigma) + ".");
-      return false;
-    case -2:
-      ShowWarning(ErdasImg::kNoMemoryText);
+    case -3:  // told
       return false;
     case -4:
-      ShowWarning("The temporary files beside the image have been changed by another program.");
+      ShowWarning("The temporary files beside the image do not match it.");
       return false;
-    default:  // told
+    default:
+      ShowWarning(ErdasImg::kNoMemoryText);
       return false;
   }
 }
 
-// Shows the corners over the image, and writes them beside it. `more` ends the text in the message pane.
-CommandResult StoreCorners(CCorvaneView& view, const SourceImage& source, const std::vector<Point2>& corners,
-                           const std::string& more = "") {
-  const bool isShown = ShowPoints(view, source, PlacesOf(corners));
+// Shows the corners over the image, and writes them beside it. `more` goes on in the message pane about what
+// has been written, and `notes` ends the text there.
+CommandResult StoreCorners(CCorvaneView& view, const SourceImage& source, const Corners& corners,
+                           const std::string& more, const std::string& notes) {
+  const bool isShown = ShowPoints(view, source, PlacesOf(corners.points));
   const std::string path = DerivedName(source.path, "_Pt.txt");
-  if (!WritePoints(path, corners)) return CommandResult::Failed;
-  Ui().SetStatusText(0, "Written to " + path + ": " + std::to_string(corners.size()) + " corners." + more +
-                            CutText(source.image));
-  return ResultOf(source.isRead && isShown);
+  if (!WritePoints(path, corners.points)) return CommandResult::Failed;
+  const char* const sideFile = corners.isResponseStored ? " Side file: cornerResponse.lan." : "";
+  Ui().SetStatusText(0, "Written to " + path + ": " + std::to_string(corners.points.size()) + " corners." +
+                            more + sideFile + notes);
+  return ResultOf(source.isRead && isShown && corners.isResponseStored);
 }
 
-using MakeFeatures = int (ImgProcess::*)(ErdasImg&, const std::vector<Point2>&, std::int32_t,
-                                         FeaturePointList&, bool);
+// What a command that describes corners has of its own.
+struct Descriptor {
+  int (ImgProcess::*makeFeatures)(ErdasImg&, const std::vector<Point2>&, std::int32_t, FeaturePointList&,
+                                  bool);
+  double windowSize;       // that is shown
+  std::int32_t fixedSize;  // of the window whatever is entered; 0 if it is as entered
+  const char* path;
+};
+
+// Why there is no descriptor.
+std::string WhyNone(const Descriptor& descriptor, std::int32_t windowSize) {
+  if (descriptor.fixedSize == 0) {
+    const std::string size = " The window size " + std::to_string(windowSize);
+    if (windowSize % 2 == 0) return size + " is not odd.";
+    if (windowSize < 0) return size + " is not positive.";
+  }
+  // A fixed window keeps a margin of its own.
+  const std::int32_t margin = std::max(windowSize, descriptor.fixedSize / 2);
+  return " No corner lies " + std::to_string(margin) + " pixels or more inside the image's edges.";
+}
 
 // A command that describes the corners of an image.
-CommandResult DescribeCorners(CCorvaneView& view, MakeFeatures makeFeatures, double windowSize,
-                              const std::string& path) {
+CommandResult DescribeCorners(CCorvaneView& view, const Descriptor& descriptor) {
   SourceImage source;
   const CommandResult opened = OpenSource(source);
   if (opened != CommandResult::Done) return opened;
   const auto threshold = AskThreshold();
   if (!threshold) return CommandResult::Cancelled;
-  const auto size = AskWhole("Input feature descriptor window size", windowSize);
+  // The corners do not need the size, but their file is written with them: Cancel would leave it behind.
+  const auto size = AskWhole("Input feature descriptor window size", descriptor.windowSize);
   if (!size) return CommandResult::Cancelled;
 
   WaitCursor wait;
-  ImgProcess process;
-  std::vector<Point2> corners;
-  if (!FindCorners(process, source, {.threshold = 1.0 * *threshold}, corners)) return CommandResult::Failed;
+  Corners corners;
+  if (!FindCorners(source, {.threshold = 1.0 * *threshold}, corners)) return CommandResult::Failed;
   FeaturePointList features;
-  if ((process.*makeFeatures)(source.image, corners, *size, features, true) < 0) {
+  ImgProcess process;
+  if ((process.*descriptor.makeFeatures)(source.image, corners.points, *size, features, true) < 0) {
     return FailWithWarning(ErdasImg::kNoMemoryText);
   }
-  if (WriteFeaturePoints(path, features) < 0) return CommandResult::Failed;
-  const char* const why = features.empty() && !corners.empty()
-                              ? " No corner has a window of an odd size around it that is all in the image."
-                              : "";
-  return StoreCorners(view, source, corners,
-                      " To " + path + ": " + std::to_string(features.size()) + " descriptors." + why);
+  std::string more;
+  const bool isWritten = WriteFeaturePoints(descriptor.path, features) == 1;
+  if (isWritten)
+    more = std::string(" To ") + descriptor.path + ": " + std::to_string(features.size()) + " descriptors.";
+  if (features.empty() && !corners.points.empty()) more += WhyNone(descriptor, *size);
+  const CommandResult stored = StoreCorners(
+      view, source, corners, more, FilterNotes(source.image) + AsBytesText(source.image.GetPackType()));
+  return isWritten ? stored : CommandResult::Failed;
 }
 
 }  // namespace
@@ -153,10 +173,13 @@ CommandResult OnPoints(CCorvaneView& view) {
   if (opened != CommandResult::Done) return opened;
   WaitCursor wait;
   std::vector<double> places;
-  ImgProcess().ProminentPixels(source.image, kProminence, places);
+  if (ImgProcess().ProminentPixels(source.image, kProminence, places) < 0) {
+    return FailWithWarning(ErdasImg::kNoMemoryText);
+  }
   const std::size_t nPoints = places.size() / 2;
   if (!ShowPoints(view, source, std::move(places))) return CommandResult::Failed;
-  Ui().SetStatusText(0, std::to_string(nPoints) + " prominent points." + CutText(source.image));
+  Ui().SetStatusText(0, std::to_string(nPoints) + " prominent points." + CutText(source.image) +
+                            AsBytesText(source.image.GetPackType()));
   return ResultOf(source.isRead);
 }
 
@@ -168,21 +191,27 @@ CommandResult OnHarrisCorner(CCorvaneView& view) {
   if (!sigma.Ask()) return CommandResult::Cancelled;
   const auto threshold = AskThreshold();
   if (!threshold) return CommandResult::Cancelled;
+  if (!CheckSigma(sigma.value)) return CommandResult::Failed;
 
   WaitCursor wait;
-  ImgProcess process;
-  std::vector<Point2> corners;
+  Corners corners;
   const HarrisParam param{.sigma = sigma.value, .threshold = 1.0 * *threshold};
-  if (!FindCorners(process, source, param, corners)) return CommandResult::Failed;
-  return StoreCorners(view, source, corners);
+  if (!FindCorners(source, param, corners)) return CommandResult::Failed;
+  return StoreCorners(view, source, corners, "", FilterNotes(source.image, sigma.value));
 }
 
 CommandResult OnStructuralFeature(CCorvaneView& view) {
-  return DescribeCorners(view, &ImgProcess::StructuralFeatures, 7.0, "Descriptor.txt");
+  return DescribeCorners(view, {.makeFeatures = &ImgProcess::StructuralFeatures,
+                                .windowSize = 7.0,
+                                .fixedSize = 0,
+                                .path = "Descriptor.txt"});
 }
 
 CommandResult OnSpiralDescriptor(CCorvaneView& view) {
-  return DescribeCorners(view, &ImgProcess::SpiralFeatures, 17.0, "Spiral_Descrip.txt");
+  return DescribeCorners(view, {.makeFeatures = &ImgProcess::SpiralFeatures,
+                                .windowSize = 17.0,
+                                .fixedSize = 17,
+                                .path = "Spiral_Descrip.txt"});
 }
 
 }  // namespace corvane

@@ -3,6 +3,7 @@
 #include "ImgProcess/ImgProcess.h"
 #include "commands/Choosers.h"
 #include "commands/Failures.h"
+#include "commands/FilterTexts.h"
 #include "commands/ImageFiles.h"
 #include "commands/ImageMenu.h"
 #include "forms/ValueInput.h"
@@ -28,17 +29,16 @@ FileChooser SaveChooser(const std::string& path, const std::string& suffix) {
 // Asks again while the number is negative. Nothing on Cancel.
 std::optional<double> AskNotNegative(const std::string& title, double shown) {
   ValueInput input{.title = title, .value = shown};
-  do {
-    if (!input.Ask()) return std::nullopt;
-  } while (input.value < 0.0);
-  return input.value;
+  while (input.Ask()) {
+    if (!(input.value < 0.0)) return input.value;
+    Ui().SetStatusText(0, "Please enter a number that is not negative.");
+  }
+  return std::nullopt;
 }
 
-// Why a filter of an image with pixels has failed, as its status says; what -3 stands for has been shown.
+// Ends a command whose filter of an image with pixels has failed: for want of memory, unless it has told why.
 CommandResult FailToFilter(int status) {
-  if (status == -2) return FailWithWarning(ErdasImg::kNoMemoryText);
-  if (status == -3) return CommandResult::Failed;
-  return FailWithWarning("The sigma is no number from 0 to 10000. Please enter the smoothing in pixels.");
+  return status == -3 ? CommandResult::Failed : FailWithWarning(ErdasImg::kNoMemoryText);
 }
 
 bool IsStored(const std::string& path, ErdasImg& image, const std::string& more) {
@@ -51,11 +51,10 @@ bool StoreCrossings(const std::string& path, ErdasImg& laplacian, ErdasImg& mark
   bool isStored = IsStored(DerivedName(path, "_LoG.lan"), laplacian, more);
   isStored = IsStored(DerivedName(path, "_0X.lan"), marks, more) && isStored;
   const std::string listPath = DerivedName(path, "_Pt.txt");
-  if (ImgProcess().WriteMarkedPixels(marks, listPath) < 0) {
-    ShowWarning(WriteErrorText(listPath));
-    return false;
-  }
-  Ui().SetStatusText(0, "Written to " + listPath + ": the zero crossings, a line each." + more);
+  std::int64_t nMarked = 0;
+  if (ImgProcess().WriteMarkedPixels(marks, listPath, &nMarked) < 0) return false;
+  Ui().SetStatusText(0,
+                     "Written to " + listPath + ": " + std::to_string(nMarked) + " zero crossings." + more);
   return isStored;
 }
 
@@ -68,6 +67,7 @@ CommandResult OnGaussianSmooth(CCorvaneView&) {
   if (!sigma.Ask()) return CommandResult::Cancelled;
   const auto outPath = ChooseFile(SaveChooser(*path, "_Smooth.lan"));
   if (!outPath) return CommandResult::Cancelled;
+  if (!CheckSigma(sigma.value)) return CommandResult::Failed;
 
   WaitCursor wait;
   ErdasImg image;
@@ -76,7 +76,7 @@ CommandResult OnGaussianSmooth(CCorvaneView&) {
   ResultImage smoothed;
   const int status = ImgProcess().GaussianSmooth(image, sigma.value, smoothed);
   if (status < 0) return FailToFilter(status);
-  return StoreImage(*outPath, *smoothed, isRead, CutText(image));
+  return StoreImage(*outPath, *smoothed, isRead, FilterNotes(image, sigma.value));
 }
 
 CommandResult OnGradientImage(CCorvaneView&) {
@@ -92,11 +92,12 @@ CommandResult OnGradientImage(CCorvaneView&) {
   ResultImage gradient;
   const int status = ImgProcess().Gradient(image, kPackFloat, gradient);
   if (status == -3) {  // a side file is missing, the result is not
-    StoreImage(*outPath, *gradient, isRead, CutText(image));
+    StoreImage(*outPath, *gradient, isRead, FilterNotes(image));
     return CommandResult::Failed;
   }
-  if (status < 0) return FailWithWarning(ErdasImg::kNoMemoryText);
-  return StoreImage(*outPath, *gradient, isRead, CutText(image));
+  if (status < 0) return FailToFilter(status);
+  return StoreImage(*outPath, *gradient, isRead,
+                    " Side files: GradientX.lan, GradientY.lan." + FilterNotes(image));
 }
 
 CommandResult OnZeroCrossing(CCorvaneView&) {
@@ -106,6 +107,7 @@ CommandResult OnZeroCrossing(CCorvaneView&) {
   if (!sigma) return CommandResult::Cancelled;
   const auto threshold = AskNotNegative("Zero-crossing threshold is:", 0.0);
   if (!threshold) return CommandResult::Cancelled;
+  if (!CheckSigma(*sigma)) return CommandResult::Failed;
 
   WaitCursor wait;
   ErdasImg image;
@@ -123,7 +125,7 @@ CommandResult OnZeroCrossing(CCorvaneView&) {
   if (marks.Create(*image.GetHeader(), false) < 0 || process.ZeroCrossing(laplacian, *threshold, marks) < 0) {
     return FailWithWarning(ErdasImg::kNoMemoryText);
   }
-  return ResultOf(StoreCrossings(*path, laplacian, marks, CutText(image)) && isRead);
+  return ResultOf(StoreCrossings(*path, laplacian, marks, FilterNotes(image, *sigma)) && isRead);
 }
 
 }  // namespace corvane

@@ -8,6 +8,8 @@
 #include "io/InputFile.h"
 #include "numerics/Histogram.h"
 #include "numerics/Truncate.h"
+#include "ui/ErrorTexts.h"
+#include "ui/FrontEnd.h"
 
 namespace corvane {
 
@@ -109,16 +111,17 @@ bool AddLine(InputFile& file, const BandPixels<Pixel>& to, std::int64_t first, s
   return true;
 }
 
-// Adds the lines of a .lan behind its header, as many as there are.
+// Adds the lines of a .lan behind its header. False if one is not whole.
 template <typename Pixel>
-void AddLines(const ErdasImg& image, InputFile& file) {
+bool AddLines(const ErdasImg& image, InputFile& file) {
   const std::int32_t nRows = image.GetBandCount() > 0 ? image.m_header.rows : 0;
   for (std::int32_t row = 0; row < nRows; ++row) {
     for (std::int32_t band = 0; band < image.GetBandCount(); ++band) {
       const BandPixels<Pixel> to(image, band);
-      if (!AddLine(file, to, to.IndexOf(row, 0), image.m_header.cols)) return;
+      if (!AddLine(file, to, to.IndexOf(row, 0), image.m_header.cols)) return false;
     }
   }
+  return true;
 }
 
 // Cuts the window out as the subset. False if there is none.
@@ -291,13 +294,21 @@ int ErdasImg::AddImage(const ErdasImg& other) {
 }
 
 int ErdasImg::AddImage(const std::string& path) {
-  ErdasImg other;
-  if (other.ReadHeader(path) < 0 || !SameGeometry(other)) return -1;
-  if (m_header.cols <= 0) return 1;
   InputFile file(path);
-  if (!file.Seek(sizeof other.m_header)) return -1;
-  WithAddedType(*this, [&](auto pixel) { AddLines<decltype(pixel)>(*this, file); });
-  return 1;
+  if (!file.IsOpen()) {
+    ShowWarning(OpenErrorText(path));
+    return -1;
+  }
+  ErdasImg other;
+  bool isWhole = file.Read(&other.m_header, sizeof other.m_header) == sizeof other.m_header;
+  if (isWhole) {
+    if (!SameGeometry(other)) return -1;
+    if (m_header.cols <= 0) return 1;
+    WithAddedType(*this, [&](auto pixel) { isWhole = AddLines<decltype(pixel)>(*this, file); });
+  }
+  if (isWhole) return 1;
+  ShowWarning(OpenErrorText(path) + "\nIt is cut short.");
+  return -1;
 }
 
 bool ErdasImg::IsUniform3x3(std::int32_t band, std::int32_t row, std::int32_t col) const {

@@ -44,10 +44,20 @@ inline int MakeBins(double min, double max, double binSize, Histogram& histogram
 }
 
 // The histogram of value(item) over all items, a value v in bin int((v - min) / binSize). What lies in no
-// bin, or is no number, is not counted. Results as MakeBins.
+// bin, or is no number, is not counted. Where `min` and `max` are both 0, they are the least and the greatest
+// value. Results as MakeBins; -1 also if there is no such value.
 template <typename Items, typename Value>
 int MakeHistogram(const Items& items, Value value, double min, double max, double binSize,
                   Histogram& histogram) {
+  if (min == 0.0 && max == 0.0) {
+    min = std::numeric_limits<double>::infinity();
+    max = -min;
+    for (const auto& item : items) {
+      const double number = value(item);
+      min = number < min ? number : min;  // not-a-number is neither
+      max = number > max ? number : max;
+    }
+  }
   if (MakeBins(min, max, binSize, histogram) < 0) return -1;
   for (const auto& item : items) {
     const std::optional<std::int32_t> bin = TruncateToInt((value(item) - min) / binSize);
@@ -57,35 +67,27 @@ int MakeHistogram(const Items& items, Value value, double min, double max, doubl
   return 1;
 }
 
-// The same between the least and the greatest value, found first; -1 also if there is none.
+// The same between the least and the greatest value.
 template <typename Items, typename Value>
 int MakeHistogram(const Items& items, Value value, double binSize, Histogram& histogram) {
-  double min = std::numeric_limits<double>::infinity();
-  double max = -min;
-  for (const auto& item : items) {
-    const double number = value(item);
-    min = number < min ? number : min;  // not-a-number is neither
-    max = number > max ? number : max;
-  }
-  return MakeHistogram(items, value, min, max, binSize, histogram);
+  return MakeHistogram(items, value, 0.0, 0.0, binSize, histogram);
 }
 
 // What HistogramThresh leaves where it finds none.
 constexpr double kNoThreshold = std::numeric_limits<double>::max();
 
-// Adds counts from the top bin down until they reach int(n * fraction) of `n` values, and gives the lower
-// edge of the bin reached; `threshold` stays as it is if they never do. Returns the sum; -1 for a histogram
-// without bins.
+// Adds counts from the top bin down until they reach int(n * fraction) of `n` values, or the bins end, and
+// gives the lower edge of the bin where it stops. Returns the sum; -1, with `threshold` as it was, for a
+// histogram without bins, or without as many counts as bins.
 inline std::int64_t HistogramThresh(std::int32_t n, const Histogram& histogram, double fraction,
                                     double& threshold) {
-  if (histogram.counts.empty()) return -1;
+  if (histogram.counts.empty() || histogram.counts.size() != histogram.binStarts.size()) return -1;
   const std::int64_t target = TruncateTo64(n * fraction);
   std::int64_t sum = 0;
   for (std::size_t i = histogram.counts.size(); i-- > 0;) {
     sum += histogram.counts[i];  // Kept: before the test, so that a target of 0 is reached in the top bin
-    if (sum < target) continue;
     threshold = histogram.binStarts[i];
-    break;
+    if (sum >= target) break;
   }
   return sum;
 }

@@ -147,6 +147,30 @@ TEST(Convolve, NarrowsTheKernelToFloatsAndRoundsEveryStep) {
   EXPECT_THAT(BandPixelsOf<double>(*wide, 0), ElementsAre(3 * 0.1 + 50331648.0 + 3 * 0.1));
 }
 
+TEST(Convolve, OfDoublesToFloatsRoundsSumsAndNotPixels) {
+  ImgProcess process;
+  // 2^24 + 1 is no float: the sums are 2^24, then 2^24 - (2^24 + 1).
+  const Kernel1D kernel = {3, {1.0, -1.0, 0.0}};
+  for (const int direction : {1, 2}) {
+    ResultImage result;
+    ASSERT_EQ(process.Convolve(*ImageOf<double>(1, 1, {16777217.0}), kernel, direction, kPackFloat, result),
+              1);
+    EXPECT_THAT(BandPixelsOf<float>(*result, 0), ElementsAre(-1.0f));
+  }
+  // The columns take the floats that come out of the rows: -1, -1, ...
+  ResultImage both;
+  ASSERT_EQ(process.Convolve2D(*ImageOf<double>(1, 1, {16777217.0}), kernel, kPackFloat, both), 1);
+  EXPECT_THAT(BandPixelsOf<float>(*both, 0), ElementsAre(0.0f));
+}
+
+TEST(Convolve, OfDoublesToFloatsNarrowsTheKernel) {
+  ImgProcess process;
+  ResultImage result;
+  ASSERT_EQ(process.Convolve(*ImageOf<double>(1, 1, {13.0}), {1, {0.1}}, 1, kPackFloat, result), 1);
+  // 13 * 0.1f is 1.3 + 1.94e-8: 6.7e-8 above 1.3f, and 5.2e-8 below the next float.
+  EXPECT_THAT(BandPixelsOf<float>(*result, 0), ElementsAre(std::nextafter(1.3f, 2.0f)));
+}
+
 TEST(Convolve, SumsBeginWithPlus0) {
   ImgProcess process;
   const auto image = ImageOf<std::uint8_t>(2, 1, {0, 0});

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "ImgProcess/ImgProcess.h"
+#include "ImgProcess/MemoryLimit.h"
 #include "erdasimg/ImageBytes.h"
 #include "numerics/SimdVersion.h"
 #include "support/TestFrontEnd.h"
@@ -116,7 +117,7 @@ TEST_F(CornerPointsTest, ProminentPixelsAreThoseOfIsProminent) {
                                                                        : random());
   }
   for (const double threshold : {0.3, 0.0, 0.25, 0.99, 1.0, -0.5, -2.0, kNan, kInfinity}) {
-    std::vector<double> expected = {-1.0};
+    std::vector<double> expected;
     for (std::int32_t row = 1; row < 39; ++row) {
       for (std::int32_t col = 1; col < 149; ++col) {
         if (image.IsProminent(col, row, threshold) > 0)
@@ -125,7 +126,7 @@ TEST_F(CornerPointsTest, ProminentPixelsAreThoseOfIsProminent) {
     }
     for (const SimdVersion version : AvailableSimdVersions()) {
       const ForcedSimdVersion forced(version);
-      std::vector<double> places = {-1.0};
+      std::vector<double> places = {-1.0};  // is replaced
       process.ProminentPixels(image, threshold, places);
       EXPECT_EQ(places, expected) << threshold;
     }
@@ -147,8 +148,51 @@ TEST_F(CornerPointsTest, TheOutermostRingHasNoProminentPixels) {
   process.ProminentPixels(image, 0.3, places);
   EXPECT_THAT(places, ElementsAre(1, 1));
   ErdasImg small = ImageOf(kPackByte, 2, 9);
-  process.ProminentPixels(small, 0.3, places);
-  EXPECT_THAT(places, ElementsAre(1, 1));
+  EXPECT_EQ(process.ProminentPixels(small, 0.3, places), 1);
+  EXPECT_THAT(places, IsEmpty());
+}
+
+// Every second pixel of every second row: 16 bytes each as points, and more as features.
+ErdasImg DotsOf(std::uint16_t packType) {
+  ErdasImg image = ImageOf(packType, 2000, 2000);
+  for (std::int32_t row = 1; row < 2000; row += 2) {
+    for (std::int32_t col = 1; col < 2000; col += 2) image.SetPixel(0, row, col, 200);
+  }
+  return image;
+}
+
+TEST_F(CornerPointsTest, CornersWithoutMemoryAreNone) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer needs memory of its own";
+#endif
+  const ErdasImg response = DotsOf(kPackFloat);
+  const auto extract = [&] {
+    std::vector<Point2> points;
+    const int status = process.ExtractCorners(response, {.threshold = 1}, points);
+    return status < 0 && (!points.empty() || points.capacity() > 0) ? 10 : status;
+  };
+  const auto extractFeatures = [&] {
+    FeaturePointList features;
+    const int status = process.ExtractCornerFeatures(response, {.threshold = 1}, features);
+    return status < 0 && (!features.empty() || features.capacity() > 0) ? 10 : status;
+  };
+  EXPECT_EXIT(RunWithin(std::size_t{8} << 20, extract), testing::ExitedWithCode(12), "");
+  EXPECT_EXIT(RunWithin(std::size_t{60} << 20, extract), testing::ExitedWithCode(9), "");
+  EXPECT_EXIT(RunWithin(std::size_t{20} << 20, extractFeatures), testing::ExitedWithCode(12), "");
+}
+
+TEST_F(CornerPointsTest, ProminentPixelsTakeTheMemoryThatTheyNeedAndNoMore) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer needs memory of its own";
+#endif
+  const ErdasImg image = DotsOf(kPackByte);  // every pixel stands out: 1998 * 1998 * 16 bytes, 61 MiB
+  const auto find = [&] {
+    std::vector<double> places;
+    const int status = process.ProminentPixels(image, 0.3, places);
+    return places.size() == (status < 0 ? 0 : 2 * 1998 * 1998) ? status : 10;
+  };
+  EXPECT_EXIT(RunWithin(std::size_t{63} << 20, find), testing::ExitedWithCode(9), "");
+  EXPECT_EXIT(RunWithin(std::size_t{40} << 20, find), testing::ExitedWithCode(12), "");
 }
 
 TEST_F(CornerPointsTest, ProminentPixelsOfABandThatIsTooShort) {

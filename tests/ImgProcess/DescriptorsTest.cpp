@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "ImgProcess/ImgProcess.h"
+#include "ImgProcess/MemoryLimit.h"
 #include "erdasimg/ImageBytes.h"
 #include "support/TestFrontEnd.h"
 
@@ -168,6 +169,24 @@ TEST_F(DescriptorsTest, FeaturesBeyondTheMachinesMemoryAreRefused) {
   FeaturePointList features(1);
   EXPECT_EQ(process.StructuralFeatures(image, points, 1499, features, true), -2);
   EXPECT_THAT(features, IsEmpty());
+}
+
+TEST_F(DescriptorsTest, FeaturesWithoutMemoryAreNone) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer needs memory of its own";
+#endif
+  ErdasImg image = PatternOf(41, 41);
+  const std::vector<Point2> points(100000, {20, 20});
+  const auto describe = [&](auto makeFeatures, std::int32_t size) {
+    FeaturePointList features(1);
+    const int status = (process.*makeFeatures)(image, points, size, features, true);
+    return features.empty() && features.capacity() == 0 ? status : 10;
+  };
+  // 48 or 41 values of 8 bytes each.
+  EXPECT_EXIT(RunWithin(std::size_t{20} << 20, [&] { return describe(&ImgProcess::StructuralFeatures, 7); }),
+              testing::ExitedWithCode(12), "");
+  EXPECT_EXIT(RunWithin(std::size_t{20} << 20, [&] { return describe(&ImgProcess::SpiralFeatures, 17); }),
+              testing::ExitedWithCode(12), "");
 }
 
 TEST_F(DescriptorsTest, WiderPixelsCountAsBytes) {

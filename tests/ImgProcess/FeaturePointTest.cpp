@@ -26,6 +26,17 @@ class FeaturePointTest : public testing::Test {
     return list;
   }
 
+  // The same of a file that does not hold what it promises.
+  FeaturePointList ReadPart(const std::string& text) {
+    WriteFileBytes("in.txt", text);
+    ui.events.clear();
+    FeaturePointList list(3);
+    EXPECT_EQ(ReadFeaturePoints("in.txt", list, FeatureNumbers::Double), -2);
+    EXPECT_THAT(ui.events, ElementsAre("message warning: Open file in.txt error!\n"
+                                       "It is no list of descriptors, or it is cut short."));
+    return list;
+  }
+
   TempFolder folder;
   TestFrontEnd ui;
 };
@@ -138,22 +149,36 @@ TEST_F(FeaturePointTest, LinesDoNotMatterToTheReader) {
   EXPECT_THAT(list[1].values, ElementsAre(11, 12));
 }
 
-TEST_F(FeaturePointTest, APointThatIsNotWholeEndsTheList) {
-  EXPECT_EQ(Read("3 2\n1 2 1 0\n5 6\n1 2 1 0\n5").size(), 1u);
-  EXPECT_EQ(Read("3 2\n1 2 1 0\n5 6\n1 2 x 0\n5 6").size(), 1u);
-  EXPECT_EQ(Read("1 1\n1 2 1").size(), 0u);
+TEST_F(FeaturePointTest, APointThatIsNotWholeEndsTheListAndIsTold) {
+  const FeaturePointList list = ReadPart("3 2\n1 2 1 0\n5 6\n1 2 1 0\n5");
+  ASSERT_EQ(list.size(), 1u);
+  EXPECT_THAT(list[0].values, ElementsAre(5, 6));
+  EXPECT_EQ(ReadPart("3 2\n1 2 1 0\n5 6\n1 2 x 0\n5 6").size(), 1u);
+  EXPECT_EQ(ReadPart("2 0\n1 2 1 0\n").size(), 1u);
+  EXPECT_EQ(ReadPart("1 1\n1 2 1").size(), 0u);
 }
 
-TEST_F(FeaturePointTest, TextsThatAreNoListGiveNone) {
-  for (const char* text : {"", "\n", "a b", "3", "-1 5\n1 2 3 4 5", "0 1\n1 2 3 4 5"}) {
-    EXPECT_THAT(Read(text), IsEmpty()) << text;
+TEST_F(FeaturePointTest, ATextWithoutAFirstLineIsTold) {
+  for (const char* text : {"\n", " ", "a b", "3", "3 x\n1 2 1 0"}) {
+    EXPECT_THAT(ReadPart(text), IsEmpty()) << text;
   }
+}
+
+TEST_F(FeaturePointTest, AnEmptyFileIsAnEmptyList) {
+  EXPECT_THAT(Read(""), IsEmpty());
+  EXPECT_THAT(ui.events, IsEmpty());
+}
+
+TEST_F(FeaturePointTest, CountsThatAreNotPositivePromiseNothing) {
+  EXPECT_THAT(Read("-1 5\n1 2 3 4 5"), IsEmpty());
+  EXPECT_THAT(Read("0 1\n1 2 3 4 5"), IsEmpty());
   EXPECT_EQ(Read("1 -5\n1 2 3 4 5").at(0).values.size(), 0u);
+  EXPECT_THAT(ui.events, IsEmpty());
 }
 
 TEST_F(FeaturePointTest, HugePromisesTakeNoMemory) {
-  EXPECT_EQ(Read("2147483647 2147483647\n1 2 1 0\n3 4 5").size(), 0u);
-  EXPECT_EQ(Read("2147483647 0\n1 2 1 0\n3 4 1 0").size(), 2u);
+  EXPECT_EQ(ReadPart("2147483647 2147483647\n1 2 1 0\n3 4 5").size(), 0u);
+  EXPECT_EQ(ReadPart("2147483647 0\n1 2 1 0\n3 4 1 0").size(), 2u);
   EXPECT_EQ(Read("99999999999999999999 1\n1 2 1 0 7").size(), 0u);  // held at 64 bits, then cut: -1
 }
 

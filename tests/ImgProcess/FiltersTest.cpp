@@ -135,6 +135,15 @@ TEST(Gradient, IsTheMagnitudeOfCentralDifferences) {
   }
 }
 
+TEST(Gradient, DoesNotGoIntoAResultOfAnotherType) {
+  const TempFolder folder;
+  ImgProcess process;
+  ResultImage result = ImageOf<double>(3, 1, {7, 8, 9});
+  EXPECT_EQ(process.Gradient(*ImageOf<float>(3, 1, {1, 2, 4}), kPackFloat, result), -1);
+  EXPECT_THAT(BandPixelsOf<double>(*result, 0), ElementsAre(7, 8, 9));
+  EXPECT_TRUE(std::filesystem::is_empty("."));
+}
+
 TEST(Gradient, RewritesItsFilesEachTime) {
   const TempFolder folder;
   ImgProcess process;
@@ -282,6 +291,20 @@ TEST(LaplacianOfGaussianLowMemory, PutsTempInFrontOfTheLastFourCharacters) {
   }
   image->SetFileName("");
   EXPECT_EQ(process.LaplacianOfGaussianLowMemory(*image, 1.0, *result), 1);
+  EXPECT_TRUE(std::filesystem::is_empty("."));
+}
+
+TEST(LaplacianOfGaussianLowMemory, FailsIfItsFileDoesNotReadBack) {
+  const TempFolder folder;
+  TestFrontEnd ui;
+  ImgProcess process;
+  const auto image = ImageOf<std::uint8_t>(2, 1, {1, 2});
+  const auto result = ImageOf<float>(2, 1, {8, 9});
+  image->SetFileName("photo.lan");
+  std::filesystem::create_symlink("/dev/null", "photo_temp.lan");
+  EXPECT_EQ(process.LaplacianOfGaussianLowMemory(*image, 1.0, *result), -3);
+  EXPECT_THAT(ui.EventsWith("message"),
+              ElementsAre("message warning: Open file photo_temp.lan error!\nIt is cut short."));
   EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 

@@ -16,6 +16,13 @@ double SumOf(const Kernel1D& kernel) {
   return sum;
 }
 
+TEST(HasGaussian, WithSigmasFrom0ToTheWidest) {
+  for (const double sigma : {0.0, -0.0, 1e-300, 2.0, 10000.0}) EXPECT_TRUE(ImgProcess::HasGaussian(sigma));
+  for (const double sigma : {-1e-300, -1.0, 10000.001, HUGE_VAL, std::nan("")}) {
+    EXPECT_FALSE(ImgProcess::HasGaussian(sigma)) << sigma;
+  }
+}
+
 TEST(Gaussian, ReachesThreeSigmaOnEachSide) {
   const std::pair<double, int> sizes[] = {{0.1, 3}, {1.0, 7}, {1.01, 9}, {2.0, 13}, {3.0, 19}};
   for (const auto& [sigma, size] : sizes) {

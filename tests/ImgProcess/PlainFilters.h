@@ -33,6 +33,7 @@ struct Plane {
 
 template <typename Sum, typename Pixel>
 std::vector<Sum> PlainLine(const std::vector<Pixel>& line, const Kernel1D& kernel) {
+  using Number = std::conditional_t<std::is_same_v<Pixel, double>, double, Sum>;  // doubles are not narrowed
   const auto half = static_cast<std::size_t>(kernel.size / 2);
   std::vector<Pixel> padded(half, line.front());
   padded.insert(padded.end(), line.begin(), line.end());
@@ -41,8 +42,8 @@ std::vector<Sum> PlainLine(const std::vector<Pixel>& line, const Kernel1D& kerne
   for (std::size_t i = 0; i < line.size(); ++i) {
     Sum sum = 0;
     for (std::size_t j = 0; j < kernel.values.size(); ++j) {
-      const Sum product = static_cast<Sum>(padded[i + j]) * static_cast<Sum>(kernel.values[j]);
-      sum = sum + product;
+      const Number product = static_cast<Number>(padded[i + j]) * static_cast<Sum>(kernel.values[j]);
+      sum = static_cast<Sum>(sum + product);
     }
     filtered.push_back(sum);
   }

@@ -6,7 +6,9 @@
 #include "ImgProcess/ImgProcess.h"
 #include "ImgProcess/PlainFilters.h"
 #include "numerics/SimdVersion.h"
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
+#include "support/TestFrontEnd.h"
 
 namespace corvane {
 namespace {
@@ -161,10 +163,32 @@ TEST(WriteMarkedPixels, OfOtherTypesIsEmpty) {
   EXPECT_EQ(ReadFileBytes("a.txt"), "");
 }
 
-TEST(WriteMarkedPixels, ThatCanNotOpenFails) {
+TEST(WriteMarkedPixels, TellsTheirNumber) {
   const TempFolder folder;
   ImgProcess process;
+  std::int64_t nMarked = -1;
+  const auto image = ImageOf<std::uint8_t>({{3, 1, {0, 1, 255}}, {3, 1, {9, 0, 0}}});
+  EXPECT_EQ(process.WriteMarkedPixels(*image, "a.txt", &nMarked), 1);
+  EXPECT_EQ(nMarked, 3);
+}
+
+TEST(WriteMarkedPixels, ThatCanNotOpenFails) {
+  const TempFolder folder;
+  TestFrontEnd ui;
+  ImgProcess process;
   EXPECT_EQ(process.WriteMarkedPixels(*ImageOf<float>(1, 1, {1}), "none/a.txt"), -1);
+  EXPECT_THAT(ui.events, ElementsAre("message warning: Open file none/a.txt error!"));
+}
+
+TEST(WriteMarkedPixels, OnAFullDiskLeavesTheOldFile) {
+  const TempFolder folder;
+  TestFrontEnd ui;
+  ImgProcess process;
+  WriteFileBytes("a.txt", "old");
+  const FileSizeLimit limit(100);
+  EXPECT_EQ(process.WriteMarkedPixels(*ImageOf<float>(50, 1, std::vector<float>(50, 1.0f)), "a.txt"), -3);
+  EXPECT_THAT(ui.events, ElementsAre("message warning: Write file a.txt error!"));
+  EXPECT_EQ(ReadFileBytes("a.txt"), "old");
 }
 
 }  // namespace

@@ -98,7 +98,7 @@ TEST_F(FeatureCommandsTest, HarrisCornerShowsAndWritesCorners) {
   EXPECT_THAT(ui.EventsWith("overlay"), testing::Contains("overlay: a.lan 12 0 0"));
   EXPECT_EQ(ReadFileBytes("a_Pt.txt"), crossingLines);
   EXPECT_THAT(Files(), ElementsAre("a.lan", "a_Pt.txt", "cornerResponse.lan"));
-  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 12 corners.");
+  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 12 corners. Side file: cornerResponse.lan.");
   EXPECT_THAT(Messages(), IsEmpty());
   EXPECT_EQ(ui.waitDepth, 0);
 }
@@ -139,7 +139,7 @@ TEST_F(FeatureCommandsTest, NoCornersStillWriteTheFile) {
   EXPECT_EQ(ReadFileBytes("a_Pt.txt"), "");
   EXPECT_THAT(Files(), testing::Contains("a_Pt.txt"));
   EXPECT_THAT(ShownPoints(), IsEmpty());
-  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 0 corners.");
+  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 0 corners. Side file: cornerResponse.lan.");
 }
 
 TEST_F(FeatureCommandsTest, APathWithoutAnExtensionGivesTheSuffixAlone) {
@@ -155,7 +155,7 @@ TEST_F(FeatureCommandsTest, SigmasWithoutAGaussianAreTold) {
     ui.values = {sigma, 1200.0};
     ExpectFailure(
         "Features > Harris Corner", {{"a.lan"}},
-        {"message warning: There is no Gaussian with this sigma. Please enter one from 0 to 10000."});
+        {"message warning: The sigma is no number from 0 to 10000. Please enter the smoothing in pixels."});
   }
 }
 
@@ -164,6 +164,9 @@ TEST_F(FeatureCommandsTest, ASigmaOf0HasNoCorners) {
   ui.values = {0.0, -1e300};
   EXPECT_EQ(Run("Features > Harris Corner"), CommandResult::Done);
   EXPECT_EQ(ReadFileBytes("a_Pt.txt"), "");
+  EXPECT_EQ(Status(),
+            "status 0: Written to a_Pt.txt: 0 corners. Side file: cornerResponse.lan. Sigma 0 makes every "
+            "pixel not a number.");
 }
 
 TEST_F(FeatureCommandsTest, AnImageThatDoesNotOpenEndsTheCommandBeforeItsValues) {
@@ -174,20 +177,69 @@ TEST_F(FeatureCommandsTest, AnImageThatDoesNotOpenEndsTheCommandBeforeItsValues)
   }
 }
 
-TEST_F(FeatureCommandsTest, OutputsThatCannotBeWrittenAreTold) {
+TEST_F(FeatureCommandsTest, AResponseThatCannotBeWrittenIsToldAndTheCornersAreShown) {
   std::filesystem::create_directory("cornerResponse.lan");
+  ui.files = {{"a.lan"}};
   ui.values = {2.0, 1200.0};
-  ExpectFailure("Features > Harris Corner", {{"a.lan"}},
-                {"message warning: Write file cornerResponse.lan error!"});
-  std::filesystem::remove("cornerResponse.lan");
+  EXPECT_EQ(Run("Features > Harris Corner"), CommandResult::Failed);
+  EXPECT_THAT(Messages(), ElementsAre("message warning: Write file cornerResponse.lan error!"));
+  EXPECT_THAT(ShownPoints(), ElementsAreArray(Crossings()));
+  EXPECT_EQ(ReadFileBytes("a_Pt.txt"), crossingLines);
+  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 12 corners.");
+  ui.files = {{"a.lan"}};
+  ui.values = {1200.0, 11.0};
+  EXPECT_EQ(Run("Features > Structural Feature"), CommandResult::Failed);
+  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 12 corners. To Descriptor.txt: 2 descriptors.");
+}
+
+TEST_F(FeatureCommandsTest, DescriptorsThatCannotBeWrittenAreToldAndTheCornersAreShown) {
   std::filesystem::create_directory("Descriptor.txt");
-  WriteFileBytes("cornerResponse.lan", "");
+  ui.files = {{"a.lan"}};
   ui.values = {1200.0, 7.0};
-  ExpectFailure("Features > Structural Feature", {{"a.lan"}},
-                {"message warning: Open file Descriptor.txt error!"});
+  EXPECT_EQ(Run("Features > Structural Feature"), CommandResult::Failed);
+  EXPECT_THAT(Messages(), ElementsAre("message warning: Open file Descriptor.txt error!"));
+  EXPECT_THAT(ShownPoints(), ElementsAreArray(Crossings()));
+  EXPECT_EQ(ReadFileBytes("a_Pt.txt"), crossingLines);
+  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 12 corners. Side file: cornerResponse.lan.");
+}
+
+TEST_F(FeatureCommandsTest, AListOfPointsThatCannotBeWrittenIsTold) {
   std::filesystem::create_directory("a_Pt.txt");
   ui.values = {2.0, 1200.0};
+  WriteFileBytes("cornerResponse.lan", "");
   ExpectFailure("Features > Harris Corner", {{"a.lan"}}, {"message warning: Open file a_Pt.txt error!"});
+}
+
+TEST_F(FeatureCommandsTest, TypesWithoutAFilterAreTold) {
+  WriteFileBytes("b.lan", LanOf<std::uint16_t>(kPackUInt16, 3, 1, {7, 700, 9}));
+  const std::string corners = "status 0: Written to b_Pt.txt: 0 corners.";
+  const std::string unfiltered = " Pixels of this type are not filtered: all are zero.";
+  ui.files = {{"b.lan"}};
+  ui.values = {0.0, 1200.0};  // zero with sigma 0, too
+  EXPECT_EQ(Run("Features > Harris Corner"), CommandResult::Done);
+  EXPECT_EQ(Status(), corners + " Side file: cornerResponse.lan." + unfiltered);
+  ui.files = {{"b.lan"}};
+  ui.values = {1200.0, 7.0};
+  EXPECT_EQ(Run("Features > Structural Feature"), CommandResult::Done);
+  EXPECT_EQ(Status(), corners + " To Descriptor.txt: 0 descriptors. Side file: cornerResponse.lan." +
+                          unfiltered + " Its pixels count as bytes.");
+}
+
+TEST_F(FeatureCommandsTest, WiderPixelsCountAsBytesWhichIsTold) {
+  WriteFileBytes("b.lan", LanOf<float>(kPackFloat, 3, 1, {7, 700, 9}));
+  ui.files = {{"b.lan"}};
+  EXPECT_EQ(Run("Features > Points"), CommandResult::Done);
+  EXPECT_EQ(Status(), "status 0: 0 prominent points. Its pixels count as bytes.");
+  ui.files = {{"b.lan"}};
+  ui.values = {1200.0, 17.0};
+  EXPECT_EQ(Run("Features > Spiral Descriptor"), CommandResult::Done);
+  EXPECT_EQ(Status(),
+            "status 0: Written to b_Pt.txt: 0 corners. To Spiral_Descrip.txt: 0 descriptors. Side file: "
+            "cornerResponse.lan. Its pixels count as bytes.");
+  ui.files = {{"b.lan"}};
+  ui.values = {2.0, 1200.0};
+  EXPECT_EQ(Run("Features > Harris Corner"), CommandResult::Done);
+  EXPECT_EQ(Status(), "status 0: Written to b_Pt.txt: 0 corners. Side file: cornerResponse.lan.");
 }
 
 TEST_F(FeatureCommandsTest, ACutImageIsTold) {
@@ -222,18 +274,47 @@ TEST_F(FeatureCommandsTest, StructuralFeatureWritesDescriptorsOfCornersWithinThe
   EXPECT_EQ(std::abs(features[0].values[0]), 1.0);
   EXPECT_EQ(features[0].values[8], 0.0);
   EXPECT_THAT(Files(), ElementsAre("Descriptor.txt", "a.lan", "a_Pt.txt", "cornerResponse.lan"));
-  EXPECT_EQ(Status(), "status 0: Written to a_Pt.txt: 12 corners. To Descriptor.txt: 2 descriptors.");
+  EXPECT_EQ(Status(),
+            "status 0: Written to a_Pt.txt: 12 corners. To Descriptor.txt: 2 descriptors. Side file: "
+            "cornerResponse.lan.");
 }
 
 TEST_F(FeatureCommandsTest, AnEvenWindowGivesNoDescriptors) {
+  const std::string written = "status 0: Written to a_Pt.txt: 12 corners. To Descriptor.txt: 0 descriptors. ";
+  const std::pair<double, std::string> sizes[] = {
+      {8.9, "The window size 8 is not odd."},
+      {0.0, "The window size 0 is not odd."},
+      {-7.0, "The window size -7 is not positive."},
+      {45.0, "No corner lies 45 pixels or more inside the image's edges."}};
+  for (const auto& [size, why] : sizes) {
+    ui.files = {{"a.lan"}};
+    ui.values = {1200.0, size};
+    EXPECT_EQ(Run("Features > Structural Feature"), CommandResult::Done);
+    EXPECT_EQ(ReadFileBytes("Descriptor.txt"), "");
+    EXPECT_EQ(Status(), written + why + " Side file: cornerResponse.lan.");
+  }
+}
+
+TEST_F(FeatureCommandsTest, ASpiralOutsideOfTheMarginIsTold) {
+  const std::string written =
+      "status 0: Written to a_Pt.txt: 12 corners. To Spiral_Descrip.txt: 0 descriptors. ";
   ui.files = {{"a.lan"}};
-  ui.values = {1200.0, 8.9};
-  EXPECT_EQ(Run("Features > Structural Feature"), CommandResult::Done);
-  EXPECT_EQ(ReadFileBytes("Descriptor.txt"), "");
-  EXPECT_EQ(
-      Status(),
-      "status 0: Written to a_Pt.txt: 12 corners. To Descriptor.txt: 0 descriptors. No corner has a window "
-      "of an odd size around it that is all in the image.");
+  ui.values = {1200.0, 46.0};  // even, which does not matter
+  EXPECT_EQ(Run("Features > Spiral Descriptor"), CommandResult::Done);
+  EXPECT_EQ(Status(), written + "No corner lies 46 pixels or more inside the image's edges." +
+                          " Side file: cornerResponse.lan.");
+}
+
+TEST_F(FeatureCommandsTest, TheSpiralsWindowKeepsAMarginOf8Pixels) {
+  // A bright square at the left and upper edge, with one corner within the image at (6, 6).
+  std::string bytes = BytesOf(HeaderOf(kPackByte, 1, 40, 40));
+  for (int i = 0; i < 40 * 40; ++i) bytes += i / 40 <= 6 && i % 40 <= 6 ? '\x7f' : '\0';
+  WriteFileBytes("b.lan", bytes);
+  ui.files = {{"b.lan"}};
+  ui.values = {1200.0, 3.0};
+  EXPECT_EQ(Run("Features > Spiral Descriptor"), CommandResult::Done);
+  EXPECT_THAT(Status(),
+              testing::HasSubstr("0 descriptors. No corner lies 8 pixels or more inside the image's edges."));
 }
 
 TEST_F(FeatureCommandsTest, WindowSizesOutOfRangeAreHarmless) {

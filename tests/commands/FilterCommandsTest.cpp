@@ -17,6 +17,8 @@ using testing::IsEmpty;
 constexpr const char* kImageFiles = "Image Files (*.lan)|*.lan|All Files (*.*)|*.*|";
 constexpr const char* kSigmaText =
     "message warning: The sigma is no number from 0 to 10000. Please enter the smoothing in pixels.";
+constexpr const char* kUnfilteredText = " Pixels of this type are not filtered: all are zero.";
+constexpr const char* kSigma0Text = " Sigma 0 makes every pixel not a number.";
 constexpr const char* kNoOpenText = "message warning: Open file none.lan error!";
 
 class FilterCommandsTest : public ImageCommandsTest {
@@ -73,6 +75,8 @@ TEST_F(FilterCommandsTest, SmoothWithSigma0WritesPixelsThatAreNotNumbers) {
   ui.values = {0.0};
   EXPECT_EQ(Run("Gaussian Smooth"), CommandResult::Done);
   EXPECT_THAT(PixelsIn<float>("out.lan"), ElementsAre(testing::IsNan(), testing::IsNan(), testing::IsNan()));
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            std::string("status 0: Written to out.lan: 1 rows, 3 columns.") + kSigma0Text);
 }
 
 TEST_F(FilterCommandsTest, SmoothWithASigmaThatMakesNoKernelFails) {
@@ -82,12 +86,35 @@ TEST_F(FilterCommandsTest, SmoothWithASigmaThatMakesNoKernelFails) {
   }
 }
 
+TEST_F(FilterCommandsTest, SigmasAreCheckedBeforeTheImageIsRead) {
+  ui.values = {-1.0};
+  ExpectFailure("Gaussian Smooth", {{"none.lan"}, {"out.lan"}}, {kSigmaText});
+  ui.values = {10001.0, 0.0};
+  ExpectFailure("Zero Crossing", {{"none.lan"}}, {kSigmaText});
+}
+
 TEST_F(FilterCommandsTest, SmoothOfATypeWithoutAFilterWritesZerosAsFloats) {
   WriteFileBytes("b.lan", LanOf<std::uint16_t>(kPackUInt16, 2, 1, {7, 9}));
   ui.files = {{"b.lan"}, {"out.lan"}};
   ui.values = {2.0};
   EXPECT_EQ(Run("Gaussian Smooth"), CommandResult::Done);
   EXPECT_EQ(ReadFileBytes("out.lan"), LanOf<float>(kPackFloat, 2, 1, {0, 0}));
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            std::string("status 0: Written to out.lan: 1 rows, 2 columns.") + kUnfilteredText);
+}
+
+TEST_F(FilterCommandsTest, AllTypesWithoutAFilterAreTold) {
+  for (const std::uint16_t pack : {1, 2, 3, 4, 5, 8}) {
+    WriteFileBytes("b.lan", BytesOf(HeaderOf(pack, 1, 2, 1)) + std::string(8, '\x07'));
+    for (const double sigma : {0.0, 2.0}) {  // no pixel is filtered: they are zero with sigma 0, too
+      ui.files = {{"b.lan"}, {"out.lan"}};
+      ui.values = {sigma};
+      EXPECT_EQ(Run("Gaussian Smooth"), CommandResult::Done);
+      EXPECT_EQ(ui.EventsWith("status").back(),
+                std::string("status 0: Written to out.lan: 1 rows, 2 columns.") + kUnfilteredText)
+          << pack;
+    }
+  }
 }
 
 TEST_F(FilterCommandsTest, SmoothThatCannotReadOrWriteFails) {
@@ -113,7 +140,19 @@ TEST_F(FilterCommandsTest, GradientWritesTheMagnitudeAndItsParts) {
   EXPECT_EQ(ReadFileBytes("GradientX.lan"), LanOf<float>(kPackFloat, 3, 1, {0.5f, 1.5f, 1}));
   EXPECT_EQ(ReadFileBytes("GradientY.lan"), LanOf<float>(kPackFloat, 3, 1, {0, 0, 0}));
   EXPECT_THAT(Files(), ElementsAre("GradientX.lan", "GradientY.lan", "a.lan", "out.lan"));
-  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: Written to out.lan: 1 rows, 3 columns.");
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            "status 0: Written to out.lan: 1 rows, 3 columns. Side files: GradientX.lan, GradientY.lan.");
+}
+
+TEST_F(FilterCommandsTest, GradientOfATypeWithoutAFilterIsTold) {
+  WriteFileBytes("b.lan", LanOf<std::uint16_t>(kPackUInt16, 2, 1, {7, 9}));
+  ui.files = {{"b.lan"}, {"out.lan"}};
+  EXPECT_EQ(Run("Gradient Image"), CommandResult::Done);
+  EXPECT_EQ(ReadFileBytes("out.lan"), LanOf<float>(kPackFloat, 2, 1, {0, 0}));
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            std::string("status 0: Written to out.lan: 1 rows, 2 columns. Side files: GradientX.lan, "
+                        "GradientY.lan.") +
+                kUnfilteredText);
 }
 
 TEST_F(FilterCommandsTest, GradientWithoutASideFileWritesTheRestAndFails) {
@@ -123,6 +162,7 @@ TEST_F(FilterCommandsTest, GradientWithoutASideFileWritesTheRestAndFails) {
   EXPECT_THAT(Messages(), ElementsAre("message warning: Write file GradientX.lan error!"));
   EXPECT_EQ(ReadFileBytes("out.lan"), LanOf<float>(kPackFloat, 3, 1, {0.5f, 1.5f, 1}));
   EXPECT_EQ(ReadFileBytes("GradientY.lan"), LanOf<float>(kPackFloat, 3, 1, {0, 0, 0}));
+  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: Written to out.lan: 1 rows, 3 columns.");
 }
 
 TEST_F(FilterCommandsTest, GradientOfAnImageThatDoesNotOpenFails) {
@@ -160,10 +200,9 @@ TEST_F(FilterCommandsTest, ZeroCrossingMarksAStepOnItsDarkSide) {
   for (const std::size_t row : {0, 1, 2}) marks[row * 10 + 4] = 255;
   EXPECT_EQ(PixelsIn<std::uint8_t>("s_0X.lan"), marks);
   EXPECT_EQ(ReadFileBytes("s_Pt.txt"), "0, 4, 0\n1, 4, 1\n2, 4, 2\n");
-  EXPECT_THAT(ui.EventsWith("status"),
-              ElementsAre("status 0: Written to s_LoG.lan: 3 rows, 10 columns.",
-                          "status 0: Written to s_0X.lan: 3 rows, 10 columns.",
-                          "status 0: Written to s_Pt.txt: the zero crossings, a line each."));
+  EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: Written to s_LoG.lan: 3 rows, 10 columns.",
+                                                   "status 0: Written to s_0X.lan: 3 rows, 10 columns.",
+                                                   "status 0: Written to s_Pt.txt: 3 zero crossings."));
 }
 
 TEST_F(FilterCommandsTest, ZeroCrossingAsksAgainWhileANumberIsNegative) {
@@ -175,6 +214,33 @@ TEST_F(FilterCommandsTest, ZeroCrossingAsksAgainWhileANumberIsNegative) {
       ElementsAre("value: Zero-crossing smoothing sigma: 3", "value: Zero-crossing smoothing sigma: -1",
                   "value: Zero-crossing smoothing sigma: -2", "value: Zero-crossing threshold is: 0",
                   "value: Zero-crossing threshold is: -3"));
+  const std::string hint = "status 0: Please enter a number that is not negative.";
+  const auto texts = ui.EventsWith("status");
+  ASSERT_EQ(texts.size(), 6u);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(texts[i], hint);
+}
+
+TEST_F(FilterCommandsTest, ZeroCrossingThatAsksAgainMayBeCancelled) {
+  ui.files = {{"a.lan"}};
+  ui.values = {-1.0};
+  EXPECT_EQ(Run("Zero Crossing"), CommandResult::Cancelled);
+  EXPECT_THAT(Files(), ElementsAre("a.lan"));
+}
+
+TEST_F(FilterCommandsTest, ZeroCrossingTellsSigma0AndTypesWithoutAFilter) {
+  ui.files = {{"a.lan"}};
+  ui.values = {0.0, 0.0};
+  EXPECT_EQ(Run("Zero Crossing"), CommandResult::Done);
+  EXPECT_THAT(PixelsIn<float>("a_LoG.lan"), testing::Each(testing::IsNan()));
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            std::string("status 0: Written to a_Pt.txt: 0 zero crossings.") + kSigma0Text);
+  WriteFileBytes("b.lan", LanOf<std::uint16_t>(kPackUInt16, 2, 1, {7, 9}));
+  ui.files = {{"b.lan"}};
+  ui.values = {1.0, 0.0};
+  EXPECT_EQ(Run("Zero Crossing"), CommandResult::Done);
+  EXPECT_THAT(PixelsIn<float>("b_LoG.lan"), ElementsAre(0, 0));
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            std::string("status 0: Written to b_Pt.txt: 0 zero crossings.") + kUnfilteredText);
 }
 
 TEST_F(FilterCommandsTest, ZeroCrossingMarksWith255InTheTypeOfTheImage) {
@@ -221,7 +287,7 @@ TEST_F(FilterCommandsTest, ZeroCrossingTellsEachFileThatCannotBeWritten) {
   ui.values = {1.0, 0.0};
   EXPECT_EQ(Run("Zero Crossing"), CommandResult::Failed);
   EXPECT_THAT(Messages(), ElementsAre("message warning: Write file a_LoG.lan error!",
-                                      "message warning: Write file a_Pt.txt error!"));
+                                      "message warning: Open file a_Pt.txt error!"));
   EXPECT_EQ(PixelsIn<std::uint8_t>("a_0X.lan").size(), 3u);
 }
 

@@ -36,6 +36,19 @@ TEST(Histogram, FindsMinimumAndMaximum) {
   EXPECT_EQ(MakeHistogram(std::vector<double>{1.0, INFINITY}, kItself, 1.0, histogram), -1);
 }
 
+TEST(Histogram, MinimumAndMaximumOf0AreFound) {
+  const std::vector<double> values = {3.0, -2.0, 0.0};
+  Histogram histogram;
+  EXPECT_EQ(MakeHistogram(values, kItself, 0.0, -0.0, 2.5, histogram), 1);
+  EXPECT_EQ(histogram.binStarts, (std::vector<double>{-2.0, 0.5, 3.0}));
+  EXPECT_EQ(histogram.counts, (std::vector<std::int32_t>{2, 0, 1}));
+  EXPECT_EQ(MakeHistogram(values, kItself, 0.0, 3.0, 3.0, histogram), 1);  // a maximum is given
+  EXPECT_EQ(histogram.counts, (std::vector<std::int32_t>{2, 1}));          // Kept: -2 / 3 is cut to 0
+  EXPECT_EQ(MakeHistogram(std::vector<double>{0.0, 0.0}, kItself, 0.0, 0.0, 1.0, histogram), 1);
+  EXPECT_EQ(histogram.binStarts, (std::vector<double>{0.0}));
+  EXPECT_EQ(histogram.counts, (std::vector<std::int32_t>{2}));
+}
+
 TEST(Histogram, ValuesThatAreNoNumbersAreNotCounted) {
   const std::vector<double> values = {1.0, std::nan(""), INFINITY, 1e300, -5.0};
   Histogram histogram;
@@ -73,11 +86,18 @@ TEST(HistogramThresh, TargetOf0IsReachedInTheTopBin) {
   EXPECT_EQ(threshold, 1.0);
 }
 
-TEST(HistogramThresh, StaysWhereTheSumIsNotReached) {
+TEST(HistogramThresh, StopsInTheFirstBinWhereTheSumIsNotReached) {
   double threshold = kNoThreshold;
-  EXPECT_EQ(HistogramThresh(100, {{0.0}, {4}}, 0.05, threshold), 4);
-  EXPECT_EQ(threshold, kNoThreshold);
+  EXPECT_EQ(HistogramThresh(100, {{2.5, 3.5}, {3, 1}}, 0.05, threshold), 4);
+  EXPECT_EQ(threshold, 2.5);
+}
+
+TEST(HistogramThresh, StaysWithoutBinsOrWithoutACountForEach) {
+  double threshold = kNoThreshold;
   EXPECT_EQ(HistogramThresh(0, {}, 0.05, threshold), -1);
+  EXPECT_EQ(HistogramThresh(4, {{0.0}, {4, 4}}, 0.05, threshold), -1);
+  EXPECT_EQ(HistogramThresh(4, {{0.0, 1.0}, {4}}, 0.05, threshold), -1);
+  EXPECT_EQ(HistogramThresh(4, {{}, {4}}, 0.05, threshold), -1);
   EXPECT_EQ(threshold, kNoThreshold);
 }
 
