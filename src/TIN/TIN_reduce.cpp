@@ -56,7 +56,7 @@ int TIN::FloodFromSeeds(double areaLimit) {
   Histogram histogram;
   double threshold = kNoThreshold;
   if (SlopeHistogram(kSlopeBin, histogram) < 0) return -1;
-  HistogramThresh(nPoints, histogram, kSteepestShare, threshold);
+  HistogramThreshold(nPoints, histogram, kSteepestShare, threshold);
   if (threshold == kNoThreshold) return -1;
   const std::vector<SlopeSeed> seeds = CollectSeeds(threshold);
   labels.assign(vertices.size(), -1);

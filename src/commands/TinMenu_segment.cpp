@@ -103,7 +103,7 @@ CommandResult OnTinZHistogram(CCorvaneView& view) {
   const int counted = tin.ZHistogram(kHeightBin, histogram);
   const int plotted = counted < 0 ? -1 : view.PlotHistogram(0, histogram.binStarts, histogram.counts);
   double threshold = kNoThreshold;
-  HistogramThresh(tin.GetPointCount(), histogram, kHighestShare, threshold);
+  HistogramThreshold(tin.GetPointCount(), histogram, kHighestShare, threshold);
   wait.End();
   RedrawTin(view);
   if (threshold == kNoThreshold) ShowWarning("HistogramThresh:Histogram has error!");

@@ -73,22 +73,33 @@ int MakeHistogram(const Items& items, Value value, double binSize, Histogram& hi
   return MakeHistogram(items, value, 0.0, 0.0, binSize, histogram);
 }
 
-// What HistogramThresh leaves where it finds none.
+// What HistogramThreshold leaves where it finds none.
 constexpr double kNoThreshold = std::numeric_limits<double>::max();
 
-// Adds counts from the top bin down until they reach int(n * fraction) of `n` values, or the bins end, and
-// gives the lower edge of the bin where it stops. Returns the sum; -1, with `threshold` as it was, for a
-// histogram without bins, or without as many counts as bins.
-inline std::int64_t HistogramThresh(std::int32_t n, const Histogram& histogram, double fraction,
-                                    double& threshold) {
+// Adds counts from the top bin down until they reach int(n * fraction) of `n` values, and gives the lower
+// edge of the bin reached; `threshold` stays as it is if they never do. Returns the sum; -1 for a histogram
+// without bins, or without as many counts as bins.
+inline std::int64_t HistogramThreshold(std::int32_t n, const Histogram& histogram, double fraction,
+                                       double& threshold) {
   if (histogram.counts.empty() || histogram.counts.size() != histogram.binStarts.size()) return -1;
   const std::int64_t target = TruncateTo64(n * fraction);
   std::int64_t sum = 0;
   for (std::size_t i = histogram.counts.size(); i-- > 0;) {
     sum += histogram.counts[i];  // Kept: before the test, so that a target of 0 is reached in the top bin
+    if (sum < target) continue;
     threshold = histogram.binStarts[i];
-    if (sum >= target) break;
+    break;
   }
+  return sum;
+}
+
+// The same, but where the counts never reach the target, the threshold is the edge of the first bin, at which
+// the walk ends.
+inline std::int64_t HistogramThresh(std::int32_t n, const Histogram& histogram, double fraction,
+                                    double& threshold) {
+  double found = histogram.binStarts.empty() ? threshold : histogram.binStarts.front();
+  const std::int64_t sum = HistogramThreshold(n, histogram, fraction, found);
+  if (sum >= 0) threshold = found;
   return sum;
 }
 

@@ -86,6 +86,14 @@ TEST(HistogramThresh, TargetOf0IsReachedInTheTopBin) {
   EXPECT_EQ(threshold, 1.0);
 }
 
+TEST(HistogramThreshold, StaysWhereTheSumIsNotReached) {
+  double threshold = kNoThreshold;
+  EXPECT_EQ(HistogramThreshold(100, {{0.0}, {4}}, 0.05, threshold), 4);
+  EXPECT_EQ(threshold, kNoThreshold);
+  EXPECT_EQ(HistogramThreshold(0, {}, 0.05, threshold), -1);
+  EXPECT_EQ(threshold, kNoThreshold);
+}
+
 TEST(HistogramThresh, StopsInTheFirstBinWhereTheSumIsNotReached) {
   double threshold = kNoThreshold;
   EXPECT_EQ(HistogramThresh(100, {{2.5, 3.5}, {3, 1}}, 0.05, threshold), 4);
