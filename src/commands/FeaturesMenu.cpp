@@ -124,13 +124,16 @@ struct Descriptor {
   const char* path;
 };
 
-// Why there is no descriptor.
+// Why there can be no window of this size; "" if there can.
+std::string WhyNoWindow(const Descriptor& descriptor, std::int32_t windowSize) {
+  if (descriptor.fixedSize > 0) return "";
+  const std::string size = "The window size " + std::to_string(windowSize);
+  if (windowSize % 2 == 0) return size + " is not odd.";
+  return windowSize < 0 ? size + " is not positive." : "";
+}
+
+// Why no corner has a descriptor.
 std::string WhyNone(const Descriptor& descriptor, std::int32_t windowSize) {
-  if (descriptor.fixedSize == 0) {
-    const std::string size = " The window size " + std::to_string(windowSize);
-    if (windowSize % 2 == 0) return size + " is not odd.";
-    if (windowSize < 0) return size + " is not positive.";
-  }
   // A fixed window keeps a margin of its own.
   const std::int32_t margin = std::max(windowSize, descriptor.fixedSize / 2);
   return " No corner lies " + std::to_string(margin) + " pixels or more inside the image's edges.";
@@ -146,6 +149,8 @@ CommandResult DescribeCorners(CCorvaneView& view, const Descriptor& descriptor) 
   // The corners do not need the size, but their file is written with them: Cancel would leave it behind.
   const auto size = AskWhole("Input feature descriptor window size", descriptor.windowSize);
   if (!size) return CommandResult::Cancelled;
+  const std::string noWindow = WhyNoWindow(descriptor, *size);
+  if (!noWindow.empty()) return FailWithWarning(noWindow);
 
   WaitCursor wait;
   Corners corners;
