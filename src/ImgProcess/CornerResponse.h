@@ -30,7 +30,7 @@ void MeasureCorners(const Number* a, const Number* b, const Number* c, Number k,
 
 // Whether there are pixels, and a result that is there already can take their response.
 inline bool CanRespond(const ErdasImg& image, std::uint16_t pack, const std::unique_ptr<ErdasImg>& result) {
-  if (!HasBands(image)) return false;
+  if (!image.HasPixels()) return false;
   return !result || (SameShape(image, *result) && result->GetPackType() == pack && HoldsItsPixels(*result));
 }
 

@@ -104,17 +104,12 @@ bool WriteFilteredRows(const ErdasImg& image, const FilterKernels& filter, const
 
 }  // namespace
 
-bool HasBands(const ErdasImg& image) {
-  const auto [cols, rows] = image.GetSize();
-  return cols > 0 && rows > 0 && image.GetBandCount() > 0 && image.m_bands;
-}
-
 bool SameShape(const ErdasImg& a, const ErdasImg& b) {
   return a.GetSize() == b.GetSize() && a.GetBandCount() == b.GetBandCount();
 }
 
 bool HoldsItsPixels(const ErdasImg& image) {
-  if (!HasBands(image)) return false;
+  if (!image.HasPixels()) return false;
   return WithPixelType(image.GetPackType(), [&](auto pixel) {
     for (std::int32_t band = 0; band < image.GetBandCount(); ++band) {
       const auto place = reinterpret_cast<std::uintptr_t>(image.m_bands[band]);
@@ -135,7 +130,7 @@ int MakeMissing(const ErdasHeader& header, std::unique_ptr<ErdasImg>& result) {
 }
 
 int FilterImage(const ErdasImg& image, std::initializer_list<FilterKernels> filters, ErdasImg& result) {
-  if (!HasBands(image) || !SameShape(image, result) || !HoldsItsPixels(result) || !AreWhole(filters)) {
+  if (!image.HasPixels() || !SameShape(image, result) || !HoldsItsPixels(result) || !AreWhole(filters)) {
     return -1;
   }
   try {
@@ -150,7 +145,7 @@ int FilterImage(const ErdasImg& image, std::initializer_list<FilterKernels> filt
 
 int WriteFiltered(const ErdasImg& image, const FilterKernels& filter, const ErdasHeader& header,
                   const WriteBytes& write) {
-  if (!HasBands(image) || !AreWhole({filter})) return -1;
+  if (!image.HasPixels() || !AreWhole({filter})) return -1;
   if (!write(&header, sizeof header)) return -3;
   bool isWritten = false;
   try {

@@ -8,9 +8,6 @@
 
 namespace corvane {
 
-// Whether there are pixels to filter: a positive size, and buffers of bands.
-bool HasBands(const ErdasImg& image);
-
 // Whether both images have the same columns, rows and number of bands.
 bool SameShape(const ErdasImg& a, const ErdasImg& b);
 

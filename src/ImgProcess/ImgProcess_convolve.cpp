@@ -20,7 +20,7 @@ ErdasHeader HeaderWith(const ErdasImg& image, std::uint16_t pack) {
 }
 
 int FilterInto(const ErdasImg& image, const FilterKernels& filter, std::uint16_t pack, ResultImage& result) {
-  if (!HasBands(image)) return -1;
+  if (!image.HasPixels()) return -1;
   const int status = MakeMissing(HeaderWith(image, pack), result);
   return status < 0 ? status : FilterImage(image, {filter}, *result);
 }

@@ -55,7 +55,7 @@ bool SamePixels(const ErdasImg& a, const ErdasImg& b) {
 
 int ImgProcess::GaussianSmooth(const ErdasImg& image, double sigma, ResultImage& result) {
   Kernel1D kernel;
-  if (!HasBands(image) || MakeGaussian(sigma, kernel) < 0) return -1;
+  if (!image.HasPixels() || MakeGaussian(sigma, kernel) < 0) return -1;
   ErdasHeader header = *image.GetHeader();
   if (header.packType != kPackDouble) header.packType = kPackFloat;
   const bool fits = result && SameShape(image, *result) && result->GetPackType() == header.packType;
@@ -69,7 +69,7 @@ int ImgProcess::GaussianSmooth(const ErdasImg& image, double sigma, ResultImage&
 }
 
 int ImgProcess::Gradient(const ErdasImg& image, std::uint16_t pack, ResultImage& result) {
-  if (!HasBands(image)) return -1;
+  if (!image.HasPixels()) return -1;
   Kernel1D kernel;
   MakeCentralDifference(kernel);
   ErdasHeader header = *image.GetHeader();

@@ -158,7 +158,7 @@ void WriteMarks(const ErdasImg& image, std::int32_t band, PointListFile& file) {
 }  // namespace
 
 int ImgProcess::ZeroCrossing(const ErdasImg& image, double threshold, ErdasImg& result) {
-  if (!HasBands(image) || image.GetSize() != result.GetSize() || !HoldsItsPixels(result)) return -1;
+  if (!image.HasPixels() || image.GetSize() != result.GetSize() || !HoldsItsPixels(result)) return -1;
   if (!IsReal(image) || image.GetBytesPerPixel() != BytesOfPackType(image.GetPackType())) return 1;
   try {
     if (image.GetPackType() == kPackFloat) {

@@ -35,7 +35,7 @@ CommandResult OpenSource(SourceImage& source) {
   if (!path) return CommandResult::Cancelled;
   source.path = *path;
   source.isRead = ReadImage(*path, source.image);
-  if (!HasPixels(source.image)) return CommandResult::Failed;
+  if (!source.image.HasPixels()) return CommandResult::Failed;
   source.image.SetFileName(*path);
   return CommandResult::Done;
 }

@@ -6,15 +6,6 @@
 
 namespace corvane {
 
-namespace {
-
-bool IsFiltered(const ErdasImg& image) {
-  const std::uint16_t pack = image.GetPackType();
-  return pack == kPackByte || pack == kPackFloat || pack == kPackDouble;
-}
-
-}  // namespace
-
 bool CheckSigma(double sigma) {
   if (ImgProcess::HasGaussian(sigma)) return true;
   ShowWarning("The sigma is no number from 0 to " + ShortestText(ImgProcess::kMaxSigma) +
@@ -24,11 +15,11 @@ bool CheckSigma(double sigma) {
 
 std::string FilterNotes(const ErdasImg& image) {
   const char* const note = " Pixels of this type are not filtered: all are zero.";
-  return CutText(image) + (IsFiltered(image) ? "" : note);
+  return CutText(image) + (IsByteOrReal(image.GetPackType()) ? "" : note);
 }
 
 std::string FilterNotes(const ErdasImg& image, double sigma) {
-  const bool areNumbers = sigma != 0.0 || !IsFiltered(image);
+  const bool areNumbers = sigma != 0.0 || !IsByteOrReal(image.GetPackType());
   return FilterNotes(image) + (areNumbers ? "" : " Sigma 0 makes every pixel not a number.");
 }
 

@@ -59,16 +59,12 @@ std::string SizeText(const ImageSize& size) {
 
 }  // namespace
 
-bool HasPixels(const ErdasImg& image) {
-  return image.GetBands() && HasSize(image);
-}
-
 bool ReadImage(const std::string& path, ErdasImg& image) {
   WaitCursor wait;
   const int status = image.Read(path);
   const std::string failure = WhyNoImage(status, path, image);
   if (!failure.empty()) ShowWarning(failure);
-  if (!failure.empty() || !HasPixels(image)) {
+  if (!failure.empty() || !image.HasPixels()) {
     MakeEmpty(image);
     return false;
   }
@@ -85,7 +81,7 @@ void TellCut(const ErdasImg& image) {
 
 std::string CutText(const ErdasImg& image, const std::string& name) {
   const std::int64_t nMissing = image.GetMissingBytes();
-  if (nMissing == 0 || !HasPixels(image)) return "";
+  if (nMissing == 0 || !image.HasPixels()) return "";
   return " " + name + " is cut short: bytes missing: " + std::to_string(nMissing) + ".";
 }
 
@@ -115,7 +111,7 @@ void TellValuesWritten(const std::string& path, const ImageSize& size, const std
 CommandResult StoreImage(const std::string& path, ErdasImg& image, bool isInputRead,
                          const std::string& more) {
   if (!WriteImage(path, image)) return CommandResult::Failed;
-  if (HasPixels(image)) {
+  if (image.HasPixels()) {
     TellWritten(path, image.GetSize(), more);
   } else {
     SayWritten(path, "a header without pixels." + more);

@@ -9,9 +9,6 @@ namespace corvane {
 
 // Reading and writing of images by commands, with every failure told.
 
-// Whether an image that has been read has anything in it.
-bool HasPixels(const ErdasImg& image);
-
 // False if the image could not be read, or only in part, which has been shown. A command then goes on with
 // what the image holds; one that has no pixels is empty, with the header of a new image. A .lan that lacks
 // pixels is read, which the message pane tells, but not one that lacks more than ErdasImg::kMaxFilledBytes

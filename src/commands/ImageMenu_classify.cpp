@@ -45,7 +45,7 @@ CommandResult OnIsodata(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg image;
   const bool isRead = ReadImage(*path, image);
-  if (!HasPixels(image)) return CommandResult::Failed;
+  if (!image.HasPixels()) return CommandResult::Failed;
   Classification isodata(&image);
   if (isodata.Classify() < 0) return FailWithWarning(ErdasImg::kNoMemoryText);
   // Kept: in the current folder, wherever the image is.

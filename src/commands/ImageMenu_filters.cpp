@@ -72,7 +72,7 @@ CommandResult OnGaussianSmooth(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg image;
   const bool isRead = ReadImage(*path, image);
-  if (!HasPixels(image)) return CommandResult::Failed;
+  if (!image.HasPixels()) return CommandResult::Failed;
   ResultImage smoothed;
   const int status = ImgProcess().GaussianSmooth(image, sigma.value, smoothed);
   if (status < 0) return FailToFilter(status);
@@ -88,7 +88,7 @@ CommandResult OnGradientImage(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg image;
   const bool isRead = ReadImage(*path, image);
-  if (!HasPixels(image)) return CommandResult::Failed;
+  if (!image.HasPixels()) return CommandResult::Failed;
   ResultImage gradient;
   const int status = ImgProcess().Gradient(image, kPackFloat, gradient);
   if (status == -3) {  // a side file is missing, the result is not
@@ -112,7 +112,7 @@ CommandResult OnZeroCrossing(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg image;
   const bool isRead = ReadImage(*path, image);
-  if (!HasPixels(image)) return CommandResult::Failed;
+  if (!image.HasPixels()) return CommandResult::Failed;
   image.SetFileName(*path);  // one that came through GDAL has none
   ErdasHeader header = *image.GetHeader();
   header.packType = kPackFloat;

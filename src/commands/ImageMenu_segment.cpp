@@ -50,7 +50,7 @@ CommandResult OnSegmention(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg image;
   const bool isRead = !param.m_inputPath.empty() && ReadImage(param.m_inputPath, image);
-  if (!HasPixels(image)) return FailWith("Read image failed!");
+  if (!image.HasPixels()) return FailWith("Read image failed!");
   const std::int32_t nBands = image.GetBandCount();
   if (nBands != 1 && nBands != 3) return FailWith("The image has more than 3 bands!");
 

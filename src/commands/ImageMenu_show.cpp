@@ -77,11 +77,6 @@ CommandResult OpenProfileImage(CCorvaneView& view) {
   return CommandResult::Done;
 }
 
-bool HasProfile(const ErdasImg& image) {
-  const std::uint16_t packType = image.GetPackType();
-  return packType == kPackByte || packType == kPackFloat || packType == kPackDouble;
-}
-
 // Each component the low 8 bits of a random number.
 Colour RandomColour() {
   const auto next = [] { return static_cast<std::uint8_t>(std::rand() & 255); };
@@ -110,7 +105,7 @@ CommandResult OnShowImage(CCorvaneView& view) {
   if (!path) return CommandResult::Cancelled;
   ErdasImg image;
   const bool isRead = ReadImage(*path, image);
-  if (!HasPixels(image)) return CommandResult::Failed;
+  if (!image.HasPixels()) return CommandResult::Failed;
   image.SetFileName(*path);
   if (!OpenImageWindow(FrameOf(view), &image, FileName(*path))) return CommandResult::Failed;
   Ui().SetStatusText(0, ShownText(image) + CutText(image));
@@ -141,14 +136,14 @@ CommandResult OnShowPoints(CCorvaneView& view) {
 // Kept: the image is asked for once, and the numbers shown for the rows are those of the columns.
 CommandResult OnImageProfile(CCorvaneView& view) {
   ErdasImg& image = view.profileImage;
-  if (!HasPixels(image)) {
+  if (!image.HasPixels()) {
     const CommandResult opened = OpenProfileImage(view);
     if (opened != CommandResult::Done) return opened;
   }
   const auto [cols, rows] = image.GetSize();
   ValueInput input{.title = "Input the row#(0-" + std::to_string(cols - 1) + ")", .value = kFirstProfileRow};
   if (!input.Ask()) return CommandResult::Cancelled;
-  if (!HasProfile(image)) {
+  if (!IsByteOrReal(image.GetPackType())) {
     image.Free();  // the next call asks for another one
     return FailWith("Data type is not supported!");
   }

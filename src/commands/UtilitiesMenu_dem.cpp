@@ -103,7 +103,7 @@ CommandResult OnAsciiGridToDem(CCorvaneView&) {
   WaitCursor wait;
   ErdasImg dem;
   std::int64_t nUnread = 0;
-  if (dem.ReadAsciiGrid((*paths)[0], &nUnread) < 0 || !HasPixels(dem)) {
+  if (dem.ReadAsciiGrid((*paths)[0], &nUnread) < 0 || !dem.HasPixels()) {
     return FailWithWarning("Conversion from ASCII Grid to DEM failed");
   }
   const auto [cols, rows] = dem.GetSize();

@@ -42,7 +42,7 @@ std::string NoFloatGridText(int status, const std::string& path, const ErdasImg&
 bool ReadGrid(const std::string& path, ErdasImg& image) {
   const int status = image.ReadFloatGrid(path);
   TellCut(image);
-  if (status == 1 && HasPixels(image)) return true;
+  if (status == 1 && image.HasPixels()) return true;
   ShowWarning(NoFloatGridText(status, path, image));
   return false;
 }

@@ -148,7 +148,6 @@ void DibPainter::DrawReduced(Canvas& canvas, const PixelRect& place, double zoom
 
   // Taps of no weight may stand behind the last sample.
   std::vector<std::uint8_t> line((static_cast<std::size_t>(nCols) + 2) * n);
-  std::vector<std::uint8_t> buffer;
   std::vector<std::uint32_t> sums(cols.size() * n);
   std::vector<std::uint32_t> pixels;
   pixels.reserve(cols.size() * rows.size());
@@ -157,8 +156,7 @@ void DibPainter::DrawReduced(Canvas& canvas, const PixelRect& place, double zoom
     for (std::int32_t j = 0; j < 3; ++j) {
       const std::uint32_t weight = row.weights[static_cast<std::size_t>(j)];
       if (weight == 0) continue;
-      std::copy_n(SamplesOf(k, row.first + j, firstCol, nCols, buffer), static_cast<std::size_t>(nCols) * n,
-                  line.data());
+      ReadSamples(k, row.first + j, firstCol, nCols, line.data());
       AddRow(line.data(), firstCol, cols, nChannels_, weight, sums);
     }
     for (std::size_t i = 0; i < sums.size(); i += n) {
@@ -189,25 +187,24 @@ DibPainter::Level DibPainter::MakeLevel(int k) const {
   Level level{WidthOf(k), HeightOf(k), {}};
   const std::size_t rowBytes = static_cast<std::size_t>(level.width) * static_cast<std::size_t>(nChannels_);
   level.samples.resize(rowBytes * static_cast<std::size_t>(level.height));
-  std::vector<std::uint8_t> buffers[2];
+  const std::size_t lineBytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(nChannels_);
+  std::vector<std::uint8_t> top(lineBytes);
+  std::vector<std::uint8_t> bottom(lineBytes);
   for (std::int32_t row = 0; row < level.height; ++row) {
-    HalveRows(SamplesOf(k - 1, 2 * row, 0, width, buffers[0]),
-              SamplesOf(k - 1, std::min(2 * row + 1, height - 1), 0, width, buffers[1]), width, nChannels_,
+    ReadSamples(k - 1, 2 * row, 0, width, top.data());
+    ReadSamples(k - 1, std::min(2 * row + 1, height - 1), 0, width, bottom.data());
+    HalveRows(top.data(), bottom.data(), width, nChannels_,
               level.samples.data() + static_cast<std::size_t>(row) * rowBytes);
   }
   return level;
 }
 
-const std::uint8_t* DibPainter::SamplesOf(int k, std::int32_t row, std::int32_t firstCol, std::int32_t nCols,
-                                          std::vector<std::uint8_t>& buffer) const {
-  if (k > 0) {
-    const Level& level = levels_[static_cast<std::size_t>(k) - 1];
-    const std::int64_t sample = std::int64_t{row} * level.width + firstCol;
-    return level.samples.data() + sample * nChannels_;
-  }
-  buffer.resize(static_cast<std::size_t>(nCols) * static_cast<std::size_t>(nChannels_));
-  ExpandPixels(DibRow(dib_, row), firstCol, nCols, buffer.data());
-  return buffer.data();
+void DibPainter::ReadSamples(int k, std::int32_t row, std::int32_t firstCol, std::int32_t nCols,
+                             std::uint8_t* samples) const {
+  if (k == 0) return ExpandPixels(DibRow(dib_, row), firstCol, nCols, samples);
+  const Level& level = levels_[static_cast<std::size_t>(k) - 1];
+  const std::int64_t first = (std::int64_t{row} * level.width + firstCol) * nChannels_;
+  std::copy_n(level.samples.data() + first, std::int64_t{nCols} * nChannels_, samples);
 }
 
 void DibPainter::ExpandPixels(std::span<const std::uint8_t> row, std::int32_t firstCol, std::int32_t nCols,

@@ -38,9 +38,9 @@ class DibPainter {
   Level MakeLevel(int k) const;
   std::int32_t WidthOf(int k) const;
   std::int32_t HeightOf(int k) const;
-  // Samples of a row of level k, 0 being the bitmap; `buffer` may come to hold them.
-  const std::uint8_t* SamplesOf(int k, std::int32_t row, std::int32_t firstCol, std::int32_t nCols,
-                                std::vector<std::uint8_t>& buffer) const;
+  // Copies samples of a row of level k, 0 being the bitmap.
+  void ReadSamples(int k, std::int32_t row, std::int32_t firstCol, std::int32_t nCols,
+                   std::uint8_t* samples) const;
   void ExpandPixels(std::span<const std::uint8_t> row, std::int32_t firstCol, std::int32_t nCols,
                     std::uint8_t* samples) const;
 

@@ -174,6 +174,11 @@ class ErdasImg {
   // The bytes of a pixel of this type; they become the image's own. The header stays.
   std::int32_t BytesPerPixelOf(std::uint16_t packType);
 
+  // Whether there is anything in the image: a positive size, and buffers of bands.
+  bool HasPixels() const {
+    return m_bands && m_header.cols > 0 && m_header.rows > 0 && m_header.bandCount > 0;
+  }
+
   // Bytes of one band: cols * rows * bytesPerPixel.
   std::int64_t GetImageBytes() const { return std::int64_t{m_header.cols} * m_header.rows * m_bytesPerPixel; }
   ImageStart GetStart() const { return {m_header.xStart, m_header.yStart}; }

@@ -46,6 +46,11 @@ inline std::int32_t BytesOfPackType(std::uint16_t packType) {
   return WithPixelType(packType, [](auto pixel) { return static_cast<std::int32_t>(sizeof pixel); });
 }
 
+// Whether pixels of this type can be filtered and plotted.
+inline bool IsByteOrReal(std::uint16_t packType) {
+  return packType == kPackByte || packType == kPackFloat || packType == kPackDouble;
+}
+
 // Whether pixels of this type can be written as text: a type of the list.
 inline bool HasTextForm(std::uint16_t packType) {
   return packType == kPackByte || (packType >= kPackUInt16 && packType <= kPackDouble);
