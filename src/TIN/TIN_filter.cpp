@@ -6,12 +6,11 @@
 
 #include "TIN/TIN.h"
 #include "TIN/TINPoints.h"
+#include "numerics/Angles.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 double SquareDistance(const PointRecord& a, const PointRecord& b) {
   const double dx = a.x - b.x;
@@ -75,7 +74,7 @@ int TIN::LevelCorner(const TINTriangle& triangle, int corner, double sign, doubl
 }
 
 std::int32_t TIN::SlopeFilter(double maxSlopeDegrees, double minElevation) {
-  const double cosLimit = std::cos(maxSlopeDegrees * kPi / 180.0);
+  const double cosLimit = Cos(maxSlopeDegrees * kPi / 180.0);
   std::int32_t nChanged = 0;
   // Each pass sees the normals that it has changed itself.
   for (const TINTriangle& triangle : triangles) {

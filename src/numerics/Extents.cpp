@@ -1,8 +1,9 @@
 #include "numerics/Extents.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
+
+#include "numerics/Angles.h"
 
 namespace corvane {
 
@@ -46,8 +47,8 @@ void UnionExtents(double a[4], const double b[4]) {
 void RotatePoint(double p[2], double angle) {
   const double x = p[0];
   const double y = p[1];
-  const double cosine = std::cos(angle);
-  const double sine = std::sin(angle);
+  const double cosine = Cos(angle);
+  const double sine = Sin(angle);
   p[0] = x * cosine - y * sine;
   p[1] = x * sine + y * cosine;
 }
