@@ -4,6 +4,7 @@
 #include "commands/FileMenu.h"
 #include "commands/FrameMenu.h"
 #include "commands/ImageMenu.h"
+#include "commands/MatchingMenu.h"
 #include "commands/NotBuilt.h"
 #include "commands/TinMenu.h"
 #include "commands/UtilitiesMenu.h"

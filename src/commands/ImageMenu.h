@@ -32,4 +32,13 @@ CommandResult OnImageProfile(CCorvaneView& view);
 CommandResult OnShowImage(CCorvaneView& view);
 CommandResult OnShowPoints(CCorvaneView& view);
 
+// Reads what a resection of a photo would start from, and computes nothing.
+CommandResult OnSpaceResection(CCorvaneView& view);
+
+// Adjusts a block of photos in three rounds.
+CommandResult OnBundleAdjustment(CCorvaneView& view);
+
+// Projects photos onto a DEM, as one image.
+CommandResult OnCreateOrthophoto(CCorvaneView& view);
+
 }  // namespace corvane

@@ -68,4 +68,7 @@ CommandResult OnMaskToShape(CCorvaneView& view);
 // A place for trying routines out; it serves no general use.
 CommandResult OnTest(CCorvaneView& view);
 
+// Reads a block of photos, writes their orientation files, and forms and solves the first system.
+CommandResult OnImportProject(CCorvaneView& view);
+
 }  // namespace corvane

@@ -1,0 +1,84 @@
+#include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
+
+#include <cmath>
+#include <cstring>
+#include <new>
+
+#include "TIN/TINPoints.h"
+#include "numerics/Angles.h"
+#include "numerics/Solvers.h"
+
+namespace corvane {
+
+namespace {
+
+OwnedMatrix NewMatrix3() {
+  OwnedMatrix m(AllocMatrix(3, 3));
+  if (!m) throw std::bad_alloc();
+  return m;
+}
+
+}  // namespace
+
+AerialPhoto::AerialPhoto()
+    : imageToPhoto(NewMatrix3()),
+      photoToImage(NewMatrix3()),
+      rotation(NewMatrix3()),
+      groundToImage(NewMatrix3()),
+      imageToGround(NewMatrix3()),
+      epipolarMap(NewMatrix3()),
+      resampleMap(NewMatrix3()),
+      inverseScratch(NewMatrix3()) {
+  fiducials.fill({kUnset, kUnset});
+}
+
+AerialPhoto::~AerialPhoto() = default;
+
+void AerialPhoto::Recompute() {
+  ComputeInverse();
+  ComputeRotation();
+  MultiplySquare(photoToImage.get(), rotation.get(), groundToImage.get(), 3, 3);
+  const OwnedMatrix transposed = NewMatrix3();
+  TransposeMatrix(rotation.get(), transposed.get(), 3, 3);
+  MultiplySquare(transposed.get(), imageToPhoto.get(), imageToGround.get(), 3, 3);
+}
+
+void AerialPhoto::ComputeInverse() {
+  Matrix identity = inverseScratch.get();
+  IdentityMatrix(&identity, 3);
+  std::memcpy(photoToImage[0], imageToPhoto[0], 9 * sizeof(double));
+  GaussJordan(photoToImage.get(), 3, identity, 3);
+}
+
+void AerialPhoto::ComputeRotation() {
+  const double sw = Sin(omega);
+  const double cw = Cos(omega);
+  const double sp = Sin(phi);
+  const double cp = Cos(phi);
+  const double sk = Sin(kappa);
+  const double ck = Cos(kappa);
+  const double rows[3][3] = {{cp * ck, cw * sk + sw * sp * ck, sw * sk - cw * sp * ck},
+                             {-cp * sk, cw * ck - sw * sp * sk, sw * ck + cw * sp * sk},
+                             {sp, -sw * cp, cw * cp}};
+  std::memcpy(rotation[0], rows, sizeof rows);
+}
+
+void AerialPhoto::SetExterior(double f, double px, double py, double x, double y, double z, double newOmega,
+                              double newPhi, double newKappa) {
+  focalLength = f;
+  principalX = px;
+  principalY = py;
+  perspectiveX = x;
+  perspectiveY = y;
+  perspectiveZ = z;
+  omega = newOmega;
+  phi = newPhi;
+  kappa = newKappa;
+  ComputeRotation();
+}
+
+double AerialPhoto::GetScale() const {
+  return std::fabs(imageToPhoto[0][0]);
+}
+
+}  // namespace corvane
