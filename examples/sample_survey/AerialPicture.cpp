@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "erdasimg/ErdasImg.h"
-#include "sample_survey/Random.h"
+#include "sample_survey/GroundTone.h"
 
 namespace corvane {
 
@@ -23,11 +23,6 @@ constexpr double kSunHeading[2] = {0.8, -0.6};  // its direction on the map
 constexpr double kLongestShadow = 20.0;         // metres
 
 constexpr double kSkyLight = 0.3;  // the share of light that does not come from the sun
-
-constexpr double kRoadHalfWidth = 2.5;  // metres
-constexpr double kRoadTone = 205.0;
-constexpr double kGrassTone = 125.0;
-constexpr double kWoodFloorTone = 75.0;
 
 // Samples of the scene from above: heights in metres, and how bright the surface is in full light.
 struct Relief {
@@ -54,51 +49,6 @@ Square SquareAround(double x, double y, double reach, std::int64_t size) {
   };
   return {number(x - reach - kSurveyWest), number(y - reach - kSurveySouth), number(x + reach - kSurveyWest),
           number(y + reach - kSurveySouth)};
-}
-
-// From -1 to 1, another number at each place of a purpose.
-double Grain(std::uint64_t seed, Random::Purpose purpose, std::int64_t i, std::int64_t j) {
-  return 2.0 * Random(seed, purpose, i, j).Uniform() - 1.0;
-}
-
-// Crops stand in rows, north-south or east-west, and each field has its own tone.
-double FieldTone(std::uint64_t seed, double east, double north) {
-  const auto col = static_cast<std::int64_t>(std::floor(east / Scene::kParcel));
-  const auto row = static_cast<std::int64_t>(std::floor(north / Scene::kParcel));
-  Random field(seed, Random::kField, col, row);
-  const double tone = 95.0 + 15.0 * static_cast<double>(field.Between(0, 5));
-  const double across = field.Next() % 2 == 0 ? east : north;
-  const double phase = across / 4.0 - std::floor(across / 4.0);
-  return tone + (phase < 0.5 ? 4.0 : -4.0);
-}
-
-// Roads run between parcels, along villages.
-bool IsRoad(const Scene& scene, double east, double north) {
-  const auto distance = [](double at) {
-    return std::abs(at - std::floor(at / Scene::kParcel + 0.5) * Scene::kParcel);
-  };
-  const bool alongWest = distance(east) <= kRoadHalfWidth;
-  const bool alongSouth = distance(north) <= kRoadHalfWidth;
-  if (!alongWest && !alongSouth) return false;
-  for (const double dx : {-kRoadHalfWidth * 2.0, kRoadHalfWidth * 2.0}) {
-    for (const double dy : {-kRoadHalfWidth * 2.0, kRoadHalfWidth * 2.0}) {
-      if (scene.LandUseAt(kSurveyWest + east + dx, kSurveySouth + north + dy) == LandUse::Village)
-        return true;
-    }
-  }
-  return false;
-}
-
-double GroundTone(const Scene& scene, std::uint64_t seed, double east, double north) {
-  if (IsRoad(scene, east, north)) return kRoadTone;
-  switch (scene.LandUseAt(kSurveyWest + east, kSurveySouth + north)) {
-    case LandUse::Village:
-      return kGrassTone;
-    case LandUse::Wood:
-      return kWoodFloorTone;
-    default:
-      return FieldTone(seed, east, north);
-  }
 }
 
 void LayGround(const SampleSurvey& survey, Relief& relief) {

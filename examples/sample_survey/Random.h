@@ -28,6 +28,9 @@ class Random {
     kCrown,
     kLeaves,
     kSensor,
+    kSoil,
+    kSignal,
+    kStart,
   };
 
   Random(std::uint64_t seed, Purpose purpose, std::int64_t i, std::int64_t j = 0)

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "sample_survey/AerialPicture.h"
+#include "sample_survey/PhotoBlockFiles.h"
 #include "sample_survey/SurveyFiles.h"
 
 namespace corvane {
@@ -39,15 +40,30 @@ bool WriteAll(const SurveyOptions& options, const std::filesystem::path& folder)
   return true;
 }
 
+// Writes the block of photos into its folder in that folder.
+bool WriteBlock(const SurveyOptions& options, const std::filesystem::path& folder) {
+  const std::filesystem::path blockFolder = folder / "block";
+  std::string failed;
+  if (!WritePhotoBlock(PhotoBlock(SampleSurvey(options)), blockFolder, failed)) {
+    std::fprintf(stderr, "sample-survey: can't write %s\n", failed.c_str());
+    return false;
+  }
+  std::printf("%s: %d photos, %s tells what else\n", blockFolder.string().c_str(),
+              PhotoBlock::kStrips * PhotoBlock::kPhotos, (blockFolder / "block_README.txt").string().c_str());
+  return true;
+}
+
 int Run(int argc, char** argv) {
   SurveyOptions options;
   std::string folder = ".";
+  bool hasBlock = true;
   CLI::App app("Writes a made airborne laser survey with exact truth.", "sample-survey");
   app.add_option("--points", options.nPoints, "about how many points")
       ->check(CLI::Range(SurveyOptions::kMinPoints, SurveyOptions::kMaxPoints))
       ->capture_default_str();
   app.add_option("--seed", options.seed, "another number makes another survey")->capture_default_str();
   app.add_option("--folder", folder, "where the files go; made if missing")->capture_default_str();
+  app.add_flag("!--no-block", hasBlock, "leave out the block of aerial photos, folder block");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -60,7 +76,7 @@ int Run(int argc, char** argv) {
     std::fprintf(stderr, "sample-survey: can't make the folder %s\n", folder.c_str());
     return 1;
   }
-  return WriteAll(options, folder) ? 0 : 1;
+  return WriteAll(options, folder) && (!hasBlock || WriteBlock(options, folder)) ? 0 : 1;
 }
 
 }  // namespace
