@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "sample_survey/PhotoBlock.h"
+
+namespace corvane {
+
+// The sample survey's block of photos, made once for all tests of a program.
+const PhotoBlock& SampleBlock();
+
+// Writes its files into the current folder.
+void WriteSampleBlock();
+
+// A line of "signals_image.txt".
+struct SignalPlace {
+  std::string point;
+  std::string photo;
+  PhotoPlace place;
+};
+std::vector<SignalPlace> ReadSignalPlaces();
+
+}  // namespace corvane
