@@ -62,9 +62,9 @@ double Light(const GroundRaster& ground, double east, double north) {
 // Places from the survey's corner in metres, angles in degrees.
 BlockPhoto PhotoAt(int strip, int photo) {
   constexpr double kFirstEast = 34.0;
-  constexpr double kFirstNorth = 60.0;
+  constexpr double kFirstNorth = 124.0;
   constexpr double kBase = 160.0;           // 40 % of the 400 metres that a photo shows
-  constexpr double kStripDistance = 280.0;  // 70 %
+  constexpr double kStripDistance = 144.0;  // 36 %
   constexpr double kHeight = 785.0;
   // What the aeroplane strays by: omega, phi, kappa in degrees, east, north, up in metres.
   constexpr double kStray[PhotoBlock::kStrips][PhotoBlock::kPhotos][6] = {
@@ -181,7 +181,7 @@ void PhotoBlock::PlaceSignals(std::uint64_t seed) {
     for (int col = 0; col < kCols; ++col) {
       Random random(seed, Random::kSignal, row, col);
       const std::int64_t east = 22000 + col * 86000 + random.Between(-6000, 6000);
-      const std::int64_t north = -115000 + row * 70000 + random.Between(-9000, 9000);
+      const std::int64_t north = -45000 + row * 53000 + random.Between(-9000, 9000);
       const bool isControl = row % 3 == 0 && col % 2 == 0;
       const bool isCheck = !isControl && (row + col) % 2 == 0;
       const auto role = isControl ? SignalPoint::Role::Control

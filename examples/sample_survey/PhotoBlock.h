@@ -15,10 +15,10 @@ class GroundRaster {
  public:
   static constexpr double kCellSize = 1.0;  // metres
   static constexpr std::int64_t kCols = 790;
-  static constexpr std::int64_t kRows = 740;
+  static constexpr std::int64_t kRows = 630;
   // The corner in the south-west, from the survey's corner.
   static constexpr double kEast = -200.0;
-  static constexpr double kNorth = -170.0;
+  static constexpr double kNorth = -120.0;
 
   explicit GroundRaster(const Scene& scene);
 
@@ -54,7 +54,7 @@ struct BlockPhoto {
   Exterior exterior;
 };
 
-// A block of two strips of three photos, flown east, with 60 % overlap along a strip and 30 % across. It
+// A block of two strips of three photos, flown east, with 60 % overlap along a strip and 64 % across. It
 // covers the survey's south-west corner.
 class PhotoBlock {
  public:

@@ -227,7 +227,7 @@ constexpr const char* kReadme =
     "SAMPLE BLOCK\n\n"
     "Six made aerial photos of the sample survey's ground with exact truth: two strips of three, flown east, "
     "with\n"
-    "60 % overlap in a strip and 30 % between strips. They show the bare ground, as if nothing stood on it, "
+    "60 % overlap in a strip and 64 % between strips. They show the bare ground, as if nothing stood on it, "
     "with a\n"
     "signal (a white disc of 2 on a black one of 4) at each of 50 points. Ground in metres, photos in "
     "millimetres.\n"

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <stdexcept>
 
 #include "sample_survey/PhotoBlockFiles.h"
 #include "support/TempFolder.h"
@@ -12,6 +13,13 @@ namespace corvane {
 const PhotoBlock& SampleBlock() {
   static const PhotoBlock block(SampleSurvey(SurveyOptions{1000, 1}));
   return block;
+}
+
+const SignalPoint& SignalOf(const std::string& name) {
+  for (const SignalPoint& point : SampleBlock().GetSignals()) {
+    if (point.name == name) return point;
+  }
+  throw std::invalid_argument(name);
 }
 
 void WriteSampleBlock() {

@@ -10,6 +10,9 @@ namespace corvane {
 // The sample survey's block of photos, made once for all tests of a program.
 const PhotoBlock& SampleBlock();
 
+// The signal of that name.
+const SignalPoint& SignalOf(const std::string& name);
+
 // Writes its files into the current folder.
 void WriteSampleBlock();
 
