@@ -9,53 +9,87 @@
 namespace corvane {
 
 // The adjustment of a block by the collinearity equations. With p photos and q pass points there are
-// 6 p + 3 q unknowns: columns 6 k to 6 k + 5 are the corrections of omega, phi, kappa (radians), X, Y, Z of
-// photo k, counted strip by strip; columns 6 p + 3 j to 6 p + 3 j + 2 those of pass point j of passPoints.
-// Control points are held fixed. Each measurement gives two rows, in the order of photos and, in each, of
-// its measurements.
+// 6 p + 3 q unknowns: columns 6 k to 6 k + 5 are the corrections of omega, phi, kappa (radians) and of the
+// perspective centre's X, Y, Z of photo k, counted strip by strip; columns 6 p + 3 j to 6 p + 3 j + 2 those
+// of X, Y, Z of passPoints[j]. Control points are held fixed. Each measurement gives two rows, in the order
+// of the photos and, in each, of its measurements.
 
-// Observations, unknowns, and room for the system.
+constexpr int kPhotoUnknowns = 6;
+constexpr int kPointUnknowns = 3;
+
+// The system A x = l of a block; both are null before BuildDesign, and if memory can't be had.
 struct BundleSystem {
-  int rows = 0;   // 2 m
-  int cols = 0;   // 6 p + 3 q
-  OwnedMatrix a;  // design matrix, rows x cols; null until BuildDesign has run, or if memory can't be had
+  int rows = 0;          // two a measurement
+  int cols = 0;          // 6 p + 3 q
+  OwnedMatrix a;         // design matrix, rows x cols
   OwnedArray<double> l;  // observations, rows
 };
 
-// Fills the system from the project's present values. It is allocated, with zeros, only where it is null:
-// a later round fills the same matrix again. Rows of a measurement that AddObservation refuses stay as they
-// are. Without memory, or without rows or columns, it stays null.
+// The equations (BundleAdjustment.cpp).
+
+// Fills the system from the project's present values, from the row pair measurementCursor on, which counts on
+// to the number of measurements. What is null is allocated, with zeros. Kept: what is not null is not zeroed
+// again, so the rows of a measurement that AddObservation refuses keep what an earlier round has left there.
 void BuildDesign(PhotoProject& project, BundleSystem& system);
 
-// Writes the two equations of a measurement, a pair of rows and their entries of l. A ground point without a
+// Writes the two equations of a measurement into rows[0], rows[1] and l[0], l[1]. A ground point without a
 // position gets one first, by InitialPoint. 1; -1, with the rows as they were, if the measurement has no
-// ground point or that has no position.
+// ground point, that has no position, or the measurement of a pass point is not among passPoints.
 int AddObservation(PhotoProject& project, const AerialPhoto& photo, int photoColumn,
                    const ImageMeasurement& measurement, Matrix rows, double* l);
 
-// The position of a ground point from its first two rays. -1 if it has fewer.
+// The position of a ground point from its first two rays. -1 if it has fewer, or one of them is not there.
 int InitialPoint(const PhotoProject& project, GroundPoint& point);
 
-// Adds the corrections x to all photos and pass points. Kept: no photo's R, P and Q are made anew, so that
-// all rounds run with the rotation of the first.
+// Adds the corrections x to all photos and pass points.
+// Kept: no photo's R, P and Q are made anew, so that all rounds run with the rotations of the first.
 void ApplyCorrections(PhotoProject& project, const double* x);
+
+// How an adjustment went.
+struct BundleOutcome {
+  int nFiles = 0;        // written, or tried to
+  bool isHeld = true;    // false: memory for the system could not be had
+  bool isSolved = true;  // false: in some round it had no single solution
+};
 
 // Three rounds of building, solving and correcting; there is no test for convergence. In the current folder,
 // named by the project: "ResultInit.txt", and for each round d from 0 "BundleMat<d>.txt", "Solution<d>.txt"
-// and "Result<d>.txt". A singular system is not noticed, and a file that can't be written not told.
-void RunBundleAdjustment(PhotoProject& project);
+// and "Result<d>.txt"; those that can't be written are added to the project's unwrittenFiles.
+//
+// Nothing ends the rounds: of a singular system x is what the solver has left, and the next round goes on
+// from there. Without memory for the system, a round does nothing.
+//
+// Cost of a round: with n unknowns up to n^3 products and differences, and 3 bytes of text for each zero of
+// A.
+BundleOutcome RunBundleAdjustment(PhotoProject& project);
 
-// The corrections, a line a photo and then a line a pass point. -1 if the file can't be written.
-int WriteSolution(const std::string& path, int p, int q, const double* x, std::string_view separator);
+// The normal equations (BundleAdjustment_normal.cpp).
 
-// The orientation of all photos, and the ground points. -1 if the file can't be written.
-int WriteResult(const PhotoProject& project, const std::string& path);
-
-// The normal equations N x = v of the system, allocated. 1, or -1.
+// N x = v, N = At A and v = At l, for a system of `rows` x `cols`; each is allocated where it is null.
+// 1, or -1 if memory can't be had.
 int NormalEquations(ConstMatrix a, const double* l, int rows, int cols, Matrix* normal, double** v);
 
-// The normal equations with the pass points eliminated: Nr = N11 - N12 N22^-1 N21 and
-// vr = v1 - N12 N22^-1 v2, for p photos and q pass points, allocated. 1, or -1.
+// The normal equations of p photos and q pass points with the points eliminated, which leaves the photos' 6 p
+// unknowns: Nr = N11 - N12 N22^-1 N21 and vr = v1 - N12 N22^-1 v2, where 1 stands for the photos and 2 for
+// the points. Each is allocated where it is null. 1, or -1 if memory can't be had; a singular N22 is not
+// noticed.
 int ReducedNormal(ConstMatrix normal, const double* v, int p, int q, Matrix* reduced, double** reducedV);
+
+// Kept: the commands have a place for the two, but do not take it in this release.
+constexpr bool kWritesNormals = false;
+
+// What stands there: writes both, with their right sides, to `name` + "NormalMat.txt" and "ReducedMat.txt",
+// in the form of WriteAugmentedMatrix. 1; -1 if memory can't be had or a file can't be written.
+int WriteNormals(const std::string& name, const BundleSystem& system, int p, int q);
+
+// Files (BundleAdjustment_files.cpp). They appear whole or not at all. 1; -1 if the file can't be written.
+
+// The corrections: a line of six for each of p photos, then a line of three for each of q pass points. Exact
+// zeros are "0", in a line's last place "0.000000".
+int WriteSolution(const std::string& path, int p, int q, const double* x, std::string_view separator);
+
+// The orientation of all photos, angles in radians, and the ground points; after the last control point of
+// the ground point file stands an empty line.
+int WriteResult(const PhotoProject& project, const std::string& path);
 
 }  // namespace corvane

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
 #include <memory>
 #include <string>
@@ -14,6 +13,11 @@
 #include "OpenGL/Stereo_2Cursor/ImageMeasurement.h"
 
 namespace corvane {
+
+// A point's name as it is stored and compared, of a word of any length.
+inline std::string_view PointName(std::string_view word) {
+  return word.substr(0, kMaxPointName);
+}
 
 // A point on the ground that photos measure.
 struct GroundPoint {
@@ -39,34 +43,43 @@ struct GroundPoint {
 
 // A block of aerial photos: strips of photos, one camera, and the ground points that the photos measure. It
 // is read from a project file (".pj"), which names a camera calibration file, and from a ground point file
-// (".gpt") beside it.
+// (".gpt") beside it. In all three white space of any kind separates fields.
 //
 // Operations return 1 for success. Negative results are read by decade: -1 to -9 the camera file, -10 to -19
-// the ground points, -20 to -29 the project file. A failure leaves the project partly filled.
+// the ground points, -20 to -29 the project file. Where reading has stopped is told in the message pane. A
+// failure leaves the project partly filled, to be thrown away, and what has been written in place.
 class PhotoProject {
  public:
   PhotoProject() = default;
   PhotoProject(const PhotoProject&) = delete;
   PhotoProject& operator=(const PhotoProject&) = delete;
 
-  // Reading (PhotoProject_read.cpp, PhotoProject_ground.cpp).
+  // Reading (PhotoProject_read.cpp, PhotoProject_ground.cpp, PhotoProject_camera.cpp).
 
-  // Reads the ground points, the project and its camera. As each photo's exterior orientation is read, its
-  // ".orn" is written beside it, and at the end the pass points go to `name` + "_PassPt.txt" in the current
-  // folder: name, column, row a line.
+  // Reads the ground points, the project and its camera into a new project. As each photo's exterior
+  // orientation is read, its ".orn" is written: the photo's name with its last three bytes replaced. At the
+  // end the pass points go to `name` + "_PassPt.txt" in the current folder: name, column, row a line. A file
+  // that can't be written does not end the reading: it is told in a box (of many ".orn" the first), and its
+  // path joins unwrittenFiles. Paths in the project file are relative to the current folder.
+  //
+  // A point that is measured but is not in the ground point file is added, without a position. The same name
+  // as control and as pass point makes two points. A photo to which no block belongs is left with zeros; of
+  // two blocks of a photo the later one counts, but for their measurements, which all do.
   //
   // The ground points' negative result, then the camera's, end the reading with that code; -21: the project
-  // does not open; -22: a strip's line; -23: any other line, or a strip or photo number that is not in the
-  // block.
+  // does not open; -22: a strip's line; -23: any other line, a negative count, a strip or photo number that
+  // is not in the block, or a project beyond the memory.
   int Read(const std::string& path);
 
   // Reads the ground points alone, adding to those that are there. -11: the file does not open; -12: a line
-  // lacks a field; the points before it stay.
+  // lacks a field, or a count is negative; the points before it stay.
   int ReadGroundPoints(const std::string& path);
 
   // Reads the camera. -11, with a plain box, if the file does not open; its lines are not tested.
   // Kept: the count of fiducials is scanned as a real number but its low 32 bits are what counts, and these
-  // are zero for any number that a file would hold: the table of fiducials is not read.
+  // are zero for every whole number below 2^21. So the fiducials of such a file are not read, and the last
+  // line's numbers are taken from the first of them, their integer into the low half of focalLength; a
+  // project has these numbers of its own.
   int ReadCamera(const std::string& path);
 
   // Looking up.
@@ -120,10 +133,10 @@ class PhotoProject {
   double cameraParam2 = 0.0;
   double cameraParam3 = 0.0;
   double cameraParam4 = 0.0;
-  std::array<unsigned char, 8>
-      fiducialCountRaw{};  // a double of the camera file, of which the low half counts
+  double fiducialCountRaw = 0.0;  // of the camera file; its low 32 bits, an integer, are what counts
   std::array<Point2, AerialPhoto::kFiducials> fiducials{};
   std::vector<std::vector<std::unique_ptr<AerialPhoto>>> photos;  // [strip][photo]
+  std::vector<std::string> unwrittenFiles;                        // that Read should have written
 
  private:
   // Type and name of a ground point, or name of a pass point, to its first place.

@@ -13,20 +13,13 @@ namespace corvane {
 
 namespace {
 
-enum class Zeros { Short, Long };
-
-// `text` with the number, as "0" or "-0" if it is zero and Zeros::Short. A NaN has no sign here, as not every
-// machine gives the same one to the NaN of the same operation.
-void AppendElement(std::string& text, double value, Zeros zeros) {
-  if (std::isnan(value)) {
-    text += "nan";
-    return;
-  }
-  AppendFixed(text, value, value == 0.0 && zeros == Zeros::Short ? 0 : 6);
-}
-
 void AppendInner(std::string& text, const double* row, int count, Zeros zeros, std::string_view sep) {
+  const std::string zero = "0" + std::string(sep) + " ";
   for (int j = 0; j < count; ++j) {
+    if (row[j] == 0.0 && zeros == Zeros::Short && !std::signbit(row[j])) {  // nearly all of a design matrix
+      text += zero;
+      continue;
+    }
     AppendElement(text, row[j], zeros);
     text += sep;
     text += ' ';
@@ -66,6 +59,20 @@ int WritePlain(const std::string& path, std::string header, int rows, int cols, 
 }
 
 }  // namespace
+
+void AppendElement(std::string& text, double value, Zeros zeros) {
+  if (std::isnan(value)) {
+    text += "nan";
+    return;
+  }
+  AppendFixed(text, value, value == 0.0 && zeros == Zeros::Short ? 0 : 6);
+}
+
+void AppendMatrixRow(std::string& text, const double* row, int cols, std::string_view sep) {
+  AppendInner(text, row, cols - 1, Zeros::Short, sep);
+  AppendElement(text, row[cols - 1], Zeros::Long);
+  text += '\n';
+}
 
 int WriteMatrixBare(const std::string& path, int rows, int cols, ConstMatrix m, std::string_view sep) {
   return WritePlain(path, "", rows, cols, m, Zeros::Long, Zeros::Short, sep);

@@ -22,4 +22,16 @@ int WriteAugmentedMatrix(const std::string& path, int rows, int cols, ConstMatri
 // The header line is "<rows><sep><cols>". Zeros are "0", in the last column "0.000000".
 int WriteMatrix(const std::string& path, int rows, int cols, ConstMatrix m, std::string_view sep);
 
+// The pieces of such texts, for files that are made of rows of several kinds.
+
+// How an exact zero is written: "0" or, if negative, "-0"; or as any other number.
+enum class Zeros { Short, Long };
+
+// Appends one number. A NaN has no sign here, as not every machine gives the same one to the NaN of the same
+// operation.
+void AppendElement(std::string& text, double value, Zeros zeros);
+
+// Appends a line of WriteMatrix; there is at least one column.
+void AppendMatrixRow(std::string& text, const double* row, int cols, std::string_view sep);
+
 }  // namespace corvane

@@ -17,7 +17,7 @@ TEST_F(CommandsTest, CannyEdgeCannotBeChosen) {
 
 TEST_F(CommandsTest, ACommandThatIsNotBuiltSaysSo) {
   EXPECT_EQ(Run("Vectorization"), CommandResult::Failed);
-  EXPECT_EQ(Run("Space Resection"), CommandResult::Failed);
+  EXPECT_EQ(Run("Template Matching"), CommandResult::Failed);
   EXPECT_THAT(ui.EventsWith("message"), ElementsAre("message message: This command is not built yet.",
                                                     "message message: This command is not built yet."));
 }

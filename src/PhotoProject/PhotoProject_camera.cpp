@@ -1,0 +1,73 @@
+// The camera calibration file. No line of it is tested: one that does not fit leaves what it should give as
+// it was.
+
+#include <bit>
+
+#include "PhotoProject/PhotoProject.h"
+#include "PhotoProject/ProjectText.h"
+#include "io/InputFile.h"
+#include "ui/FrontEnd.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kNotOpened = -11;
+
+// "%s %lf\n"
+void ScanNamedReal(TextScanner& text, double& value) {
+  std::string unread;
+  if (text.ScanWord(unread)) text.ScanDouble(value);
+}
+
+// The low 32 bits of a double, as an integer, and the double with others in their place.
+std::int32_t LowHalf(double value) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(value)));
+}
+
+double WithLowHalf(double value, std::int32_t low) {
+  constexpr std::uint64_t kHighHalf = 0xFFFFFFFF00000000;
+  return std::bit_cast<double>((std::bit_cast<std::uint64_t>(value) & kHighHalf) |
+                               static_cast<std::uint32_t>(low));
+}
+
+// Reads the lines until one does not fit: the number of them can be hundreds of millions by mistake.
+void ScanFiducials(TextScanner& text, std::int32_t nLines,
+                   std::array<Point2, AerialPhoto::kFiducials>& fiducials) {
+  for (std::int32_t i = 0; i < nLines; ++i) {
+    std::int32_t number = 0;
+    Point2 place;
+    if (!text.ScanInt(number) || !ScanReals(text, {&place.x, &place.y})) return;
+    if (number >= 0 && number < AerialPhoto::kFiducials) fiducials[static_cast<std::size_t>(number)] = place;
+  }
+}
+
+}  // namespace
+
+int PhotoProject::ReadCamera(const std::string& path) {
+  const auto content = ReadWholeFile(path);
+  if (!content) {
+    Ui().SetStatusText(0, "The camera file " + path + " does not open.");
+    ShowMessage("Open camera calibration file error!");
+    return kNotOpened;
+  }
+  TextScanner text(*content);
+  std::string unread;
+  text.ScanWord(unread);
+  text.ScanWord(unread);
+  ScanNamedReal(text, focalLength);
+  ScanNamedReal(text, fiducialCountRaw);
+
+  std::int32_t number = 0;
+  if (text.ScanInt(number)) ScanReals(text, {&principalX, &principalY});
+  ScanFiducials(text, LowHalf(fiducialCountRaw), fiducials);
+
+  double notUsed = 0.0;
+  if (text.ScanInt(number)) {
+    focalLength = WithLowHalf(focalLength, number);
+    ScanReals(text, {&notUsed, &cameraParam1, &cameraParam2, &cameraParam3, &cameraParam4});
+  }
+  return 1;
+}
+
+}  // namespace corvane
