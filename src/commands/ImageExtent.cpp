@@ -7,8 +7,8 @@ namespace corvane {
 
 namespace {
 
-// Kept: the form also asks for a cell size and a value, which nobody looks at.
-int AskExtent(ExtentWindow& window, float cellSize) {
+// Kept: the form also asks for a value, which nobody looks at.
+int AskExtent(ExtentWindow& window, float& cellSize) {
   ExtentInput input;
   input.minCorrCoeffLabel = "No-Data Value:";
   return input.AskAsShown(window, &cellSize);
@@ -21,12 +21,19 @@ GroundExtent RectOf(const ExtentWindow& window) {
 }  // namespace
 
 int GetGroundExtent(const ErdasHeader& header, GroundExtent& rect) {
+  float cellSize;  // Kept: asked for, and nobody looks at it
+  return GetGroundExtent(header, rect, cellSize);
+}
+
+int GetGroundExtent(const ErdasHeader& header, GroundExtent& rect, float& cellSize) {
   ExtentWindow window = {.xStart = header.xMap,
                          .yStart = header.rows * double{header.yCell} + header.yMap,
                          .xEnd = header.cols * double{header.xCell} + header.xMap,
                          .yEnd = header.yMap};
-  if (AskExtent(window, header.xCell) < 0) return -1;
+  float entered = header.xCell;
+  if (AskExtent(window, entered) < 0) return -1;
   rect = RectOf(window);
+  cellSize = entered;
   return 0;
 }
 
@@ -35,7 +42,8 @@ int GetPixelExtent(const ErdasHeader& header, ImageRect& rect) {
   const double top = header.yStart;
   ExtentWindow window = {
       .xStart = left, .yStart = top, .xEnd = left + header.cols - 1.0, .yEnd = top + header.rows - 1.0};
-  if (AskExtent(window, 1.0f) < 0) return -1;
+  float cellSize = 1.0f;  // Kept: as above
+  if (AskExtent(window, cellSize) < 0) return -1;
   rect = {.left = TruncateSaturated(window.xStart),
           .top = TruncateSaturated(window.yStart),
           .right = TruncateSaturated(window.xEnd),

@@ -9,6 +9,9 @@ namespace corvane {
 // Shows what the image covers on the ground, `xMap` and `yMap` being its upper left corner.
 int GetGroundExtent(const ErdasHeader& header, GroundExtent& rect);
 
+// The same, and what has been entered as the cell size; `xCell` is shown.
+int GetGroundExtent(const ErdasHeader& header, GroundExtent& rect, float& cellSize);
+
 // Shows the image-file coordinates of the first and the last pixel. What is entered is cut to whole numbers.
 int GetPixelExtent(const ErdasHeader& header, ImageRect& rect);
 

@@ -24,6 +24,9 @@ BundleOutcome SolveOnce(const std::string& title, PhotoProject& project) {
   if (WriteAugmentedMatrix(systemPath, system.rows, cols, system.a.get(), system.l.get(), ",") < 0) {
     project.unwrittenFiles.push_back(systemPath);
   }
+  if (kWritesNormals) {
+    WriteNormals(title, system, project.photoCount, static_cast<int>(project.passPoints.size()));
+  }
   outcome.isSolved = LeastSquaresCholesky(system.a.get(), system.l.get(), system.rows, cols, x.get()) == 1;
   double* const row = x.get();
   if (WriteMatrixBare(solutionPath, 1, cols, &row, ",") < 0) project.unwrittenFiles.push_back(solutionPath);

@@ -88,18 +88,25 @@ void SampleBand(const ErdasImg& image, std::int32_t band, std::int32_t n, ErdasI
 
 }  // namespace
 
+int MakeImage(ErdasHeader header, double rows, double cols, ErdasImg& image) {
+  image.Free();
+  if (!(rows >= 1.0 && cols >= 1.0)) return -1;
+  if (!(rows < 2147483648.0 && cols < 2147483648.0)) return -2;
+  header.rows = static_cast<std::int32_t>(rows);
+  header.cols = static_cast<std::int32_t>(cols);
+  const double nBytes = 1.0 * header.rows * header.cols * header.bandCount * BytesOfPackType(header.packType);
+  return nBytes > static_cast<double>(BytesOfMachine()) ? -2 : image.Create(header, false);
+}
+
 int FillDem(ErdasHeader header, double rows, double cols, double z, ErdasImg& dem) {
   const bool isGrid = header.xCell > 0.0f && header.yCell < 0.0f && rows >= 1.0 && cols >= 1.0;
   if (!isGrid || !std::isfinite(header.xCell) || !std::isfinite(header.yCell)) return -1;
   const bool fits = rows < 2147483648.0 && cols < 2147483648.0;
   const double nCells = std::trunc(rows) * std::trunc(cols);
   if (!fits || nCells > kMaxDemCells) return -3;
-  if (nCells * sizeof(float) > static_cast<double>(BytesOfMachine())) return -2;
   header.packType = kPackFloat;
   header.mapType = 0;
-  header.rows = static_cast<std::int32_t>(rows);
-  header.cols = static_cast<std::int32_t>(cols);
-  const int status = dem.Create(header, false);
+  const int status = MakeImage(header, rows, cols, dem);
   if (status < 0) return status;
   dem.Fill(z);
   return 1;

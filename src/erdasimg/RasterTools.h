@@ -9,6 +9,10 @@ namespace corvane {
 // New images from numbers and from images. Results are 1, or a negative status: -1 for a size that is not
 // positive, -2 without memory; the result then has no pixels.
 
+// An image of rows x cols pixels, cut towards zero, with zeroed bands in single allocations, and everything
+// else as in `header`. -1 also for sizes that are no numbers; -2 for more than the machine's memory, too.
+int MakeImage(ErdasHeader header, double rows, double cols, ErdasImg& image);
+
 // The most cells of a DEM.
 constexpr std::int64_t kMaxDemCells = std::int64_t{1} << 31;
 

@@ -36,6 +36,10 @@ struct RowRange {
   std::int64_t GetCount() const { return std::max<std::int64_t>(last - first + 1, 0); }
 };
 
+RowRange Overlap(const RowRange& a, const RowRange& b) {
+  return {std::max(a.first, b.first), std::min(a.last, b.last)};
+}
+
 // An edge that is not horizontal, as x = slope * y + intercept, and the rows that it crosses.
 struct Edge {
   double slope = 0.0;
@@ -43,7 +47,7 @@ struct Edge {
   RowRange rows;
 };
 
-// The rows of the polygon; nothing for coordinates that make no raster.
+// The rows of the polygon, held where their numbers are exact; nothing for coordinates that are no numbers.
 std::optional<RowRange> RowsOf(std::span<const Point2D> points, const Grid& grid) {
   for (const Point2D& point : points) {
     if (!std::isfinite(point.x) || !std::isfinite(point.y)) return std::nullopt;
@@ -53,11 +57,9 @@ std::optional<RowRange> RowsOf(std::span<const Point2D> points, const Grid& grid
   double first = std::floor(grid.RowOf(box.minY));
   double last = std::ceil(grid.RowOf(box.maxY));
   if (last < first) std::swap(first, last);
-  constexpr double kLimit = std::numeric_limits<std::int32_t>::max();
-  if (!(first >= -kLimit && last <= kLimit && last - first < static_cast<double>(kMostRows))) {
-    return std::nullopt;
-  }
-  return RowRange{static_cast<std::int64_t>(first), static_cast<std::int64_t>(last)};
+  constexpr double kExact = 9007199254740992.0;  // 2^53
+  return RowRange{TruncateTo64(std::clamp(first, -kExact, kExact)),
+                  TruncateTo64(std::clamp(last, -kExact, kExact))};
 }
 
 // A vertex between two edges that go on in the same direction belongs to one of them: the row of the edge
@@ -92,12 +94,14 @@ std::vector<Edge> EdgesOf(std::span<const Point2D> points, const Grid& grid, con
   return edges;
 }
 
-void AddCrossings(const Edge& edge, const Grid& grid, std::int64_t firstRow, std::vector<ScanRow>& rows) {
-  for (std::int64_t r = edge.rows.first; r <= edge.rows.last; ++r) {
+// Adds the edge's crossings with the rows `region`, which `rows` holds.
+void AddCrossings(const Edge& edge, const Grid& grid, const RowRange& region, std::vector<ScanRow>& rows) {
+  const RowRange crossed = Overlap(edge.rows, region);
+  for (std::int64_t r = crossed.first; r <= crossed.last; ++r) {
     const double x = (static_cast<double>(r) * edge.slope * grid.cellY + edge.intercept +
                       edge.slope * grid.originY - grid.originX) /
                      grid.cellX;
-    ScanRow& row = rows[static_cast<std::size_t>(r - firstRow)];
+    ScanRow& row = rows[static_cast<std::size_t>(r - region.first)];
     row.x.push_back(TruncateSaturated(x));
     ++row.count;
   }
@@ -114,6 +118,53 @@ void BoundCrossings(ScanRegion& region) {
     region.maxY = row.y;
     isFirst = false;
   }
+}
+
+// A polygon's edges, and the rows from its top to its bottom.
+struct Outline {
+  Grid grid;
+  RowRange rows;
+  std::vector<Edge> edges;
+};
+
+// Nothing for what makes no raster.
+std::optional<Outline> OutlineOf(std::int32_t count, const double* points, const Grid& grid) {
+  if (count < 3 || !points || !grid.IsUsable()) return std::nullopt;
+  std::vector<Point2D> polygon;
+  for (std::int64_t i = 0; i < count; ++i) polygon.push_back({points[2 * i], points[2 * i + 1]});
+  const auto rows = RowsOf(polygon, grid);
+  if (!rows) return std::nullopt;
+  return Outline{grid, *rows, EdgesOf(polygon, grid, *rows)};
+}
+
+// The first row that an odd number of edges crosses. It is one where the number changes: where an edge begins
+// or has just ended.
+std::optional<std::int64_t> FirstOddRow(std::span<const Edge> edges) {
+  std::vector<std::int64_t> changes;
+  for (const Edge& edge : edges) {
+    if (edge.rows.GetCount() > 0) changes.insert(changes.end(), {edge.rows.first, edge.rows.last + 1});
+  }
+  std::sort(changes.begin(), changes.end());
+  for (std::size_t i = 0; i < changes.size(); i += 2) {
+    if (changes[i] < changes[i + 1]) return changes[i];
+  }
+  return std::nullopt;
+}
+
+// Makes a region of the rows without its area. False, with the region as it was, if it is too large.
+bool Rasterize(const Outline& outline, const RowRange& rows, ScanRegion& region) {
+  std::int64_t nCrossings = 0;
+  for (const Edge& edge : outline.edges) nCrossings += Overlap(edge.rows, rows).GetCount();
+  if (rows.GetCount() > kMostRows || nCrossings > kMostCrossings) return false;
+  region.rowCount = static_cast<std::int32_t>(rows.GetCount());
+  region.rows.resize(static_cast<std::size_t>(region.rowCount));
+  for (std::int32_t i = 0; i < region.rowCount; ++i) {
+    region.rows[static_cast<std::size_t>(i)].y = static_cast<double>(rows.first + i);
+  }
+  for (const Edge& edge : outline.edges) AddCrossings(edge, outline.grid, rows, region.rows);
+  for (ScanRow& row : region.rows) std::sort(row.x.begin(), row.x.end());
+  BoundCrossings(region);
+  return true;
 }
 
 }  // namespace
@@ -136,26 +187,27 @@ std::int32_t ScanRegion::ComputeArea() {
 int RasterizePolygon(std::int32_t count, const double* points, double originX, double originY, double cellY,
                      double cellX, ScanRegion& region) {
   region = {};
-  const Grid grid = {originX, originY, cellY, cellX};
-  if (count < 3 || !points || !grid.IsUsable()) return -1;
-  std::vector<Point2D> polygon;
-  for (std::int64_t i = 0; i < count; ++i) polygon.push_back({points[2 * i], points[2 * i + 1]});
-  const auto table = RowsOf(polygon, grid);
-  if (!table) return -1;
-  const std::vector<Edge> edges = EdgesOf(polygon, grid, *table);
-  std::int64_t nCrossings = 0;
-  for (const Edge& edge : edges) nCrossings += edge.rows.GetCount();
-  if (nCrossings > kMostCrossings) return -1;
-
-  region.rowCount = static_cast<std::int32_t>(table->GetCount());
-  region.rows.resize(static_cast<std::size_t>(region.rowCount));
-  for (std::int32_t i = 0; i < region.rowCount; ++i) {
-    region.rows[static_cast<std::size_t>(i)].y = static_cast<double>(table->first + i);
-  }
-  for (const Edge& edge : edges) AddCrossings(edge, grid, table->first, region.rows);
-  for (ScanRow& row : region.rows) std::sort(row.x.begin(), row.x.end());
-  BoundCrossings(region);
+  const auto outline = OutlineOf(count, points, {originX, originY, cellY, cellX});
+  if (!outline) return -1;
+  constexpr std::int64_t kLimit = std::numeric_limits<std::int32_t>::max();
+  const RowRange& rows = outline->rows;
+  if (rows.first < -kLimit || rows.last > kLimit || !Rasterize(*outline, rows, region)) return -1;
   return region.ComputeArea() < 0 ? -1 : 1;
+}
+
+int RasterizePolygonRows(std::int32_t count, const double* points, double originX, double originY,
+                         double cellY, double cellX, std::int32_t firstRow, std::int32_t lastRow,
+                         ScanRegion& region) {
+  region = {};
+  const auto outline = OutlineOf(count, points, {originX, originY, cellY, cellX});
+  if (!outline) return -1;
+  const auto oddRow = FirstOddRow(outline->edges);
+  const bool isOdd = oddRow && *oddRow <= lastRow;
+  const RowRange rows = {std::max<std::int64_t>(outline->rows.first, firstRow),
+                         std::min<std::int64_t>(outline->rows.last, isOdd ? *oddRow - 1 : lastRow)};
+  if (!Rasterize(*outline, rows, region)) return -1;
+  region.ComputeArea();
+  return isOdd ? -1 : 1;
 }
 
 }  // namespace corvane

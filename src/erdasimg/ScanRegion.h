@@ -53,4 +53,13 @@ struct ScanRegion {
 int RasterizePolygon(std::int32_t count, const double* points, double originX, double originY, double cellY,
                      double cellX, ScanRegion& region);
 
+// The rows from `firstRow` to `lastRow` of that region alone, up to before the first row of the whole region
+// that has an odd number of crossings. However far the polygon reaches, these rows are all that is held.
+//
+// 1; -1 if there is such a row at or before `lastRow`. -1, with an empty region, as above, the limits being
+// on these rows.
+int RasterizePolygonRows(std::int32_t count, const double* points, double originX, double originY,
+                         double cellY, double cellX, std::int32_t firstRow, std::int32_t lastRow,
+                         ScanRegion& region);
+
 }  // namespace corvane

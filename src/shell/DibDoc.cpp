@@ -10,6 +10,7 @@ namespace corvane {
 void CDibDoc::SetDib(Dib dib) {
   dib_ = std::move(dib);
   size_ = {DibWidth(dib_), DibHeight(dib_)};
+  imagePath_.clear();
   UpdateAllViews();
 }
 

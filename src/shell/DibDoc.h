@@ -15,13 +15,18 @@ class CDibDoc : public CDocument {
 
   const Dib& GetDib() const { return dib_; }  // empty without a bitmap
 
-  // Takes a bitmap in place of the one that is there; the views see it.
+  // Takes a bitmap in place of the one that is there, which shows no image file; the views see it.
   void SetDib(Dib dib);
 
   // The bitmap's size, or that of the empty picture.
   PixelSize GetSize() const { return size_; }
   // Makes room for overlays without a bitmap.
   void SetEmptySize(PixelSize size);
+
+  // The image file that the bitmap shows: what a command has opened, though saving does not write over it, or
+  // else the document's own path; a bitmap taken over has none.
+  const std::string& GetImagePath() const { return imagePath_.empty() ? GetPathName() : imagePath_; }
+  void SetImagePath(const std::string& path) { imagePath_ = path; }
 
   // Reads a .bmp. One that can't be read has been told and leaves the document empty: -1 then.
   int OnOpenDocument(const std::string& path) override;
@@ -36,6 +41,7 @@ class CDibDoc : public CDocument {
  private:
   Dib dib_;
   PixelSize size_;
+  std::string imagePath_;
 };
 
 }  // namespace corvane

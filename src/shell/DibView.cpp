@@ -236,9 +236,13 @@ CDibDoc* OpenBitmapFile(CMainFrame& frame, const std::string& path) {
 CDibView* OpenImageWindow(CMainFrame& frame, const ErdasImg* image, const std::string& title) {
   if (!image) return &OpenEmptyWindow(frame, {}, title);
   Dib dib = image->MakeDib();
-  if (!dib.empty()) return &OpenBitmapWindow(frame, std::move(dib), title);
-  ShowWarning(ErdasImg::kNoMemoryText);
-  return nullptr;
+  if (dib.empty()) {
+    ShowWarning(ErdasImg::kNoMemoryText);
+    return nullptr;
+  }
+  CDibView& view = OpenBitmapWindow(frame, std::move(dib), title);
+  view.GetDocument().SetImagePath(image->GetFileName());
+  return &view;
 }
 
 }  // namespace corvane

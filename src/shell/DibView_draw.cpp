@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
 
 #include "numerics/Truncate.h"
 #include "shell/DibView.h"
@@ -18,12 +19,31 @@ constexpr int kPolylineWidth = 2;
 constexpr std::int64_t kPointArm = 3;       // of the cross at a point
 constexpr std::int64_t kLabelReach = 1000;  // a label may show that far from its place
 
+// Of more labels than these one is drawn in each cell: others could not be read, and take long.
+constexpr std::size_t kManyLabels = 5000;
+constexpr std::int64_t kLabelWidth = 64;
+constexpr std::int64_t kLabelHeight = 16;
+
 constexpr std::size_t kBatch = 8192;  // segments handed to the canvas at a time
 
 // In a picture file the longer side has about this many pixels at least and at most.
 constexpr std::int32_t kSmallestPicture = 400;
 constexpr std::int32_t kLargestPicture = 4000;
 constexpr std::int32_t kMostEnlarged = 16;
+
+// The cells of the content in which a label stands.
+class LabelCells {
+ public:
+  // False if there is one already.
+  bool Take(PixelPoint place) {
+    const std::int64_t col = place.x / kLabelWidth;
+    const std::int64_t row = place.y / kLabelHeight;
+    return taken_.insert(row * (std::int64_t{1} << 32) + col).second;
+  }
+
+ private:
+  std::unordered_set<std::int64_t> taken_;
+};
 
 // Collects segments in bitmap pixels for the canvas: those that may show.
 class OverlayPainter {
@@ -47,15 +67,21 @@ class OverlayPainter {
     Add({ToContent(x0, y0), ToContent(x1, y1)});
   }
 
-  void AddText(double x, double y, const std::string& text) {
+  void AddTexts(const std::vector<ViewLabel>& labels) {
+    LabelCells cells;
+    LabelCells* const thinned = labels.size() > kManyLabels ? &cells : nullptr;
+    for (const ViewLabel& label : labels) AddText(label.x, label.y, label.text, thinned);
+  }
+
+ private:
+  void AddText(double x, double y, const std::string& text, LabelCells* cells) {
     if (!std::isfinite(x) || !std::isfinite(y)) return;
     const PixelPoint at = ToContent(x, y);
     if (at.x < visible_.left - kLabelReach || at.x >= visible_.right + kLabelReach) return;
     if (at.y < visible_.top - kLabelReach || at.y >= visible_.bottom + kLabelReach) return;
-    canvas_.DrawLabel(at, text);
+    if (!cells || cells->Take(at)) canvas_.DrawLabel(at, text);
   }
 
- private:
   PixelPoint ToContent(double x, double y) const {
     return {TruncateTo64(std::floor(x * zoom_)), TruncateTo64(std::floor(y * zoom_))};
   }
@@ -128,8 +154,7 @@ void CDibView::DrawOverlay(Canvas& canvas, double zoom) const {
   }
   if (!m_showLabels) return;
   canvas.SetPen(kLabelColour, 1);
-  OverlayPainter painter(canvas, zoom);
-  for (const ViewLabel& label : m_labels) painter.AddText(label.x, label.y, label.text);
+  OverlayPainter(canvas, zoom).AddTexts(m_labels);
 }
 
 }  // namespace corvane

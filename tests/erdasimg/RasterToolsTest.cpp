@@ -32,6 +32,36 @@ std::vector<double> Numbers(int n) {
   return numbers;
 }
 
+// MakeImage
+
+TEST(MakeImage, TakesTheHeaderAndTheSizeCutTowardsZero) {
+  ErdasHeader header = HeaderOf(kPackInt16, 2, 77, 88);
+  header.xStart = 5;
+  header.mapType = 9;
+  ErdasImg image;
+  ASSERT_EQ(MakeImage(header, 3.9, 4.1, image), 1);
+  header.rows = 3;
+  header.cols = 4;
+  EXPECT_EQ(BytesOf(*image.GetHeader()), BytesOf(header));
+  EXPECT_EQ(BandBytes(image, 1), std::string(24, '\0'));
+}
+
+TEST(MakeImage, RefusesSizesThatMakeNone) {
+  ErdasImg image;
+  for (const double size : {0.0, 0.99, -1.0, std::nan(""), -double{kInfinity}}) {
+    EXPECT_EQ(MakeImage(HeaderOf(kPackByte, 1, 1, 1), size, 4.0, image), -1) << size;
+    EXPECT_EQ(MakeImage(HeaderOf(kPackByte, 1, 1, 1), 4.0, size, image), -1) << size;
+  }
+  for (const double size : {2147483648.0, 1e300, double{kInfinity}}) {
+    EXPECT_EQ(MakeImage(HeaderOf(kPackByte, 1, 1, 1), size, 4.0, image), -2) << size;
+    EXPECT_EQ(MakeImage(HeaderOf(kPackByte, 1, 1, 1), 4.0, size, image), -2) << size;
+  }
+  // More than the machine's memory: as many bytes in 65535 bands.
+  const double rows = static_cast<double>(BytesOfMachine()) / 65535 / 1000 + 2;
+  EXPECT_EQ(MakeImage(HeaderOf(kPackByte, 65535, 1, 1), rows, 1000.0, image), -2);
+  EXPECT_FALSE(image.HasPixels());
+}
+
 // FlatDem
 
 TEST(FlatDem, CentreOfTheFirstCellIsItsPlace) {

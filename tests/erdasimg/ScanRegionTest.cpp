@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 namespace corvane {
 namespace {
@@ -185,6 +186,74 @@ TEST(ScanRegion, RowsThatAreCountedButNotThereDoNotMatter) {
   EXPECT_EQ(region.ComputeArea(), 3);
   region.rowCount = -1;
   EXPECT_EQ(region.ComputeArea(), 0);
+}
+
+// RasterizePolygonRows
+
+// The rows of the whole region that a range of rows is to have: up to before its first odd one.
+std::vector<ScanRow> RowsWithin(const ScanRegion& whole, std::int32_t firstRow, std::int32_t lastRow,
+                                int& status) {
+  std::vector<ScanRow> rows;
+  status = 1;
+  for (const ScanRow& row : whole.rows) {
+    if (row.y > lastRow) break;
+    if (row.count % 2 != 0) {
+      status = -1;
+      break;
+    }
+    if (row.y >= firstRow) rows.push_back(row);
+  }
+  return rows;
+}
+
+TEST(RasterizePolygonRows, RowsAreThoseOfTheWholePolygon) {
+  std::mt19937 random(5);
+  int nOdd = 0;
+  for (int n = 0; n < 3000; ++n) {
+    const bool isFlat = n % 2 == 0;  // with sides that are nearly level
+    std::uniform_real_distribution<double> x(-30, 30);
+    std::uniform_real_distribution<double> y(isFlat ? -3 : -30, isFlat ? 3 : 30);
+    std::vector<double> points;
+    for (int i = 0; i < 4; ++i) points.insert(points.end(), {x(random), y(random)});
+    const double cellY = n % 3 == 0 ? 0.7 : -0.7;
+    ScanRegion whole;
+    Rasterize(points, whole, cellY, 1.3, 2.0, 1.0);
+    for (const auto& [first, last] : {std::pair{0, 9}, {-100, 100}, {-5, -1}, {3, 3}, {60, 70}, {4, 2}}) {
+      int status = 1;
+      const auto expected = RowsWithin(whole, first, last, status);
+      ScanRegion part;
+      EXPECT_EQ(RasterizePolygonRows(4, points.data(), 2.0, 1.0, cellY, 1.3, first, last, part), status);
+      ASSERT_EQ(part.rows.size(), expected.size());
+      for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(part.rows[i].y, expected[i].y);
+        EXPECT_EQ(part.rows[i].count, expected[i].count);
+        EXPECT_EQ(part.rows[i].x, expected[i].x);
+      }
+      nOdd += status < 0 ? 1 : 0;
+    }
+  }
+  EXPECT_GT(nOdd, 100);
+}
+
+TEST(RasterizePolygonRows, OfAPolygonThatIsFarTooLarge) {
+  const double points[8] = {-1e15, 1e15, 1e15, 1e15, 1e15, -1e15, -1e15, -1e15};
+  ScanRegion region;
+  EXPECT_EQ(RasterizePolygon(4, points, 0, 0, -1, 1, region), -1);
+  ASSERT_EQ(RasterizePolygonRows(4, points, 0, 0, -1, 1, 10, 12, region), 1);
+  ASSERT_EQ(region.rowCount, 3);
+  EXPECT_EQ(region.rows[0].y, 10.0);
+  EXPECT_EQ(region.rows[2].x, (std::vector<double>{INT32_MIN, INT32_MAX}));
+}
+
+TEST(RasterizePolygonRows, WhatMakesNoRaster) {
+  ScanRegion region;
+  const double infinity = std::numeric_limits<double>::infinity();
+  const double points[8] = {0, 0, 0, -5, 5, -5, 5, infinity};
+  EXPECT_EQ(RasterizePolygonRows(4, points, 0, 0, -1, 1, 0, 5, region), -1);
+  EXPECT_EQ(region.rowCount, 0);
+  EXPECT_EQ(RasterizePolygonRows(2, points, 0, 0, -1, 1, 0, 5, region), -1);
+  EXPECT_EQ(RasterizePolygonRows(3, points, 0, 0, 0, 1, 0, 5, region), -1);
+  EXPECT_EQ(RasterizePolygonRows(3, nullptr, 0, 0, -1, 1, 0, 5, region), -1);
 }
 
 }  // namespace

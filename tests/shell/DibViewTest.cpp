@@ -152,6 +152,25 @@ TEST_F(DibViewTest, RedrawTellsTheOverlay) {
   EXPECT_THAT(ui.EventsWith("overlay"), ElementsAre("overlay: a.lan 2 0 1"));
 }
 
+TEST_F(DibViewTest, OfVeryManyLabelsOneIsDrawnInACell) {
+  CDibView& view = Show(SmallImage());
+  // 20 x 20 pixels, each with labels, in an area of 7 x 25 cells of 64 x 16.
+  const auto fill = [&](std::size_t n) {
+    view.m_labels.clear();
+    for (std::size_t i = 0; i < n; ++i) {
+      view.m_labels.push_back(
+          {20.0 * static_cast<double>(i % 20), 20.0 * static_cast<double>(i / 20 % 20), "7"});
+    }
+  };
+  fill(5000);
+  EXPECT_EQ(Drawn(view).labels.size(), 5000u);
+  fill(200000);
+  const auto labels = Drawn(view).labels;
+  EXPECT_EQ(labels.front().place, (PixelPoint{0, 0})) << "the first of a cell";
+  EXPECT_EQ(labels[1].place, (PixelPoint{80, 0}));
+  EXPECT_EQ(labels.size(), 6u * 20u) << "380 / 64 is 5, and each 20 pixels there is another row of cells";
+}
+
 TEST_F(DibViewTest, LTogglesTheLabels) {
   CDibView& view = Show(SmallImage());
   view.m_labels = {{0, 0, "a"}};
@@ -276,6 +295,29 @@ TEST_F(DibViewTest, PasteReplacesThePicture) {
   EXPECT_EQ(view.m_points.size(), 2u);
   EXPECT_EQ(ui.EventsWith("status").back(),
             "status 0: 5 rows, 9 columns, 24 bits a pixel. What lies over the picture stays.");
+}
+
+TEST_F(DibViewTest, TheDocumentKnowsTheImageFileThatItShows) {
+  ErdasImg image = SmallImage();
+  image.SetFileName("deep/a.lan");
+  CDibDoc& document = Show(image).GetDocument();
+  EXPECT_EQ(document.GetImagePath(), "deep/a.lan");
+  EXPECT_EQ(document.GetPathName(), "") << "Save does not write over the image";
+  document.SetPathName("copy.bmp", false);
+  EXPECT_EQ(document.GetImagePath(), "deep/a.lan") << "saving a copy changes nothing";
+
+  ASSERT_EQ(WriteDib(MakeBlackDib(8, 2, 8), "b.bmp"), 1);
+  EXPECT_EQ(OpenBitmapFile(app.GetMainFrame(), "b.bmp")->GetImagePath(), "b.bmp");
+  EXPECT_EQ(OpenImageWindow(app.GetMainFrame(), nullptr, "points")->GetDocument().GetImagePath(), "");
+}
+
+TEST_F(DibViewTest, ABitmapTakenOverIsNoImageFile) {
+  ErdasImg image = SmallImage();
+  image.SetFileName("a.lan");
+  CDibView& view = Show(image);
+  ui.clipboard = MakeBlackDib(8, 2, 8);
+  view.OnEditItem(EditItem::Paste);
+  EXPECT_EQ(view.GetDocument().GetImagePath(), "");
 }
 
 TEST_F(DibViewTest, PasteOfWhatIsNoBitmapIsTold) {

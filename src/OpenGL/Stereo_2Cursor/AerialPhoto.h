@@ -12,6 +12,7 @@
 #include "erdasimg/ErdasImg.h"
 #include "numerics/Matrix.h"
 #include "numerics/Point2.h"
+#include "numerics/Point3.h"
 
 namespace corvane {
 
@@ -65,7 +66,9 @@ class AerialPhoto {
   //   principalX principalY
   //   pixelSizeX pixelSizeY           may be missing
 
-  // Reads a record. What a short or malformed text lacks stays as it was. -1 for null.
+  // Reads a record. What a short or malformed text lacks stays as it was. 1; -1 for null.
+  // Kept: at the end the angles are turned from degrees and the principal point comes off A whether or not
+  // they have been read.
   int ReadOrientation(TextScanner* text);
 
   // Reads the file and makes all matrices. -1, silently, if it does not open or the path is empty.
@@ -123,20 +126,31 @@ class AerialPhoto {
 
   // The vector to the other photo's perspective centre, and with it epipolarMap = S Rt A.
   void ComputeBase(const AerialPhoto& other);
-  // The coefficients (a, b, c) of a col + b row + c = 0 in the other photo, of a pixel p of the photo whose
-  // epipolarMap this is: Qt (epipolarMap (col, row, 1)), Q being the other photo's. The caller sees to it
-  // that this photo's Q is the other's, as it is for photos of one rotation and interior orientation.
+  // The coefficients (a, b, c) of the line a col + b row + c = 0 on which the other photo shows what the
+  // pixel p shows: Qt (epipolarMap (col, row, 1)). Both matrices are this photo's: Q is the other's only for
+  // photos of one rotation and interior orientation. Else the other photo takes this one's epipolarMap over,
+  // and is asked for the line.
   int EpipolarLine(const double p[2], double out[3]) const;
+  // Looks along the line row = line[0] col + line[1] for the prominent pixel (threshold 0.3) whose
+  // surroundings correlate best with `window`, whose sums it makes: in the columns from firstCol to lastCol,
+  // and in maxRowDisparity rows to either side of the line, cut to a whole row. The first of equals goes to
+  // `best`, whole numbers. All are columns and rows of the whole scan. Returns the score;
+  // 2.220446049250313e-16, with `best` as it was, if none is above zero.
+  double SearchEpipolar(ErdasImg& window, int firstCol, int lastCol, const double line[2],
+                        Point2& best) const;
 
   // Epipolar images (AerialPhoto_resample.cpp): this photo is the epipolar one, a virtual photo with the
-  // source's perspective centre. Extents are (min x, min y, 1, max x, max y, 1).
+  // source's perspective centre. Extents are (min x, min y, 1, max x, max y, 1), on the plane with z = -f in
+  // the place of 1.
 
   // Replaces the extent, pixels of the source, by what its corners cover on this photo's plane.
   void MapExtentFrom(const AerialPhoto& source, double extent[6]) const;
   // H = source photoToImage x source R x this Rt x this A: from this photo's pixels to the source's.
   void BuildResampleMap(const AerialPhoto& source);
-  // Makes `image` and A for the extent, photo coordinates, in cells of |cell|: for each pixel the source's
-  // nearest one, or 0 in all bands outside of it. -1 if there is no image of that size, or no memory for it.
+  // Makes `image` and A for the extent, photo coordinates, in cells of |cell|: pixel (0, 0) is its upper left
+  // corner. Each pixel is the source's nearest one, col = trunc(u / w + 0.5), row = trunc(v / w + 0.5) of
+  // (u, v, w) = H (col, row, 1), or 0 in all bands outside of it. The header is the source's but for size,
+  // place and cell. 1; -1, with A made, if there is no image of that size, or no memory for it.
   int ResampleFrom(const AerialPhoto& source, const double extent[6], double cell);
 
   // Orthophotos (AerialPhoto_ortho.cpp).
@@ -145,10 +159,53 @@ class AerialPhoto {
   // Kept: rows are taken for columns there, and columns for rows.
   void FootprintAtHeight(const CropFractions& fractions, double z, Footprint& out) const;
   // Paints this photo's pixels into those of `output` (xMap, yMap, xCell, yCell) that the footprint covers,
-  // each at its height in `dem`. Cells beyond the DEM take the height of the cell before them, first 0.0.
-  // 1; 0 for a null argument, or at a scan line with an odd number of crossings, where painting stops.
+  // each at its height in `dem`. Cells beyond the DEM take the height of the cell before them in the run,
+  // first 0.0. A footprint in the image, (col, row) each, is that of the plane at the height under the
+  // camera. 1; 0 for a null argument, for numbers that make no raster, without memory, or at a scan line with
+  // an odd number of crossings, where painting stops.
   int OrthoFill(const Footprint* footprint, bool footprintIsInImage, const ErdasImg* dem,
                 ErdasImg* output) const;
+
+  // Ground points in the image (AerialPhoto_points.cpp).
+
+  // Makes groundPoints anew: the points under their ids, with their heights and values, but at the columns
+  // and rows of the image in memory. Its extent in x and y is that of the eight corners of `points`' extent,
+  // and 1000 pixels more on each side. Its spacing is what that of `points` comes to in whole pixels below
+  // the perspective centre at the lowest height, 0 if it is less than a pixel. It has no index. Points that
+  // can't be projected are at places that are no numbers. 1; -1, with no groundPoints, without memory.
+  // Kept: what is taken off columns and rows are the low 16 bits of xStart and yStart, with a sign.
+  int ProjectPoints(const TINPoints& points);
+  // Projects a ground point to the position in groundPoints that is its id. -1 if there is none.
+  int AddPoint(const PointRecord& point);
+  // Moves a ground point along its ray, so that it comes to be higher by `difference`: X += (X - Xs)
+  // difference / (Z - Zs), Y likewise.
+  int RaiseToHeight(double difference, Point3& point) const;
+
+  // A display of the image (AerialPhoto_display.cpp). Columns and rows are those of the image in memory, as
+  // in groundPoints.
+
+  // The window of nCols x nRows pixels, at most, around a place of the image: it begins at trunc(col) -
+  // nCols / 2, and is cut to the image. windowChanged becomes true if it is not the one before. 1; 0 if
+  // nothing is left: the window is empty then, which windowRight and windowBottom of -1 tell.
+  int SetViewWindow(double col, double row, int nCols, int nRows);
+  // Cuts the window out of the image, whose subset it becomes, and sets windowChanged to false. 1; 0 if the
+  // subset is this window already; -1 if there is no window, or no memory for it, which is told.
+  int FetchWindow();
+  // The position in groundPoints of the live point that is nearest to a place and nearer than `radius`, the
+  // first of equals; -1 if there is none.
+  std::int32_t FindPoint(double col, double row, double radius) const;
+  // Adds that point to pickedPoints by AddPicked, or appends it to the list. Its position, or -1.
+  std::int32_t PickPoint(double col, double row, double radius);
+  std::int32_t PickPointIntoList(double col, double row, double radius, std::vector<PointRecord>& list) const;
+  // Adds to pickedPoints the live points of a rectangle, all edges included. Returns how many are new.
+  std::int32_t PickInRegion(double left, double top, double right, double bottom);
+  // Appends a point to pickedPoints. 1; 0 if one of its id is there already.
+  int AddPicked(const PointRecord& point);
+  void ClearPicked() { pickedPoints.clear(); }
+  // Appends the points picked to a list, such as markedPoints.
+  void CopyPicked(std::vector<PointRecord>& list) const;
+  // Takes the first point off markedPoints. False if there is none.
+  bool TakeFirstMarked(PointRecord& point);
 
   std::string name;   // the image's path, or the first word of its line in a project
   std::string label;  // the second word there
@@ -191,22 +248,40 @@ class AerialPhoto {
   std::int32_t startY = 0;
   int maxRowDisparity = 1;  // rows to either side of an epipolar line
 
-  // A window of the image for display.
+  // A window of the image for display, all ends included, and the columns and rows that cutting it to the
+  // image has taken off at its left and top.
   int windowOffsetX = 0;
   int windowOffsetY = 0;
   int windowTop = 0;
-  int windowBottom = 0;
+  int windowBottom = -1;
   int windowLeft = 0;
-  int windowRight = 0;
+  int windowRight = -1;
   std::unique_ptr<TINPoints> groundPoints;  // projected into this image
   bool windowChanged = true;                // since the image was fetched last
   std::vector<PointRecord> pickedPoints;
   std::vector<PointRecord> markedPoints;
+
+ private:
+  PointRecord Projected(const PointRecord& point) const;
 };
 
 // AerialPhoto::Intersect with the base from both perspective centres.
 int IntersectRays(const AerialPhoto& left, const AerialPhoto& right, const double pLeft[2],
                   const double pRight[2], double out[3]);
+
+// Looks for the height at which both photos show the same around (point.x, point.y): from zStart + zStep on
+// by repeated addition, up to the first that is not below zEnd. Windows of width x height pixels, of which
+// the first is the projected place less half the window, cut to whole numbers, are compared by
+// ErdasImg::CorrelateWindow. The height with the highest score, the lowest of equals, goes to point.z.
+// Returns the score; 2.220446049250313e-16, with the point as it was, if none is above zero.
+//
+// Also ends where a step does not raise the height, and after kMaxHeights. A window without pixels, or with
+// more than kMaxWindow, has no score.
+// Kept: windows may reach beyond the images, where pixels are 0; two flat ones score 1.0.
+double VerticalLineSearch(AerialPhoto& left, const AerialPhoto& right, Point3& point, double zEnd,
+                          double zStart, double zStep, int width, int height);
+constexpr int kMaxHeights = 1 << 20;
+constexpr std::int64_t kMaxWindow = std::int64_t{1} << 26;
 
 // The path of an orientation file as it is, or with its extension in the other case, ".ORN" for ".orn" or the
 // other way round, if only that is there.
