@@ -14,15 +14,10 @@ namespace {
 constexpr int kSamplesPerCell = 2;
 constexpr double kStep = AerialPicture::kCellSize / kSamplesPerCell;  // metres
 
-// The direction to the sun: east, north, up; a unit vector. Over level ground it rises 4 / 3 metres a metre.
-constexpr double kSunEast = 0.48;
-constexpr double kSunNorth = -0.36;
-constexpr double kSunUp = 0.8;
-constexpr double kSunRise = 4.0 / 3.0;
-constexpr double kSunHeading[2] = {0.8, -0.6};  // its direction on the map
-constexpr double kLongestShadow = 20.0;         // metres
-
-constexpr double kSkyLight = 0.3;  // the share of light that does not come from the sun
+// The sun over the map: where it stands, and how far it rises.
+constexpr double kSunRise = 4.0 / 3.0;  // metres a metre on the map
+constexpr double kSunHeading[2] = {0.8, -0.6};
+constexpr double kLongestShadow = 20.0;  // metres
 
 // Samples of the scene from above: heights in metres, and how bright the surface is in full light.
 struct Relief {
@@ -135,9 +130,7 @@ double Light(const Relief& relief, std::int64_t row, std::int64_t col) {
   if (IsInShadow(relief, row, col)) return kSkyLight;
   const double east = Slope(relief, row, col, 0, 1);
   const double north = Slope(relief, row, col, 1, 0);
-  const double towardsSun =
-      (kSunUp - east * kSunEast - north * kSunNorth) / std::sqrt(1.0 + east * east + north * north);
-  return kSkyLight + (1.0 - kSkyLight) * std::max(towardsSun, 0.0) / kSunUp;
+  return SunLight(east, north);
 }
 
 double Brightness(const Relief& relief, std::int64_t row, std::int64_t col) {

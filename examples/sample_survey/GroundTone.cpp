@@ -1,5 +1,6 @@
 #include "sample_survey/GroundTone.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace corvane {
@@ -10,6 +11,11 @@ constexpr double kRoadHalfWidth = 2.5;  // metres
 constexpr double kRoadTone = 205.0;
 constexpr double kGrassTone = 125.0;
 constexpr double kWoodFloorTone = 75.0;
+
+// The direction to the sun: east, north, up; a unit vector.
+constexpr double kSunEast = 0.48;
+constexpr double kSunNorth = -0.36;
+constexpr double kSunUp = 0.8;
 
 // Crops stand in rows, north-south or east-west, and each field has its own tone.
 double FieldTone(std::uint64_t seed, double east, double north) {
@@ -55,6 +61,12 @@ double GroundTone(const Scene& scene, std::uint64_t seed, double east, double no
     default:
       return FieldTone(seed, east, north);
   }
+}
+
+double SunLight(double slopeEast, double slopeNorth) {
+  const double towardsSun = (kSunUp - slopeEast * kSunEast - slopeNorth * kSunNorth) /
+                            std::sqrt(1.0 + slopeEast * slopeEast + slopeNorth * slopeNorth);
+  return kSkyLight + (1.0 - kSkyLight) * std::max(towardsSun, 0.0) / kSunUp;
 }
 
 }  // namespace corvane

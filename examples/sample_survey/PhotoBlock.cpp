@@ -15,12 +15,6 @@ constexpr double kSquare = GroundRaster::kCellSize / kSquaresPerCell;  // metres
 constexpr std::int64_t kPaintCols = GroundRaster::kCols * kSquaresPerCell;
 constexpr std::int64_t kPaintRows = GroundRaster::kRows * kSquaresPerCell;
 
-// The light comes from the south-east, as in the picture from above.
-constexpr double kSunEast = 0.48;
-constexpr double kSunNorth = -0.36;
-constexpr double kSunUp = 0.8;
-constexpr double kSkyLight = 0.3;
-
 // Between the cells of a raster whose first cell has its centre at (0, 0).
 template <typename CellAt>
 double Bilinear(double col, double row, std::int64_t nCols, std::int64_t nRows, CellAt cellAt) {
@@ -54,9 +48,7 @@ double Light(const GroundRaster& ground, double east, double north) {
       (ground.HeightAt(east + step, north) - ground.HeightAt(east - step, north)) / (2.0 * step);
   const double slopeNorth =
       (ground.HeightAt(east, north + step) - ground.HeightAt(east, north - step)) / (2.0 * step);
-  const double towardsSun = (kSunUp - slopeEast * kSunEast - slopeNorth * kSunNorth) /
-                            std::sqrt(1.0 + slopeEast * slopeEast + slopeNorth * slopeNorth);
-  return kSkyLight + (1.0 - kSkyLight) * std::max(towardsSun, 0.0) / kSunUp;
+  return SunLight(slopeEast, slopeNorth);
 }
 
 // Places from the survey's corner in metres, angles in degrees.
