@@ -12,9 +12,10 @@ constexpr double ToDegrees(double radians) {
   return radians * 180.0 / kPi;
 }
 
-// The functions of the C library, but correctly rounded: the one double nearest to the true value, and so the
-// same bits on every machine. (The C library's own ones come in several versions, of which it takes the one
-// that fits the processor; their last bits differ.) NaN where those give it. Arguments in radians.
+// The functions of the C library, but correctly rounded: the one double nearest to the true value (for
+// results from 2^-1022 on; smaller ones may be the next but one), and so the same bits on every machine. (The
+// C library's own ones come in several versions, of which it takes the one that fits the processor; their
+// last bits differ.) NaN where those give it. Arguments in radians.
 //
 // Cost: some microseconds a call. Take them out of loops over pixels and points.
 double Sin(double angle);

@@ -254,9 +254,15 @@ void CMainWindow::CommandEnded(CommandResult result) {
 }
 
 void CMainWindow::ShowEnd(CommandResult result) {
-  static constexpr const char* kTexts[] = {"Done.", "Failed.", "Cancelled."};
-  if (messageSet_ && result != CommandResult::Failed) return;
-  panes_->SetText(0, kTexts[static_cast<int>(result)]);
+  const std::string last = messageSet_ ? panes_->GetText(0).toStdString() : "";
+  switch (result) {
+    case CommandResult::Done:
+      return panes_->SetText(0, last.empty() ? "Done." : last);
+    case CommandResult::Failed:  // what the command has told last is the reason, or how far it came
+      return panes_->SetText(0, last.empty() ? "Failed." : "Failed: " + last);
+    case CommandResult::Cancelled:
+      return panes_->SetText(0, "Cancelled.");
+  }
 }
 
 void CMainWindow::OpenPath(const std::string& path) {

@@ -17,6 +17,7 @@ void CDibDoc::SetDib(Dib dib) {
 void CDibDoc::SetEmptySize(PixelSize size) {
   dib_.clear();
   size_ = size;
+  imagePath_.clear();
   UpdateAllViews();
 }
 

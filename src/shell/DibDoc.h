@@ -23,9 +23,8 @@ class CDibDoc : public CDocument {
   // Makes room for overlays without a bitmap.
   void SetEmptySize(PixelSize size);
 
-  // The image file that the bitmap shows: what a command has opened, though saving does not write over it, or
-  // else the document's own path; a bitmap taken over has none.
-  const std::string& GetImagePath() const { return imagePath_.empty() ? GetPathName() : imagePath_; }
+  // The image file that the bitmap was read from, which saving does not write over; "" if there is none.
+  const std::string& GetImagePath() const { return imagePath_; }
   void SetImagePath(const std::string& path) { imagePath_ = path; }
 
   // Reads a .bmp. One that can't be read has been told and leaves the document empty: -1 then.

@@ -229,6 +229,7 @@ CDibDoc* OpenBitmapFile(CMainFrame& frame, const std::string& path) {
     return nullptr;
   }
   document.SetPathName(path, false);
+  document.SetImagePath(path);
   document.AddView();
   return &document;
 }

@@ -157,7 +157,10 @@ TEST_F(ShowGroundPointsTest, AHugeExtentCapsThePicture) {
 TEST_F(ShowGroundPointsTest, WithoutAnOrientationNothingIsDrawn) {
   ShowPhoto();
   StorePoints();
-  ExpectFailure(kCommand, {{"p.pts"}}, {"message warning: Open file deep/a.ORN error!"});
+  ExpectFailure(
+      kCommand, {{"p.pts"}},
+      {"message warning: Open file deep/a.ORN error!\nThe orientation of a.lan stands beside it, in a "
+       "file .ORN or .orn."});
   EXPECT_THAT(Window()->m_points, IsEmpty());
 }
 
@@ -217,7 +220,52 @@ TEST_F(ShowGroundPointsTest, AnEmptyOrientationDoesNoHarm) {
     ui.files = {{"p.pts"}};
     EXPECT_EQ(Run(kCommand), CommandResult::Done);
     EXPECT_EQ(Window()->m_points.size(), 6u);
+    EXPECT_THAT(
+        ui.EventsWith("status").back(),
+        testing::EndsWith("The numbers in deep/a.ORN make no orientation: it is cut short, or a word stands "
+                          "among them."));
   }
+}
+
+TEST_F(ShowGroundPointsTest, APointAboveTheCameraIsNotInTheImage) {
+  ShowPhoto();
+  WriteFileBytes("deep/a.ORN", kOrientation);
+  WriteFileBytes("p.pts", PointsBytes(2, {95, 203, 105, 196, 1, 1}, {95, 203, 0, 1, 105, 197, 3000, 2}));
+  ui.files = {{"p.pts"}};
+  EXPECT_EQ(Run(kCommand), CommandResult::Done);
+  EXPECT_EQ(Window()->m_points.size(), 4u) << "it is drawn all the same";
+  EXPECT_EQ(ui.EventsWith("status").back(), "status 0: 2 points projected, 1 of them in the image.");
+}
+
+TEST_F(ShowGroundPointsTest, LabelsThatWereHiddenShow) {
+  ShowPhoto();
+  StorePoints();
+  WriteFileBytes("deep/a.ORN", kOrientation);
+  Window()->m_showLabels = 0;
+  ui.files = {{"p.pts"}};
+  EXPECT_EQ(Run(kCommand), CommandResult::Done);
+  EXPECT_EQ(Window()->m_showLabels, 1);
+}
+
+TEST_F(ShowGroundPointsTest, WithoutAnImageTheExtentIsThatOfTheSet) {
+  WriteFileBytes("p.pts", PointsBytes(2, {0, 300, 200, 0, 1, 1}, {95, 203, 0, 1, 105, 196, 0, 2}));
+  ui.files = {{"p.pts"}};
+  EXPECT_EQ(Run(kCommand), CommandResult::Done);
+  EXPECT_EQ(Window()->GetScrollSize(), (PixelSize{201, 301}));
+  ExpectPoints({95, 97, 105, 104});
+}
+
+TEST_F(ShowGroundPointsTest, PointsWithoutAPlaceDoNotSpoilTheOthers) {
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  WriteFileBytes("p.pts",
+                 PointsBytes(3, {0, 0, 0, 0, 1, 1}, {kNaN, kNaN, 0, 1, 95, 203, 0, 1, 105, 196, 0, 2}));
+  WriteFileBytes("none.pts", PointsBytes(1, {0, 0, 0, 0, 1, 1}, {kNaN, 1, 0, 1}));
+  ui.files = {{"p.pts"}};
+  EXPECT_EQ(Run(kCommand), CommandResult::Done);
+  EXPECT_EQ(Window()->GetScrollSize(), (PixelSize{11, 8}));
+  EXPECT_EQ(ui.EventsWith("status").back(),
+            "status 0: 3 points, without an image. Points without a place: 1.");
+  ExpectFailure(kCommand, {{"none.pts"}}, {"message warning: Open point file none.pts error!"});
 }
 
 TEST_F(ShowGroundPointsTest, CancelShowsNothing) {

@@ -341,7 +341,8 @@ TEST(MainWindow, MessagePaneTellsHowACommandEnded) {
   EXPECT_EQ(run(nullptr, CommandResult::Done), "Done.");
   EXPECT_EQ(run(nullptr, CommandResult::Failed), "Failed.");
   EXPECT_EQ(run(nullptr, CommandResult::Cancelled), "Cancelled.");
-  EXPECT_EQ(run("Reading TIN from a.tin", CommandResult::Failed), "Failed.");
+  EXPECT_EQ(run("Reading TIN from a.tin", CommandResult::Failed), "Failed: Reading TIN from a.tin");
+  EXPECT_EQ(run("Reading TIN from a.tin", CommandResult::Cancelled), "Cancelled.");
 }
 
 TEST(MainWindow, OtherFilesCanNotBeDropped) {

@@ -318,6 +318,8 @@ TEST_F(DibViewTest, ABitmapTakenOverIsNoImageFile) {
   ui.clipboard = MakeBlackDib(8, 2, 8);
   view.OnEditItem(EditItem::Paste);
   EXPECT_EQ(view.GetDocument().GetImagePath(), "");
+  view.GetDocument().SetPathName("pasted.bmp", false);
+  EXPECT_EQ(view.GetDocument().GetImagePath(), "");
 }
 
 TEST_F(DibViewTest, PasteOfWhatIsNoBitmapIsTold) {

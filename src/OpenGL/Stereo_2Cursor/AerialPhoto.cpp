@@ -1,7 +1,9 @@
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <new>
 
 #include "TIN/TINPoints.h"
@@ -75,6 +77,15 @@ void AerialPhoto::SetExterior(double f, double px, double py, double x, double y
   phi = newPhi;
   kappa = newKappa;
   ComputeRotation();
+}
+
+bool AerialPhoto::IsOriented() const {
+  const ConstMatrix a = imageToPhoto.get();
+  const double numbers[] = {focalLength, omega,   phi,     kappa,   perspectiveX, perspectiveY, perspectiveZ,
+                            a[0][0],     a[0][1], a[0][2], a[1][0], a[1][1],      a[1][2]};
+  const auto isFinite = [](double number) { return std::isfinite(number); };
+  if (!std::all_of(std::begin(numbers), std::end(numbers), isFinite)) return false;
+  return focalLength != 0.0 && a[0][0] * a[1][1] - a[0][1] * a[1][0] != 0.0;
 }
 
 double AerialPhoto::GetScale() const {

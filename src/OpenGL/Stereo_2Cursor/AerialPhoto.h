@@ -82,6 +82,9 @@ class AerialPhoto {
   // at all. -1, with a warning, if it can't be written.
   int WriteOrientation(const std::string& path, const std::string& word) const;
 
+  // The same, silently.
+  int StoreOrientation(const std::string& path, const std::string& word) const;
+
   // Reads the image, and takes startX and startY from its header. Always 1.
   int OpenImage(const std::string& path);
   void CloseImage() { image.Free(); }
@@ -97,6 +100,9 @@ class AerialPhoto {
   // Stores the elements and makes R alone: P and Q stay.
   void SetExterior(double f, double principalX, double principalY, double x, double y, double z, double omega,
                    double phi, double kappa);
+  // Whether the numbers make an orientation: all finite, f not 0, A with an inverse. What was read of a short
+  // or malformed file does not; no operation looks, but a person wants to know.
+  bool IsOriented() const;
   // Photo units a pixel: |A[0][0]|.
   double GetScale() const;
 

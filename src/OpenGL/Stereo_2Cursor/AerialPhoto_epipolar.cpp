@@ -128,6 +128,7 @@ double AerialPhoto::SearchEpipolar(ErdasImg& window, int firstCol, int lastCol, 
 double VerticalLineSearch(AerialPhoto& left, const AerialPhoto& right, Point3& point, double zEnd,
                           double zStart, double zStep, int width, int height) {
   if (width <= 0 || height <= 0 || std::int64_t{width} * height > kMaxWindow) return kNoScore;
+  if (!left.image.HasPixels() || !right.image.HasPixels()) return kNoScore;
   double best = 0.0;
   Point3 tried = point;
   double z = zStart;

@@ -64,10 +64,12 @@ PointRecord AerialPhoto::Projected(const PointRecord& point) const {
 }
 
 int AerialPhoto::ProjectPoints(const TINPoints& points) {
-  groundPoints.reset();
   const std::int32_t n = points.GetCount();
   auto projected = std::make_unique<TINPoints>(n);
-  if (projected->GetCount() < n) return -1;
+  if (projected->GetCount() < n) {
+    groundPoints.reset();
+    return -1;
+  }
   for (std::int32_t i = 0; i < n; ++i) {
     projected->points[static_cast<std::size_t>(i)] = Projected(points.points[static_cast<std::size_t>(i)]);
   }
@@ -84,7 +86,7 @@ int AerialPhoto::ProjectPoints(const TINPoints& points) {
                            .maxZ = points.maxZ});
   const Point2 spacing = ProjectSpacing(*this, points.spacingX, points.spacingY, points.minZ);
   projected->SetSpacing(spacing.x, spacing.y);
-  groundPoints = std::move(projected);
+  groundPoints = std::move(projected);  // only now: `points` may have been these
   return 1;
 }
 

@@ -1,11 +1,12 @@
 #include "OpenGL/Stereo_2Cursor/PhotoIntersection.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "OpenGL/Stereo_2Cursor/Collinearity.h"
-#include "io/NumberText.h"
 #include "numerics/LeastSquares.h"
+#include "numerics/MatrixText.h"
 
 namespace corvane {
 
@@ -46,7 +47,7 @@ double HeightStep(const AerialPhoto& photo, const Point3& ground, const double d
 void AppendRow(std::string& text, const double* numbers, int n) {
   for (int i = 0; i < n; ++i) {
     if (i > 0) text += ", ";
-    AppendFixed(text, numbers[i]);
+    AppendElement(text, numbers[i], Zeros::Long);
   }
   text += '\n';
 }
@@ -61,13 +62,11 @@ struct RaySystem {
     for (std::size_t i = 0; i < rays.size(); ++i) BuildRay(rays[i], point, 2 * static_cast<int>(i));
   }
 
-  void AppendTo(std::string& log, const double corrections[3]) const {
+  void AppendTo(std::string& log) const {
     log += "\nB:\n";
     for (int row = 0; row < rows; ++row) AppendRow(log, b[row], 3);
     log += "\nE:\n";
     for (int row = 0; row < rows; ++row) AppendRow(log, &e[static_cast<std::size_t>(row)], 1);
-    log += "\ndeltaParam:\n";
-    AppendRow(log, corrections, 3);
   }
 
   int rows;
@@ -140,19 +139,22 @@ int IntersectMany(std::span<const PhotoRay> rays, Point3& point, std::string* lo
   RaySystem system(static_cast<int>(rays.size()));
   Point3 found = IntersectFirstTwo(rays);
   if (!system.IsThere() || !IsFinite(found)) return -1;
-  for (int round = 0; round < kMaxRounds; ++round) {
+  bool isSmall = false;
+  for (int round = 0; round < kMaxRounds && !isSmall; ++round) {
     system.Build(rays, found);
+    if (log) system.AppendTo(*log);
     double x[3];
-    const int status = LeastSquaresCholesky(system.b.get(), system.e.get(), system.rows, 3, x);
-    if (status < 0) return -1;
-    if (log) system.AppendTo(*log, x);
+    if (LeastSquaresCholesky(system.b.get(), system.e.get(), system.rows, 3, x) < 0) return -1;
+    if (log) {
+      *log += "\ndeltaParam:\n";
+      AppendRow(*log, x, 3);
+    }
     found = {found.x + x[0], found.y + x[1], found.z + x[2]};
     if (!IsFinite(found)) return -1;
-    const auto isSmall = [](double correction) { return std::fabs(correction) < kLeastCorrection; };
-    if (isSmall(x[0]) && isSmall(x[1]) && isSmall(x[2])) break;
+    isSmall = std::all_of(x, x + 3, [](double change) { return std::fabs(change) < kLeastCorrection; });
   }
   point = found;
-  return 1;
+  return isSmall ? 1 : 0;
 }
 
 }  // namespace corvane

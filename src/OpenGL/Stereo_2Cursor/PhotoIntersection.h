@@ -34,8 +34,8 @@ int RefineHeight(const AerialPhoto& left, const AerialPhoto& right, const double
 // "\nB:\n" and the design matrix, "\nE:\n" and the observations, "\ndeltaParam:\n" and the corrections,
 // numbers as "%f" with ", " between them, a line a row.
 //
-// 1; -1, with the point as it was, for fewer than two rays, rays that do not determine a point, numbers that
-// are not finite, or no memory.
+// 1; 0 if round 10 still corrected it by more; -1, with the point as it was, for fewer than two rays, rays
+// that do not determine a point, numbers that are not finite, or no memory.
 int IntersectMany(std::span<const PhotoRay> rays, Point3& point, std::string* log = nullptr);
 
 }  // namespace corvane

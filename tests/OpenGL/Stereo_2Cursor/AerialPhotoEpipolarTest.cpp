@@ -304,6 +304,14 @@ TEST_F(VerticalLineSearchTest, WindowsMayReachBeyondTheImages) {
   EXPECT_EQ(point.z, 0.0);
 }
 
+TEST_F(VerticalLineSearchTest, PhotosWithoutPixelsHaveNoScore) {
+  const AerialPhoto unread;
+  AerialPhoto alsoUnread;
+  Point3 point = {1.0, 2.0, 3.0};
+  EXPECT_EQ(VerticalLineSearch(alsoUnread, unread, point, 100.0, 0.0, 10.0, 5, 5), 2.220446049250313e-16);
+  EXPECT_EQ(point, (Point3{1.0, 2.0, 3.0}));
+}
+
 TEST_F(VerticalLineSearchTest, WindowsThatCanNotBeHaveNoScore) {
   for (const auto& [width, height] : {std::pair{0, 5}, {5, 0}, {-3, 5}, {1 << 30, 1 << 30}}) {
     EXPECT_EQ(Search(290.0, 310.0, 10.0, width, height), kNoScore);

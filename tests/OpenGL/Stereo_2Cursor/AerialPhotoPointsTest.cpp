@@ -121,6 +121,15 @@ TEST_F(AerialPhotoPointsTest, AnotherSetTakesThePlaceOfTheFirst) {
   EXPECT_EQ(photo.groundPoints->GetCount(), 0);
 }
 
+TEST_F(AerialPhotoPointsTest, ItsOwnPointsCanBeTheSource) {
+  photo.ProjectPoints(PointsOf({{0, 1100.0, 2050.0, 0.0, 0.5}}));
+  const TINPoints copy = *photo.groundPoints;
+  EXPECT_EQ(photo.ProjectPoints(*photo.groundPoints), 1);
+  const PointRecord once = *photo.groundPoints->GetPoint(0);
+  photo.ProjectPoints(copy);
+  EXPECT_EQ(once, *photo.groundPoints->GetPoint(0));
+}
+
 TEST_F(AerialPhotoPointsTest, APointIsAddedAtItsId) {
   EXPECT_EQ(photo.AddPoint({0, 1.0, 2.0, 3.0, 4.0}), -1) << "no set yet";
   photo.ProjectPoints(PointsOf({{0, 1.0, 2.0, 3.0, 4.0}, {1, 1.0, 2.0, 3.0, 4.0}}));

@@ -42,6 +42,21 @@ TEST(AerialPhotoTest, ANewPhotoHasTheDefaults) {
   EXPECT_FALSE(photo.image.HasPixels());
 }
 
+TEST(AerialPhotoTest, OnlyNumbersThatMakeAnOrientationAreOne) {
+  AerialPhoto photo;
+  EXPECT_FALSE(photo.IsOriented());
+  SetPhoto(photo, {});
+  EXPECT_TRUE(photo.IsOriented());
+  photo.perspectiveY = std::numeric_limits<double>::infinity();
+  EXPECT_FALSE(photo.IsOriented());
+  SetPhoto(photo, {});
+  photo.imageToPhoto[1][1] = 0.0;
+  EXPECT_FALSE(photo.IsOriented());
+  SetPhoto(photo, {});
+  photo.focalLength = 0.0;
+  EXPECT_FALSE(photo.IsOriented());
+}
+
 TEST(AerialPhotoTest, RotationIsTheTableOfItsAngles) {
   AerialPhoto photo;
   // sin 30 = 0.5; cos 30 = h; kappa 90 makes ck 0 and sk 1.

@@ -113,6 +113,19 @@ TEST_F(PhotoIntersectionTest, RoundsAreLogged) {
   for (const char c : lines[14]) EXPECT_TRUE(std::string("-0., ").find(c) != std::string::npos) << lines[14];
 }
 
+TEST_F(PhotoIntersectionTest, ASystemThatCanNotBeSolvedIsLoggedBeforeItFails) {
+  AerialPhoto flat;  // its pixels have rays, but they move nothing: f is 0
+  SetPhoto(flat, {});
+  flat.focalLength = 0.0;
+  std::string log;
+  Point3 point;
+  EXPECT_EQ(
+      IntersectMany(std::vector<PhotoRay>{{&flat, {500.0, 500.0}}, {&flat, {501.0, 500.0}}}, point, &log),
+      -1);
+  EXPECT_THAT(log, testing::StartsWith("\nB:\n"));
+  EXPECT_THAT(log, testing::Not(testing::HasSubstr("deltaParam")));
+}
+
 TEST_F(PhotoIntersectionTest, RaysThatGiveNoPoint) {
   const Point3 truth = {1280.0, 2150.0, 275.0};
   Point3 point = {7.0, 8.0, 9.0};
