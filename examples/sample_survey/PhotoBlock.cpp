@@ -218,7 +218,8 @@ double PhotoBlock::BrightnessAt(double east, double north) const {
       [this](std::int64_t row, std::int64_t col) { return double{paint_[PaintIndex(row, col)]}; });
 }
 
-// Goes back and forth between the ray and the ground; slopes are gentle enough for that to end.
+// Goes back and forth between the ray and the ground. Each step comes nearer by the slope of the ground times
+// that of the ray: at most 1.2, in the scarp, times 0.6, in a corner of the photo.
 double PhotoBlock::ExposeRay(const SampleCamera& camera, const PhotoPlace& place) const {
   constexpr double kNear = 0.0005;  // metres
   constexpr int kMostSteps = 100;
@@ -243,6 +244,7 @@ std::vector<std::uint8_t> PhotoBlock::Expose(std::size_t photo) const {
   const SampleCamera camera(photos_[photo].exterior);
   const auto number = static_cast<std::int64_t>(photo);
   std::vector<std::uint8_t> pixels;
+  pixels.reserve(std::size_t{SampleCamera::kSize} * SampleCamera::kSize);
   for (int row = 0; row < SampleCamera::kSize; ++row) {
     for (int col = 0; col < SampleCamera::kSize; ++col) {
       double sum = 0.0;

@@ -85,8 +85,8 @@ class PhotoBlock {
 
   std::uint64_t seed_;
   GroundRaster ground_;
-  std::vector<float>
-      paint_;  // the ground's brightness at the centres of small squares, as the ground's cells
+  // The ground's brightness at the centres of small squares; row 0 is the southern one.
+  std::vector<float> paint_;
   std::vector<SignalPoint> signals_;
   std::vector<BlockPhoto> photos_;
 };

@@ -45,7 +45,8 @@ void AppendPosition(std::string& text, const SignalPoint& point) {
   AppendUnits(text, point.z, 3);
 }
 
-// The six coefficients from pixels to millimetres, with one separator between all.
+// The coefficients a, b, c and d, e, g from pixels to millimetres: what stands between them, and between c
+// and d.
 std::string InteriorText(const char* separator, const char* rowSeparator) {
   const std::string pixel = FixedText(SampleCamera::kPixel, 6);
   const std::string corner = FixedText(SampleCamera::kCorner, 6);
@@ -223,38 +224,29 @@ bool WriteGround(const GroundRaster& ground, const std::filesystem::path& path) 
   return image.Write(path.string()) == 1;
 }
 
-constexpr const char* kReadme =
-    "SAMPLE BLOCK\n\n"
-    "Six made aerial photos of the sample survey's ground with exact truth: two strips of three, flown east, "
-    "with\n"
-    "60 % overlap in a strip and 64 % between strips. They show the bare ground, as if nothing stood on it, "
-    "with a\n"
-    "signal (a white disc of 2 on a black one of 4) at each of 50 points. Ground in metres, photos in "
-    "millimetres.\n"
-    "Focal length 150, pixels of 0.15, 0.5 on the ground; flown about 500 above it.\n\n"
-    "s1p1.lan ... s2p3.lan   the photos: strip and number, 800 x 800 pixels, grey. A pixel is the mean of "
-    "four rays\n"
-    "                        that were followed to the ground, with noise of up to 1.5 grey levels.\n"
-    "s1p1.orn ... s2p3.orn   their exact orientation. x = 0.15 col - 59.925, y = -0.15 row + 59.925; whole "
-    "columns\n"
-    "                        and rows are pixels' centres.\n"
-    "ground.lan              the ground that the rays met, floats: cells of 1, heights at their centres, "
-    "bilinear\n"
-    "                        between them.\n"
-    "signals.txt             name X Y Z and role of each signal, a line each; on the ground to 0.0005.\n"
-    "signals_image.txt       name, photo, column, row: where they stand in each photo that shows them, exact "
-    "to\n"
-    "                        0.000001.\n"
-    "block.pj, block.gpt     the block as a project, exact: control points (c..) and pass points (p..) are "
-    "known,\n"
-    "                        check points (k..) are measured like pass points.\n"
-    "start.pj, start.gpt     the same measurements with an orientation that is off by up to 0.05 degrees and "
-    "1.5,\n"
-    "                        and the control points alone: what an adjustment starts from. Its photos are "
-    "called\n"
-    "                        start_s1p1.lan and so on: importing it leaves the exact orientation files "
-    "alone.\n"
-    "camera.txt              the camera of both.\n";
+constexpr const char* kReadme = R"(SAMPLE BLOCK
+
+Six made aerial photos of the sample survey's ground with exact truth: two strips of three, flown east,
+with 60 % overlap in a strip and 64 % between strips. They show the bare ground, as if nothing stood on it,
+with a signal (a white disc of 2 on a black one of 4) at each of 50 points. Ground in metres, photos in
+millimetres. Focal length 150, pixels of 0.15, 0.5 on the ground; flown about 500 above it.
+
+s1p1.lan ... s2p3.lan  the photos: strip and number, 800 x 800 pixels, grey. A pixel is the mean of four
+                       rays that were followed to the ground, with noise of up to 1.5 grey levels.
+s1p1.orn ... s2p3.orn  their exact orientation: x = 0.15 col - 59.925, y = -0.15 row + 59.925; whole columns
+                       and rows are pixels' centres.
+ground.lan             the ground that the rays met, floats: cells of 1, heights at their centres, bilinear
+                       between them.
+signals.txt            name X Y Z and role of each signal, a line each; on the ground to 0.0005.
+signals_image.txt      name, photo, column, row: where they stand in each photo that shows them, exact to
+                       0.000001.
+block.pj, block.gpt    the block as a project, exact: control points (c..) and pass points (p..) are known,
+                       check points (k..) are measured like pass points.
+start.pj, start.gpt    the same measurements with an orientation that is off by up to 0.05 degrees and 1.5,
+                       and the control points alone: what an adjustment starts from. Its photos are called
+                       start_s1p1.lan and so on: importing it leaves the exact orientation files alone.
+camera.txt             the camera of both.
+)";
 
 }  // namespace
 

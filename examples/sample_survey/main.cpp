@@ -63,7 +63,8 @@ int Run(int argc, char** argv) {
       ->capture_default_str();
   app.add_option("--seed", options.seed, "another number makes another survey")->capture_default_str();
   app.add_option("--folder", folder, "where the files go; made if missing")->capture_default_str();
-  app.add_flag("!--no-block", hasBlock, "leave out the block of aerial photos, folder block");
+  app.add_flag_callback(
+      "--no-block", [&hasBlock] { hasBlock = false; }, "leave out the block of aerial photos, folder block");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

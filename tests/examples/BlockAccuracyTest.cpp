@@ -58,9 +58,23 @@ bool IsInside(const ErdasImg& image, const PhotoPlace& place, double margin) {
          place.row < image.GetSize().cy - margin;
 }
 
+// Whether windows of the two images around the place show the same: on a steep slope they do not.
+bool IsGentle(double east, double north) {
+  constexpr double kReach = 6.0;
+  constexpr double kMostRise = 1.5;
+  const double z = SampleBlock().GetGround().HeightAt(east, north);
+  for (const double dEast : {-kReach, 0.0, kReach}) {
+    for (const double dNorth : {-kReach, 0.0, kReach}) {
+      const double at = SampleBlock().GetGround().HeightAt(east + dEast, north + dNorth);
+      if (std::abs(at - z) > kMostRise) return false;
+    }
+  }
+  return true;
+}
+
 // Ground points on a grid that both photos of the pair show, evenly taken from all of them.
 std::vector<PlacePair> PlacesInBoth(const EpipolarPair& pair) {
-  constexpr double kMargin = 18.0;
+  constexpr double kMargin = 22.0;
   constexpr double kStep = 9.0;
   std::vector<PlacePair> all;
   for (double east = 0.0; east < 390.0; east += kStep) {
@@ -68,7 +82,8 @@ std::vector<PlacePair> PlacesInBoth(const EpipolarPair& pair) {
       const GroundPlace at = {kSurveyWest + east, kSurveySouth + north,
                               SampleBlock().GetGround().HeightAt(east, north)};
       const PlacePair both = {PlaceIn(pair.left, at), PlaceIn(pair.right, at)};
-      if (IsInside(pair.left.image, both.left, kMargin) && IsInside(pair.right.image, both.right, kMargin)) {
+      if (IsGentle(east, north) && IsInside(pair.left.image, both.left, kMargin) &&
+          IsInside(pair.right.image, both.right, kMargin)) {
         all.push_back(both);
       }
     }
@@ -80,7 +95,7 @@ std::vector<PlacePair> PlacesInBoth(const EpipolarPair& pair) {
 
 // How alike two windows around pixels are: the correlation coefficient.
 double Correlation(const ErdasImg& a, int colA, int rowA, const ErdasImg& b, int colB, int rowB) {
-  constexpr int kHalf = 12;
+  constexpr int kHalf = 16;
   double n = 0.0;
   double sums[5] = {};
   for (int dRow = -kHalf; dRow <= kHalf; ++dRow) {
@@ -110,7 +125,7 @@ double RowDifference(const EpipolarPair& pair, const PlacePair& places) {
   int bestCol = 0;
   int bestRow = 0;
   double most = -1.0;
-  for (int dRow = -3; dRow <= 3; ++dRow) {
+  for (int dRow = -2; dRow <= 2; ++dRow) {
     for (int col = nearest(places.right.col) - 2; col <= nearest(places.right.col) + 2; ++col) {
       if (score(col, dRow) <= most) continue;
       most = score(col, dRow);
@@ -121,23 +136,6 @@ double RowDifference(const EpipolarPair& pair, const PlacePair& places) {
   const double above = score(bestCol, bestRow - 1);
   const double below = score(bestCol, bestRow + 1);
   return bestRow + 0.5 * (above - below) / (above - 2.0 * most + below);
-}
-
-// The middle of a signal's white disc, near a place.
-PhotoPlace DiscMiddle(const ErdasImg& image, const PhotoPlace& place) {
-  PhotoPlace sum;
-  double n = 0.0;
-  for (int row = static_cast<int>(place.row) - 4; row <= static_cast<int>(place.row) + 4; ++row) {
-    for (int col = static_cast<int>(place.col) - 4; col <= static_cast<int>(place.col) + 4; ++col) {
-      double value = 0.0;
-      if (std::hypot(col - place.col, row - place.row) > 4.0) continue;
-      if (!image.GetPixel(0, row, col, value) || value < 150.0) continue;
-      sum.col += col;
-      sum.row += row;
-      ++n;
-    }
-  }
-  return {sum.col / n, sum.row / n};
 }
 
 }  // namespace
@@ -151,17 +149,14 @@ TEST_F(BlockAccuracyTest, ConjugatePointsShareARowOfTheEpipolarPhotos) {
   }
 }
 
-// Windows are compared, and on a slope a window may slide: so not each single one can count.
 TEST_F(BlockAccuracyTest, ConjugatePointsShareARowOfTheEpipolarImages) {
   const auto pair = MakePair("s1p1", "s1p2");
-  std::size_t nNear = 0;
   double sum = 0.0;
   for (const PlacePair& both : PlacesInBoth(*pair)) {
     const double difference = RowDifference(*pair, both);
-    nNear += std::abs(difference) < 1.0;
+    EXPECT_LT(std::abs(difference), 1.0) << both.left.col << " " << both.left.row;
     sum += difference;
   }
-  EXPECT_GE(nNear, kGroundPoints * 99 / 100);
   EXPECT_NEAR(sum / static_cast<double>(kGroundPoints), 0.0, 0.05);
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "erdasimg/ErdasImg.h"
 #include "sample_survey/PhotoBlock.h"
 
 namespace corvane {
@@ -23,5 +24,8 @@ struct SignalPlace {
   PhotoPlace place;
 };
 std::vector<SignalPlace> ReadSignalPlaces();
+
+// The middle of a signal's white disc near a place; not a number if there is none.
+PhotoPlace DiscMiddle(const ErdasImg& image, const PhotoPlace& place);
 
 }  // namespace corvane
