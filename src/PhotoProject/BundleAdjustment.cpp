@@ -1,5 +1,7 @@
 #include "PhotoProject/BundleAdjustment.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -48,11 +50,20 @@ void Allocate(const PhotoProject& project, BundleSystem& system) {
   if (!system.l) system.l = NewArray<double>(rows);
 }
 
-void AddPhoto(PhotoProject& project, const AerialPhoto& photo, int photoColumn, BundleSystem& system) {
+// Whether there is room for what a solver makes of so many unknowns, so that its failure is not for want of
+// it.
+bool HasRoomToSolve(int cols) {
+  constexpr std::int64_t kBeside = 64;  // numbers a row, more than the solvers and what they are given take
+  return OwnedMatrix(AllocMatrix(cols, cols + kBeside)) != nullptr;
+}
+
+void AddPhoto(PhotoProject& project, const AerialPhoto& photo, int photoColumn, int firstPointColumn,
+              BundleSystem& system) {
   for (const ImageMeasurement& measurement : photo.measurements) {
     const std::int64_t row = 2 * std::int64_t{project.measurementCursor};
     if (row + 2 > system.rows) return;
-    AddObservation(project, photo, photoColumn, measurement, system.a.get() + row, system.l.get() + row);
+    AddObservation(project, photo, photoColumn, firstPointColumn, measurement, system.a.get() + row,
+                   system.l.get() + row);
     ++project.measurementCursor;
   }
 }
@@ -80,43 +91,20 @@ ObservationRecord RecordOf(const AerialPhoto& photo, const ImageMeasurement& mea
   return record;
 }
 
-void TellStep(int round, const std::string& step) {
-  Ui().SetStatusText(0,
-                     "Round " + std::to_string(round + 1) + " of " + std::to_string(kRounds) + ": " + step);
-}
-
-// Counts a file, of a writer's result.
-void Note(const std::string& path, int result, PhotoProject& project, BundleOutcome& outcome) {
-  ++outcome.nFiles;
-  if (result < 0) project.unwrittenFiles.push_back(path);
-}
-
 void RunRound(int round, PhotoProject& project, BundleSystem& system, BundleOutcome& outcome) {
-  BuildDesign(project, system);
-  const OwnedArray<double> x = NewArray<double>(system.cols);
-  if (!system.a || !system.l || !x) {
-    outcome.isHeld = false;
-    return;
-  }
-  const int nPhotos = CountPhotos(project);
-  const int nPoints = CountPassPoints(project);
   const std::string end = std::to_string(round) + ".txt";
-  const std::string systemPath = project.name + "BundleMat" + end;
+  const BundleStep step = {
+      .title = "Round " + std::to_string(round + 1) + " of " + std::to_string(kRounds) + ": ",
+      .path = project.name + "BundleMat" + end,
+      .solver = LeastSquares};
+  const OwnedArray<double> x = SolveSystem(step, project, system, outcome);
+  if (!x) return;
   const std::string solutionPath = project.name + "Solution" + end;
   const std::string resultPath = project.name + "Result" + end;
-
-  TellStep(round, "writing " + std::to_string(system.rows) + " equations ...");
-  Note(systemPath,
-       WriteAugmentedMatrix(systemPath, system.rows, system.cols, system.a.get(), system.l.get(), ","),
-       project, outcome);
-  if (kWritesNormals) WriteNormals(project.name, system, nPhotos, nPoints);
-  TellStep(round, "solving for " + std::to_string(system.cols) + " unknowns ...");
-  if (LeastSquares(system.a.get(), system.l.get(), system.rows, system.cols, x.get()) < 0) {
-    outcome.isSolved = false;
-  }
-  Note(solutionPath, WriteSolution(solutionPath, nPhotos, nPoints, x.get(), ","), project, outcome);
+  project.NoteFile(solutionPath, WriteSolution(solutionPath, CountPhotos(project), CountPassPoints(project),
+                                               x.get(), ",") > 0);
   ApplyCorrections(project, x.get());
-  Note(resultPath, WriteResult(project, resultPath), project, outcome);
+  project.NoteFile(resultPath, WriteResult(project, resultPath) > 0);
 }
 
 }  // namespace
@@ -124,16 +112,17 @@ void RunRound(int round, PhotoProject& project, BundleSystem& system, BundleOutc
 void BuildDesign(PhotoProject& project, BundleSystem& system) {
   Allocate(project, system);
   if (!system.a || !system.l) return;
+  const int firstPointColumn = kPhotoUnknowns * CountPhotos(project);
   int photoColumn = 0;
   for (const auto& strip : project.photos) {
     for (const auto& photo : strip) {
-      AddPhoto(project, *photo, photoColumn, system);
+      AddPhoto(project, *photo, photoColumn, firstPointColumn, system);
       photoColumn += kPhotoUnknowns;
     }
   }
 }
 
-int AddObservation(PhotoProject& project, const AerialPhoto& photo, int photoColumn,
+int AddObservation(PhotoProject& project, const AerialPhoto& photo, int photoColumn, int firstPointColumn,
                    const ImageMeasurement& measurement, Matrix rows, double* l) {
   const auto index = static_cast<std::size_t>(measurement.groundIndex);  // a negative one is past the end
   if (index >= project.groundPoints.size()) return -1;
@@ -141,12 +130,11 @@ int AddObservation(PhotoProject& project, const AerialPhoto& photo, int photoCol
   if (point.IsUnknown() && InitialPoint(project, point) < 0) return -1;
   const ObservationRecord record = RecordOf(photo, measurement, point);
   const int place = project.FindPassPoint(measurement.name);
-  if (record.type == ObservationRecord::kPass && place < 0) return -1;
+  if (record.type == ObservationRecord::kPass && place < 0) return -1;  // it has no columns to write to
   CollinearityRow(
       record, {photo.focalLength, photo.principalX, photo.principalY},
       {photo.omega, photo.phi, photo.kappa, photo.perspectiveX, photo.perspectiveY, photo.perspectiveZ},
-      photo.rotation.get(), rows, l, photoColumn,
-      kPhotoUnknowns * CountPhotos(project) + kPointUnknowns * place);
+      photo.rotation.get(), rows, l, photoColumn, firstPointColumn + kPointUnknowns * place);
   return 1;
 }
 
@@ -187,10 +175,32 @@ void ApplyCorrections(PhotoProject& project, const double* x) {
   }
 }
 
+OwnedArray<double> SolveSystem(const BundleStep& step, PhotoProject& project, BundleSystem& system,
+                               BundleOutcome& outcome) {
+  BuildDesign(project, system);
+  const Matrix a = system.a.get();
+  const double* const l = system.l.get();
+  const int cols = system.cols;
+  OwnedArray<double> x = NewArray<double>(cols);
+  if (!a || !l || !x || !HasRoomToSolve(cols)) {
+    outcome.isHeld = false;
+    return nullptr;
+  }
+  Ui().SetStatusText(0, step.title + "writing " + std::to_string(system.rows) + " equations ...");
+  project.NoteFile(step.path, WriteAugmentedMatrix(step.path, system.rows, cols, a, l, ",") > 0);
+  if (kWritesNormals) WriteNormals(system, CountPhotos(project), CountPassPoints(project));
+  Ui().SetStatusText(0, step.title + "solving for " + std::to_string(cols) + " unknowns ...");
+  const bool isSolved = step.solver(a, l, system.rows, cols, x.get()) > 0;
+  const bool isFinite =
+      std::all_of(x.get(), x.get() + cols, [](double number) { return std::isfinite(number); });
+  outcome.isSolved = outcome.isSolved && isSolved && isFinite;
+  return x;
+}
+
 BundleOutcome RunBundleAdjustment(PhotoProject& project) {
   BundleOutcome outcome;
   const std::string startPath = project.name + "ResultInit.txt";
-  Note(startPath, WriteResult(project, startPath), project, outcome);
+  project.NoteFile(startPath, WriteResult(project, startPath) > 0);
   BundleSystem system;
   for (int round = 0; round < kRounds; ++round) {
     RunRound(round, project, system, outcome);

@@ -32,10 +32,12 @@ struct BundleSystem {
 // again, so the rows of a measurement that AddObservation refuses keep what an earlier round has left there.
 void BuildDesign(PhotoProject& project, BundleSystem& system);
 
-// Writes the two equations of a measurement into rows[0], rows[1] and l[0], l[1]. A ground point without a
+// Writes the two equations of a measurement into rows[0], rows[1] and l[0], l[1], which have the photo's
+// unknowns from photoColumn on and those of passPoints[0] from firstPointColumn on. A ground point without a
 // position gets one first, by InitialPoint. 1; -1, with the rows as they were, if the measurement has no
-// ground point, that has no position, or the measurement of a pass point is not among passPoints.
-int AddObservation(PhotoProject& project, const AerialPhoto& photo, int photoColumn,
+// ground point, or that has no position. The measurement of a pass point that is not among passPoints is
+// refused in the same way, on purpose: there are no columns for it.
+int AddObservation(PhotoProject& project, const AerialPhoto& photo, int photoColumn, int firstPointColumn,
                    const ImageMeasurement& measurement, Matrix rows, double* l);
 
 // The position of a ground point from its first two rays. -1 if it has fewer, or one of them is not there.
@@ -47,14 +49,27 @@ void ApplyCorrections(PhotoProject& project, const double* x);
 
 // How an adjustment went.
 struct BundleOutcome {
-  int nFiles = 0;        // written, or tried to
-  bool isHeld = true;    // false: memory for the system could not be had
-  bool isSolved = true;  // false: in some round it had no single solution
+  bool isHeld = true;    // false: memory for the system, or for solving it, could not be had
+  bool isSolved = true;  // false: in some round it had no single solution, or one that is not finite
 };
+
+// One solution of a system.
+struct BundleStep {
+  std::string title;  // what the texts of its progress begin with
+  std::string path;   // where the system is written
+  // LeastSquares or LeastSquaresCholesky.
+  int (*solver)(ConstMatrix a, const double* l, int m, int n, double* x);
+};
+
+// Builds the system, writes it, which joins the project's written or unwritten files, and solves it. Progress
+// is told in the message pane. The solution, cols numbers, of a singular system what the solver has left;
+// null, with nothing written, if memory can't be had.
+OwnedArray<double> SolveSystem(const BundleStep& step, PhotoProject& project, BundleSystem& system,
+                               BundleOutcome& outcome);
 
 // Three rounds of building, solving and correcting; there is no test for convergence. In the current folder,
 // named by the project: "ResultInit.txt", and for each round d from 0 "BundleMat<d>.txt", "Solution<d>.txt"
-// and "Result<d>.txt"; those that can't be written are added to the project's unwrittenFiles.
+// and "Result<d>.txt", which join the project's written or unwritten files.
 //
 // Nothing ends the rounds: of a singular system x is what the solver has left, and the next round goes on
 // from there. Without memory for the system, a round does nothing.
@@ -78,9 +93,9 @@ int ReducedNormal(ConstMatrix normal, const double* v, int p, int q, Matrix* red
 // Kept: the commands have a place for the two, but do not take it in this release.
 constexpr bool kWritesNormals = false;
 
-// What stands there: writes both, with their right sides, to `name` + "NormalMat.txt" and "ReducedMat.txt",
-// in the form of WriteAugmentedMatrix. 1; -1 if memory can't be had or a file can't be written.
-int WriteNormals(const std::string& name, const BundleSystem& system, int p, int q);
+// What stands there: writes both, with their right sides, to "NormalMat.txt" and "ReducedMat.txt", in the
+// form of WriteAugmentedMatrix. 1; -1 if memory can't be had or a file can't be written.
+int WriteNormals(const BundleSystem& system, int p, int q);
 
 // Files (BundleAdjustment_files.cpp). They appear whole or not at all. 1; -1 if the file can't be written.
 

@@ -23,6 +23,8 @@ OwnedMatrix Eliminator(ConstMatrix normal, int a, int b) {
   Matrix inverse = nullptr;
   if (!n12 || !n22 || !product || InvertMatrix(n22.get(), &inverse, b) < 0) return nullptr;
   const OwnedMatrix owner(inverse);
+  // MultiplySquare, which gives n x n, is for K alone: with n = a it would leave columns of this product out,
+  // or write beyond them.
   MultiplyMatrix(n12.get(), inverse, product.get(), a, b, b);
   return product;
 }
@@ -52,7 +54,7 @@ int ReducedNormal(ConstMatrix normal, const double* v, int p, int q, Matrix* red
   return 1;
 }
 
-int WriteNormals(const std::string& name, const BundleSystem& system, int p, int q) {
+int WriteNormals(const BundleSystem& system, int p, int q) {
   Matrix normal = nullptr;
   Matrix reduced = nullptr;
   double* v = nullptr;
@@ -63,8 +65,8 @@ int WriteNormals(const std::string& name, const BundleSystem& system, int p, int
   const OwnedArray<double> vectors[] = {OwnedArray<double>(v), OwnedArray<double>(reducedV)};
   if (result < 0) return result;
   const int a = kPhotoUnknowns * p;
-  result = WriteAugmentedMatrix(name + "NormalMat.txt", system.cols, system.cols, normal, v, ",");
-  const int second = WriteAugmentedMatrix(name + "ReducedMat.txt", a, a, reduced, reducedV, ",");
+  result = WriteAugmentedMatrix("NormalMat.txt", system.cols, system.cols, normal, v, ",");
+  const int second = WriteAugmentedMatrix("ReducedMat.txt", a, a, reduced, reducedV, ",");
   return result < 0 ? result : second;
 }
 

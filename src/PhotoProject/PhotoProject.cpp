@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "PhotoProject/ProjectText.h"
 #include "io/NumberText.h"
 #include "io/Paths.h"
 
@@ -21,6 +22,11 @@ int FoundPlace(const std::unordered_map<std::string, int>& places, const std::st
 }
 
 }  // namespace
+
+std::string OrientationPath(const std::string& photoName) {
+  constexpr std::size_t kExtension = 3;
+  return photoName.substr(0, photoName.size() - std::min(photoName.size(), kExtension)) + "orn";
+}
 
 int PhotoProject::FindGroundPoint(char type, std::string_view pointName) const {
   return FoundPlace(groundPlaces_, TypeAndName(type, pointName));
@@ -83,6 +89,10 @@ bool PhotoProject::LocateModel(int modelIndex, int& strip, int& photo) const {
   return false;
 }
 
+void PhotoProject::NoteFile(const std::string& path, bool isWritten) {
+  (isWritten ? writtenFiles : unwrittenFiles).push_back(path);
+}
+
 std::int64_t PhotoProject::MeasurementCount() const {
   std::int64_t count = 0;
   for (const auto& strip : photos) {
@@ -96,7 +106,7 @@ void PhotoProject::DumpGroundPoints(std::string& text) const {
   for (const GroundPoint& point : groundPoints) {
     const bool isThere = point.type == kControlPoint || point.type == kPassPoint;
     text += point.name + ", " + (isThere ? std::string(1, point.type) : "This point was deleted") + "\n";
-    AppendNumbers(text, {point.x, point.y, point.z}, kStreamPrecision);
+    AppendNumbers(text, {PlainNaN(point.x), PlainNaN(point.y), PlainNaN(point.z)}, kStreamPrecision);
     text += '\n';
     for (std::size_t i = 0; i < point.stripIndices.size(); ++i) {
       AppendInt(text, point.stripIndices[i] + 1);

@@ -41,6 +41,9 @@ struct GroundPoint {
   bool IsUnknown() const { return x == kUnknown && y == kUnknown && z == kUnknown; }
 };
 
+// The path of a photo's orientation file: whatever its extension is, three bytes are what gives way.
+std::string OrientationPath(const std::string& photoName);
+
 // A block of aerial photos: strips of photos, one camera, and the ground points that the photos measure. It
 // is read from a project file (".pj"), which names a camera calibration file, and from a ground point file
 // (".gpt") beside it. In all three white space of any kind separates fields.
@@ -59,12 +62,13 @@ class PhotoProject {
   // Reads the ground points, the project and its camera into a new project. As each photo's exterior
   // orientation is read, its ".orn" is written: the photo's name with its last three bytes replaced. At the
   // end the pass points go to `name` + "_PassPt.txt" in the current folder: name, column, row a line. A file
-  // that can't be written does not end the reading: it is told in a box (of many ".orn" the first), and its
-  // path joins unwrittenFiles. Paths in the project file are relative to the current folder.
+  // that can't be written does not end the reading: it is told in a box (of many ".orn" the first). Paths in
+  // the project file are relative to the current folder.
   //
   // A point that is measured but is not in the ground point file is added, without a position. The same name
-  // as control and as pass point makes two points. A photo to which no block belongs is left with zeros; of
-  // two blocks of a photo the later one counts, but for their measurements, which all do.
+  // as control and as pass point makes two points. A photo to which no block belongs is left with zeros, and
+  // named in photosWithoutBlock; of two blocks of a photo the later one counts, but for their measurements,
+  // which all do.
   //
   // The ground points' negative result, then the camera's, end the reading with that code; -21: the project
   // does not open; -22: a strip's line; -23: any other line, a negative count, a strip or photo number that
@@ -72,10 +76,11 @@ class PhotoProject {
   int Read(const std::string& path);
 
   // Reads the ground points alone, adding to those that are there. -11: the file does not open; -12: a line
-  // lacks a field, or a count is negative; the points before it stay.
+  // lacks a field, a count is negative, or the points are beyond the memory; those before it stay.
   int ReadGroundPoints(const std::string& path);
 
-  // Reads the camera. -11, with a plain box, if the file does not open; its lines are not tested.
+  // Reads the camera. -11, with a plain box, if the file does not open or is beyond the memory; its lines are
+  // not tested.
   // Kept: the count of fiducials is scanned as a real number but its low 32 bits are what counts, and these
   // are zero for every whole number below 2^21. So the fiducials of such a file are not read, and the last
   // line's numbers are taken from the first of them, their integer into the low half of focalLength; a
@@ -108,6 +113,9 @@ class PhotoProject {
   // if there is no such model.
   bool LocateModel(int modelIndex, int& strip, int& photo) const;
 
+  // Adds a file that has been written, or should have been, to one of the two lists.
+  void NoteFile(const std::string& path, bool isWritten);
+
   // Measurements of all photos together.
   std::int64_t MeasurementCount() const;
 
@@ -136,7 +144,9 @@ class PhotoProject {
   double fiducialCountRaw = 0.0;  // of the camera file; its low 32 bits, an integer, are what counts
   std::array<Point2, AerialPhoto::kFiducials> fiducials{};
   std::vector<std::vector<std::unique_ptr<AerialPhoto>>> photos;  // [strip][photo]
-  std::vector<std::string> unwrittenFiles;                        // that Read should have written
+  std::vector<std::string> photosWithoutBlock;                    // names: no interior or no exterior one
+  std::vector<std::string> writtenFiles;                          // by Read and by what came after it
+  std::vector<std::string> unwrittenFiles;                        // that should have been
 
  private:
   // Type and name of a ground point, or name of a pass point, to its first place.

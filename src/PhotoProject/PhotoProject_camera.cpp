@@ -42,32 +42,42 @@ void ScanFiducials(TextScanner& text, std::int32_t nLines,
   }
 }
 
-}  // namespace
-
-int PhotoProject::ReadCamera(const std::string& path) {
-  const auto content = ReadWholeFile(path);
-  if (!content) {
-    Ui().SetStatusText(0, "The camera file " + path + " does not open.");
-    ShowMessage("Open camera calibration file error!");
-    return kNotOpened;
-  }
-  TextScanner text(*content);
+void ScanCamera(TextScanner& text, PhotoProject& project) {
   std::string unread;
   text.ScanWord(unread);
   text.ScanWord(unread);
-  ScanNamedReal(text, focalLength);
-  ScanNamedReal(text, fiducialCountRaw);
+  ScanNamedReal(text, project.focalLength);
+  ScanNamedReal(text, project.fiducialCountRaw);
 
   std::int32_t number = 0;
-  if (text.ScanInt(number)) ScanReals(text, {&principalX, &principalY});
-  ScanFiducials(text, LowHalf(fiducialCountRaw), fiducials);
+  if (text.ScanInt(number)) ScanReals(text, {&project.principalX, &project.principalY});
+  ScanFiducials(text, LowHalf(project.fiducialCountRaw), project.fiducials);
 
   double notUsed = 0.0;
   if (text.ScanInt(number)) {
-    focalLength = WithLowHalf(focalLength, number);
-    ScanReals(text, {&notUsed, &cameraParam1, &cameraParam2, &cameraParam3, &cameraParam4});
+    project.focalLength = WithLowHalf(project.focalLength, number);
+    ScanReals(text, {&notUsed, &project.cameraParam1, &project.cameraParam2, &project.cameraParam3,
+                     &project.cameraParam4});
   }
+}
+
+int ReadCameraFile(const std::string& path, PhotoProject& project) {
+  const auto content = ReadWholeFile(path);
+  if (!content) {
+    Ui().SetStatusText(0, "The camera file " + path + ", the third word of the project file, does not open.");
+    return kNotOpened;
+  }
+  TextScanner text(*content);
+  ScanCamera(text, project);
   return 1;
+}
+
+}  // namespace
+
+int PhotoProject::ReadCamera(const std::string& path) {
+  const int result = ReadWithinMemory(path, kNotOpened, [&] { return ReadCameraFile(path, *this); });
+  if (result < 0) ShowMessage("Open camera calibration file error!");
+  return result;
 }
 
 }  // namespace corvane

@@ -33,9 +33,7 @@ bool ReadGroup(TextScanner& text, char type, PhotoProject& project, int& count) 
   return true;
 }
 
-}  // namespace
-
-int PhotoProject::ReadGroundPoints(const std::string& path) {
+int ReadGroups(const std::string& path, PhotoProject& project) {
   const auto content = ReadWholeFile(path);
   if (!content) {
     Ui().SetStatusText(0, "The ground point file " + path + " does not open.");
@@ -44,11 +42,18 @@ int PhotoProject::ReadGroundPoints(const std::string& path) {
   TextScanner text(*content);
   std::string unread;
   text.ScanWord(unread);
-  if (ReadGroup(text, kControlPoint, *this, controlCount) && ReadGroup(text, kPassPoint, *this, passCount)) {
+  if (ReadGroup(text, kControlPoint, project, project.controlCount) &&
+      ReadGroup(text, kPassPoint, project, project.passCount)) {
     return 1;
   }
   TellWhereStopped(path, *content, text);
   return kLineFailed;
+}
+
+}  // namespace
+
+int PhotoProject::ReadGroundPoints(const std::string& path) {
+  return ReadWithinMemory(path, kLineFailed, [&] { return ReadGroups(path, *this); });
 }
 
 }  // namespace corvane

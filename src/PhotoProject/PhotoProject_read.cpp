@@ -15,7 +15,7 @@
 //     omega, phi, kappa (degrees), X, Y, Z
 
 #include <algorithm>
-#include <exception>
+#include <unordered_set>
 
 #include "PhotoProject/PhotoProject.h"
 #include "PhotoProject/ProjectText.h"
@@ -35,26 +35,21 @@ constexpr int kNotOpened = -21;
 constexpr int kStripFailed = -22;
 constexpr int kLineFailed = -23;
 
-// Texts of the project's second and third line are read as far as this.
-constexpr std::size_t kMaxTextWidth = 255;
+constexpr std::size_t kMaxText = 256;  // bytes of the project's title and of its camera's path
 
 // Less than what the lines of any photo take, in bytes.
 constexpr std::size_t kLeastPhotoSize = 32;
 
 constexpr int kTellEach = 50;  // photos
 
-// The path of a photo's orientation file: whatever its extension is, three bytes are what gives way.
-std::string OrientationPath(const std::string& photoName) {
-  constexpr std::size_t kExtension = 3;
-  return photoName.substr(0, photoName.size() - std::min(photoName.size(), kExtension)) + "orn";
-}
-
-// Writes a photo's orientation file. Its box tells of a failure; for a project whose folders can't be written
+// Writes a photo's orientation file. A box tells of a failure; for a project whose folders can't be written
 // that would be a box for each photo, so only the first one is shown.
-void StoreOrientation(const AerialPhoto& photo, std::vector<std::string>& unwrittenFiles) {
+void StoreOrientation(const AerialPhoto& photo, PhotoProject& project) {
+  constexpr const char* kWord = "RightPhoto";
   const std::string path = OrientationPath(photo.name);
-  const bool mayWrite = unwrittenFiles.empty() || OutputFile(path).IsOpen();
-  if (!mayWrite || photo.WriteOrientation(path, "RightPhoto") < 0) unwrittenFiles.push_back(path);
+  const int result = project.unwrittenFiles.empty() ? photo.WriteOrientation(path, kWord)
+                                                    : photo.StoreOrientation(path, kWord);
+  project.NoteFile(path, result > 0);
 }
 
 // Reads the project file into a project that has its ground points. No count allocates anything: strips,
@@ -71,14 +66,24 @@ class ProjectReader {
     if (const int status = project_.ReadCamera(project_.cameraFile); status < 0) return status;
     if (!ReadCameraLine()) return kLineFailed;
     if (!ReadStrips()) return kStripFailed;
-    return ReadPhotos() && ReadInteriors() && ReadExteriors() ? 1 : kLineFailed;
+    if (!ReadPhotos() || !ReadInteriors() || !ReadExteriors()) return kLineFailed;
+    NotePhotosWithoutBlock();
+    return 1;
   }
 
  private:
+  using Photos = std::unordered_set<const AerialPhoto*>;
+
   bool ReadTitles() {
     std::string unread;
-    return text_.ScanWord(unread) && text_.ScanWord(project_.projectTitle, kMaxTextWidth) &&
-           text_.ScanWord(project_.cameraFile, kMaxTextWidth);
+    return text_.ScanWord(unread) && ScanText(project_.projectTitle) && ScanText(project_.cameraFile);
+  }
+
+  // A longer word is cut, and what is cut off is gone: the fields behind it keep their places.
+  bool ScanText(std::string& word) {
+    if (!text_.ScanWord(word)) return false;
+    word.resize(std::min(word.size(), kMaxText));
+    return true;
   }
 
   bool ReadCameraLine() {
@@ -132,7 +137,7 @@ class ProjectReader {
   bool ReadInteriors() {
     for (int i = 0; i < project_.photoCount; ++i) {
       int nFiducials = 0;
-      AerialPhoto* const photo = ScanBlockStart(nFiducials);
+      AerialPhoto* const photo = ScanBlockStart(nFiducials, withInterior_);
       if (!photo || nFiducials < 0) return false;
       photo->fiducialCount = nFiducials;
       if (!ReadFiducials(*photo) || !ReadInterior(*photo) || !ReadMeasurements(*photo)) return false;
@@ -143,13 +148,22 @@ class ProjectReader {
   bool ReadExteriors() {
     for (int i = 0; i < project_.photoCount; ++i) {
       int unread = 0;
-      AerialPhoto* const photo = ScanBlockStart(unread);
+      AerialPhoto* const photo = ScanBlockStart(unread, withExterior_);
       if (!photo || !ReadExterior(*photo)) return false;
       photo->Recompute();
-      StoreOrientation(*photo, project_.unwrittenFiles);
+      StoreOrientation(*photo, project_);
       if (i % kTellEach == kTellEach - 1) TellProgress(i + 1);
     }
     return true;
+  }
+
+  void NotePhotosWithoutBlock() {
+    for (const auto& strip : project_.photos) {
+      for (const auto& photo : strip) {
+        const bool hasBoth = withInterior_.contains(photo.get()) && withExterior_.contains(photo.get());
+        if (!hasBoth) project_.photosWithoutBlock.push_back(photo->name);
+      }
+    }
   }
 
   void TellProgress(int nWritten) {
@@ -159,14 +173,17 @@ class ProjectReader {
 
   bool ScanCount(int& count) { return text_.ScanInt(count) && count >= 0; }
 
-  // The first line of a block: the photo that it names, or null if there is none.
-  AerialPhoto* ScanBlockStart(int& first) {
+  // The first line of a block: the photo that it names, which joins those with a block; null if there is
+  // none.
+  AerialPhoto* ScanBlockStart(int& first, Photos& withBlock) {
     int strip = 0;
     int number = 0;
     if (!text_.ScanInt(first) || !text_.ScanInt(strip) || !text_.ScanInt(number)) return nullptr;
     std::string unread;
     text_.ScanWord(unread);
-    return strip > 0 && number > 0 ? project_.GetPhoto(strip - 1, number - 1) : nullptr;
+    AerialPhoto* const photo = strip > 0 && number > 0 ? project_.GetPhoto(strip - 1, number - 1) : nullptr;
+    if (photo) withBlock.insert(photo);
+    return photo;
   }
 
   bool ReadFiducials(AerialPhoto& photo) {
@@ -226,6 +243,8 @@ class ProjectReader {
     GroundPoint& point = project_.groundPoints[static_cast<std::size_t>(measurement.groundIndex)];
     point.stripIndices.push_back(photo.stripIndex);
     point.photoIndices.push_back(photo.photoIndex);
+    // Kept: the number within the block. Where a photo has two interior blocks, rays of the second one so
+    // name measurements of the first, and a point without a position is intersected from these.
     point.measurementIndices.push_back(i);
     photo.measurements.push_back(std::move(measurement));
   }
@@ -247,7 +266,24 @@ class ProjectReader {
   PhotoProject& project_;
   TextScanner& text_;
   std::size_t size_;
+  Photos withInterior_;
+  Photos withExterior_;
 };
+
+void StorePassPoints(PhotoProject& project) {
+  constexpr int kPrecision = 15;  // significant digits
+  std::string text;
+  for (const ImageMeasurement& measurement : project.passPoints) {
+    text += measurement.name + ", ";
+    AppendNumbers(text, {PlainNaN(measurement.col), PlainNaN(measurement.row)}, kPrecision);
+    text += '\n';
+  }
+  const std::string path = project.name + "_PassPt.txt";
+  OutputFile file(path);
+  const bool isWritten = file.IsOpen() && file.Write(text) && file.Commit();
+  if (!isWritten) ShowWarning(WriteErrorText(path));
+  project.NoteFile(path, isWritten);
+}
 
 int ReadProjectFile(const std::string& path, PhotoProject& project) {
   const auto content = ReadWholeFile(path);
@@ -258,35 +294,15 @@ int ReadProjectFile(const std::string& path, PhotoProject& project) {
   TextScanner text(*content);
   const int status = ProjectReader(project, text, content->size()).Run();
   if (status == kLineFailed || status == kStripFailed) TellWhereStopped(path, *content, text);
+  if (status == 1) StorePassPoints(project);
   return status;
-}
-
-void StorePassPoints(PhotoProject& project) {
-  constexpr int kPrecision = 15;  // significant digits
-  std::string text;
-  for (const ImageMeasurement& measurement : project.passPoints) {
-    text += measurement.name + ", ";
-    AppendNumbers(text, {measurement.col, measurement.row}, kPrecision);
-    text += '\n';
-  }
-  const std::string path = project.name + "_PassPt.txt";
-  OutputFile file(path);
-  if (file.IsOpen() && file.Write(text) && file.Commit()) return;
-  ShowWarning(WriteErrorText(path));
-  project.unwrittenFiles.push_back(path);
 }
 
 }  // namespace
 
 int PhotoProject::Read(const std::string& path) {
-  try {
-    if (const int status = ReadGroundPoints(DerivedName(path, ".gpt")); status < 0) return status;
-    const int status = ReadProjectFile(path, *this);
-    if (status == 1) StorePassPoints(*this);
-    return status;
-  } catch (const std::exception&) {  // a file beyond the memory
-    return kLineFailed;
-  }
+  if (const int status = ReadGroundPoints(DerivedName(path, ".gpt")); status < 0) return status;
+  return ReadWithinMemory(path, kLineFailed, [&] { return ReadProjectFile(path, *this); });
 }
 
 }  // namespace corvane

@@ -11,6 +11,10 @@ bool ScanReals(TextScanner& text, std::initializer_list<double*> numbers) {
                      [&](double* const number) { return text.ScanDouble(*number); });
 }
 
+void TellNoMemory(const std::string& path) {
+  Ui().SetStatusText(0, "There is no memory for the file " + path + ".");
+}
+
 void TellWhereStopped(const std::string& path, std::string_view content, const TextScanner& text) {
   const std::string_view before = content.substr(0, text.GetPosition());
   const auto line = std::to_string(1 + std::count(before.begin(), before.end(), '\n'));

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cmath>
+#include <exception>
 #include <initializer_list>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -12,6 +15,25 @@ namespace corvane {
 
 // "%lf %lf ...": false at the first field that is no number, which leaves the rest as they were.
 bool ScanReals(TextScanner& text, std::initializer_list<double*> numbers);
+
+// The number, but of a NaN the one without a sign, as texts of matrices have it.
+inline double PlainNaN(double number) {
+  return std::isnan(number) ? std::numeric_limits<double>::quiet_NaN() : number;
+}
+
+// Tells in the message pane that there is no memory for a file.
+void TellNoMemory(const std::string& path);
+
+// What `read` returns; `failure`, which is told, if memory can't be had for it.
+template <typename Reader>
+int ReadWithinMemory(const std::string& path, int failure, Reader read) {
+  try {
+    return read();
+  } catch (const std::exception&) {  // of an allocation, or of a text that is too long for one
+    TellNoMemory(path);
+    return failure;
+  }
+}
 
 // Tells in the message pane where a reader has stopped in a file with this content.
 void TellWhereStopped(const std::string& path, std::string_view content, const TextScanner& text);

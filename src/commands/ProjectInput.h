@@ -17,9 +17,10 @@ inline const FileChooser kOpenProject{.filter = "Project Files (*.pj)|*.pj|All F
 // Reads a project. False, with a warning of which file has failed, if it can't be read.
 bool ReadProject(const std::string& path, PhotoProject& project);
 
-// The end of a command: tells in the message pane what the block is and how many files there are, those of
-// the project's reading included. The command has failed if some could not be written, of which the first is
-// named, or if there was no memory for the equations; not if these had no single solution, which is told.
+// The end of a command: tells in the message pane what the block is, what it lacks, and how many files have
+// been written, a file that several photos share being one. The command has failed if some could not be
+// written, of which the first is named, or if there was no memory for the equations; not if these had no
+// single solution, which is told.
 CommandResult TellProject(const PhotoProject& project, const BundleOutcome& outcome);
 
 }  // namespace corvane

@@ -4,10 +4,22 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "io/Paths.h"
+
 namespace corvane {
+
+namespace {
+
+constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+
+// A stream whose size is not known is read up to here: a device may have no end.
+constexpr std::size_t kLongestStream = 256 * kMegabyte;
+
+}  // namespace
 
 bool InputFile::Open(const std::string& path) {
   file_.reset();
+  if (HoldsZero(path)) return false;
   const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // never waits for a writer
   if (descriptor < 0) return false;
   struct stat status = {};
@@ -36,8 +48,10 @@ std::optional<std::int64_t> InputFile::BytesLeft() {
 std::optional<std::string> ReadWholeFile(const std::string& path) {
   InputFile file(path);
   if (!file.IsOpen()) return std::nullopt;
+  // 0 is no size: the system's own files, which are made as they are read, have it, too.
+  const auto size = static_cast<std::size_t>(file.BytesLeft().value_or(0));
   // One byte more than the file has: the last read then comes short and ends the loop.
-  const std::size_t block = static_cast<std::size_t>(file.BytesLeft().value_or(std::int64_t{1} << 20)) + 1;
+  const std::size_t block = (size > 0 ? size : kMegabyte) + 1;
   std::string content;
   std::size_t length = 0;
   std::size_t got = 0;
@@ -45,6 +59,7 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
     content.resize(length + block);
     got = file.Read(content.data() + length, block);
     length += got;
+    if (size == 0 && length > kLongestStream) return std::nullopt;
   } while (got == block);
   content.resize(length);
   if (file.HasFailed()) return std::nullopt;

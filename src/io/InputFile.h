@@ -16,6 +16,7 @@ class InputFile {
   InputFile() = default;
   explicit InputFile(const std::string& path) { Open(path); }
 
+  // False, too, for a path that holds a zero.
   bool Open(const std::string& path);
   bool IsOpen() const { return file_ != nullptr; }
   void Close() { file_.reset(); }
@@ -40,7 +41,9 @@ class InputFile {
   std::unique_ptr<std::FILE, Closer> file_;
 };
 
-// The whole content of a file, or nothing if it does not open or read.
+// The whole content of a file, or nothing if it does not open or read. Of a stream without a known size (a
+// pipe, a device) 256 MB are the most that is taken: there is nothing of a longer one. Throws std::bad_alloc
+// if the memory does not hold it.
 std::optional<std::string> ReadWholeFile(const std::string& path);
 
 }  // namespace corvane

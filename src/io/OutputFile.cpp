@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "io/Paths.h"
 #include "io/Target.h"
 
 namespace corvane {
@@ -34,7 +35,7 @@ bool OutputFile::Open(const std::string& path) {
   Discard();
   path_ = path;
   failed_ = false;
-  if (path.empty()) return false;
+  if (path.empty() || HoldsZero(path)) return false;
   target_ = ResolvedTarget(path);
 
   struct stat status = {};
@@ -133,7 +134,7 @@ bool OutputFile::WriteOut(const char* from, std::size_t size) {
 }
 
 bool UpdateFileStart(const std::string& path, const void* from, std::size_t size) {
-  const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  const int descriptor = HoldsZero(path) ? -1 : open(path.c_str(), O_WRONLY | O_CLOEXEC);
   if (descriptor < 0) return false;
   const bool good = pwrite(descriptor, from, size, 0) == static_cast<ssize_t>(size);
   return (close(descriptor) == 0) && good;

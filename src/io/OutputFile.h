@@ -20,7 +20,8 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  // False if the target can't be written: no such folder, no permission, a folder in its place.
+  // False if the target can't be written: no such folder, no permission, a folder in its place, a path that
+  // holds a zero.
   bool Open(const std::string& path);
   bool IsOpen() const { return descriptor_ >= 0; }
 

@@ -57,6 +57,7 @@ std::string AbsolutePath(std::string_view path) {
 }
 
 bool FileExists(const std::string& path) {
+  if (HoldsZero(path)) return false;
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   return std::filesystem::exists(status) && !std::filesystem::is_directory(status);

@@ -29,6 +29,11 @@ std::string WithDefaultExtension(std::string_view path, std::string_view extensi
 // The absolute form of a path, without "." and ".." where they can be resolved.
 std::string AbsolutePath(std::string_view path);
 
+// Whether a path holds a zero. The system would end it there, and so take it for another file's.
+inline bool HoldsZero(std::string_view path) {
+  return path.find('\0') != path.npos;
+}
+
 // Whether there is something on this path that is not a folder.
 bool FileExists(const std::string& path);
 

@@ -262,7 +262,8 @@ bool TextScanner::ScanWord(std::string& word, std::size_t width) {
   const std::size_t first = position_;
   while (position_ < text_.size() && position_ - first < width && !IsSpace(text_[position_])) ++position_;
   if (position_ - first < width) NoticeEnd();
-  word.assign(text_.substr(first, position_ - first));
+  const std::string_view field = text_.substr(first, position_ - first);
+  word.assign(field.substr(0, field.find('\0')));
   return true;
 }
 

@@ -24,7 +24,8 @@ class TextScanner {
   // "%d". Values beyond 64 bits are held at the nearest end before they are cut to 32 bits.
   bool ScanInt(std::int32_t& value);
 
-  // "%s", or "%<width>s": a longer word is read as far as that, and the rest is left for the next step.
+  // "%s", or "%<width>s": a longer word is read as far as that, and the rest is left for the next step. Of a
+  // word that holds a zero the part before it is given, as it is in C, and the whole is consumed.
   static constexpr std::size_t kAnyWidth = static_cast<std::size_t>(-1);
   bool ScanWord(std::string& word, std::size_t width = kAnyWidth);
 

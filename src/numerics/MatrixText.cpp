@@ -42,7 +42,7 @@ int WriteLines(const std::string& path, std::string text, int rows, AppendRow ap
   for (int i = 0; i < rows; ++i) {
     appendRow(text, i);
     text += '\n';
-    file.Write(text);
+    if (!file.Write(text)) return -1;
     text.clear();
   }
   file.Write(text);

@@ -8,9 +8,9 @@
 #include <random>
 
 #include "ImgProcess/ImgProcess.h"
-#include "ImgProcess/MemoryLimit.h"
 #include "erdasimg/ImageBytes.h"
 #include "numerics/SimdVersion.h"
+#include "support/MemoryLimit.h"
 #include "support/TestFrontEnd.h"
 
 namespace corvane {

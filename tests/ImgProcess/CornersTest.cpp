@@ -9,10 +9,10 @@
 #include <random>
 
 #include "ImgProcess/ImgProcess.h"
-#include "ImgProcess/MemoryLimit.h"
 #include "erdasimg/ImageBytes.h"
 #include "numerics/SimdVersion.h"
 #include "support/FileSizeLimit.h"
+#include "support/MemoryLimit.h"
 #include "support/TempFolder.h"
 #include "support/TestFrontEnd.h"
 

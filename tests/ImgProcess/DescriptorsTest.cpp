@@ -7,8 +7,8 @@
 #include <limits>
 
 #include "ImgProcess/ImgProcess.h"
-#include "ImgProcess/MemoryLimit.h"
 #include "erdasimg/ImageBytes.h"
+#include "support/MemoryLimit.h"
 #include "support/TestFrontEnd.h"
 
 namespace corvane {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -164,11 +163,11 @@ TEST(BundleDesign, AddObservationRefusesAMeasurementWithoutAGroundPoint) {
   ImageMeasurement measurement = project.photos[0][0]->measurements[0];
   for (const int index : {-1, 2, 1000}) {
     measurement.groundIndex = index;
-    EXPECT_EQ(AddObservation(project, *project.photos[0][0], 0, measurement, rows.get(), l), -1);
+    EXPECT_EQ(AddObservation(project, *project.photos[0][0], 0, 12, measurement, rows.get(), l), -1);
   }
   measurement.groundIndex = 1;
   measurement.name = "b";  // is no pass point
-  EXPECT_EQ(AddObservation(project, *project.photos[0][0], 0, measurement, rows.get(), l), -1);
+  EXPECT_EQ(AddObservation(project, *project.photos[0][0], 0, 12, measurement, rows.get(), l), -1);
   EXPECT_TRUE(IsZero({rows[0], rows[0] + 30}));
   EXPECT_EQ(l[0], 7.0);
   EXPECT_EQ(l[1], 7.0);
@@ -201,6 +200,27 @@ TEST(BundleDesign, OfAControlPointWithoutAPositionHasNoColumnsOfItsOwn) {
   EXPECT_NEAR(project.groundPoints[2].x, 250.0, 1e-10);
   EXPECT_FALSE(IsZero(RowOf(system, 4)));
   EXPECT_TRUE(IsZero({system.a[4] + 12, system.a[4] + 15}));
+}
+
+// One name may be that of a control point and of a pass point.
+TEST(BundleDesign, OfAControlPointNamedAsAPassPointHasNoColumnsOfItsOwn) {
+  PhotoProject project;
+  MakeSmallBlock(project);
+  GroundPoint control;
+  control.name = "a";
+  control.x = 250.0;
+  control.y = 0.0;
+  control.z = 0.0;
+  project.AddGroundPoint(control);
+  AddMeasurement(project, 0, kControlPoint, "a", 250.0, 0.0);
+  BundleSystem system;
+  BuildDesign(project, system);
+  ASSERT_EQ(project.FindPassPoint("a"), 0);
+  ASSERT_EQ(system.cols, 15);
+  for (const int row : {4, 5}) {
+    EXPECT_FALSE(IsZero(RowOf(system, row)));
+    EXPECT_TRUE(IsZero({system.a[row] + 12, system.a[row] + 15}));
+  }
 }
 
 TEST(BundleDesign, IsFilledAgainWithoutBeingZeroed) {
@@ -253,16 +273,7 @@ TEST(BundleDesign, EqualsThePlainOne) {
   BundleSystem system;
   BuildDesign(project, system);
   plain.Build();
-  ASSERT_EQ(static_cast<std::size_t>(system.rows), plain.a.size());
-  for (int i = 0; i < system.rows; ++i) {
-    const auto& row = plain.a[static_cast<std::size_t>(i)];
-    ASSERT_EQ(static_cast<std::size_t>(system.cols), row.size());
-    for (int j = 0; j < system.cols; ++j) {
-      const double wanted = row[static_cast<std::size_t>(j)];
-      EXPECT_NEAR(system.a[i][j], wanted, 1e-12 * (1.0 + std::fabs(wanted))) << i << ", " << j;
-    }
-    EXPECT_NEAR(system.l[i], plain.l[static_cast<std::size_t>(i)], 1e-11);
-  }
+  ExpectSameSystem(system, plain, 1e-12);
 }
 
 TEST(BundleDesign, WithoutAnythingIsEmpty) {

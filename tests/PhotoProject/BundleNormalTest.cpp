@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <random>
 #include <sstream>
 #include <vector>
@@ -146,10 +147,15 @@ TEST(BundleNormal, FilesHoldBothWithTheirRightSides) {
   const TempFolder folder;
   BundleSystem system;
   MakeSystem(40, 12, system);
-  ASSERT_EQ(WriteNormals("block", system, 1, 2), 1);
-  EXPECT_TRUE(ReadFileBytes("blockNormalMat.txt").starts_with("12,13\n"));
-  EXPECT_TRUE(ReadFileBytes("blockReducedMat.txt").starts_with("6,7\n"));
-  EXPECT_EQ(WriteNormals("no/block", system, 1, 2), -1);
+  ASSERT_EQ(WriteNormals(system, 1, 2), 1);
+  EXPECT_TRUE(ReadFileBytes("NormalMat.txt").starts_with("12,13\n"));
+  EXPECT_TRUE(ReadFileBytes("ReducedMat.txt").starts_with("6,7\n"));
+  for (const char* path : {"NormalMat.txt", "ReducedMat.txt"}) {
+    std::filesystem::remove(path);
+    std::filesystem::create_directory(path);
+    EXPECT_EQ(WriteNormals(system, 1, 2), -1);
+    std::filesystem::remove(path);
+  }
 }
 
 }  // namespace

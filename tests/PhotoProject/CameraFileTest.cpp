@@ -82,8 +82,10 @@ TEST_F(CameraFile, LinesAreNotTested) {
 
 TEST_F(CameraFile, ThatDoesNotOpenShowsAPlainBox) {
   EXPECT_EQ(project.ReadCamera("none.txt"), -11);
-  EXPECT_THAT(ui.events, ElementsAre("status 0: The camera file none.txt does not open.",
-                                     "message message: Open camera calibration file error!"));
+  EXPECT_THAT(
+      ui.events,
+      ElementsAre("status 0: The camera file none.txt, the third word of the project file, does not open.",
+                  "message message: Open camera calibration file error!"));
 }
 
 }  // namespace

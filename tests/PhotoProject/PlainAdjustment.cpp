@@ -1,5 +1,7 @@
 #include "PlainAdjustment.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -175,6 +177,41 @@ std::vector<double> PlainAdjustment::Solve() const {
   PlainNormalVector(rows.data(), l.data(), nullptr, m, n, x[0]);
   PlainGaussJordan(normal.get(), n, x.get(), 1);
   return {x[0], x[0] + n};
+}
+
+void ExpectSameSystem(const BundleSystem& system, const PlainAdjustment& plain, double tolerance) {
+  ASSERT_EQ(static_cast<std::size_t>(system.rows), plain.a.size());
+  for (int i = 0; i < system.rows; ++i) {
+    const auto& row = plain.a[static_cast<std::size_t>(i)];
+    ASSERT_EQ(static_cast<std::size_t>(system.cols), row.size());
+    for (int j = 0; j < system.cols; ++j) {
+      const double wanted = row[static_cast<std::size_t>(j)];
+      EXPECT_NEAR(system.a[i][j], wanted, tolerance * std::max(1.0, std::fabs(wanted))) << i << ", " << j;
+    }
+    const double wanted = plain.l[static_cast<std::size_t>(i)];
+    EXPECT_NEAR(system.l[i], wanted, 10 * tolerance * std::max(1.0, std::fabs(wanted))) << i;
+  }
+}
+
+void ExpectSameState(const PhotoProject& project, const PlainAdjustment& plain) {
+  const auto expectNear = [](double value, double wanted, const std::string& what) {
+    EXPECT_NEAR(value, wanted, 1e-9 * std::fabs(wanted) + 1e-12) << what;
+  };
+  std::size_t k = 0;
+  for (const auto& strip : project.photos) {
+    for (const auto& photo : strip) {
+      const double values[] = {photo->omega,        photo->phi,          photo->kappa,
+                               photo->perspectiveX, photo->perspectiveY, photo->perspectiveZ};
+      for (std::size_t i = 0; i < 6; ++i) expectNear(values[i], plain.photos[k].exterior[i], photo->name);
+      ++k;
+    }
+  }
+  for (std::size_t j = 0; j < plain.points.size(); ++j) {
+    const GroundPoint& point = project.groundPoints[j];
+    expectNear(point.x, plain.points[j].place[0], point.name);
+    expectNear(point.y, plain.points[j].place[1], point.name);
+    expectNear(point.z, plain.points[j].place[2], point.name);
+  }
 }
 
 void PlainAdjustment::Apply(const std::vector<double>& x) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+#include "PhotoProject/BundleAdjustment.h"
 #include "PhotoProject/PhotoProject.h"
 
 namespace corvane {
@@ -45,5 +46,11 @@ class PlainAdjustment {
   void Observe(std::size_t photo, const ImageMeasurement& measurement, std::size_t row);
   Row RayOf(const Photo& photo, const ImageMeasurement& measurement) const;
 };
+
+// Expects of each number of A that it differs by at most `tolerance` times the larger of 1 and the wanted
+// one, and of l ten times as much: there nearly equal numbers are subtracted.
+void ExpectSameSystem(const BundleSystem& system, const PlainAdjustment& plain, double tolerance);
+// Expects orientations and ground points within 1e-9 of the wanted ones.
+void ExpectSameState(const PhotoProject& project, const PlainAdjustment& plain);
 
 }  // namespace corvane

@@ -14,13 +14,12 @@
 namespace corvane {
 namespace {
 
+using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr double kUnknown = std::numeric_limits<double>::max();
-
-const std::string kOrnBox = "message warning: Orientation Parameters File Cannot be opened for writing!";
 
 class ProjectRead : public testing::Test {
  protected:
@@ -364,18 +363,30 @@ TEST_F(ProjectRead, LongPointNamesAreOneByTheirFirst14Bytes) {
   EXPECT_EQ(ReadFileBytes("_PassPt.txt"), "A, 10, 20\nABCDEFGHIJKLMN, 13, 23\n");
 }
 
-TEST_F(ProjectRead, TitleAndCameraPathHave255Bytes) {
-  const std::string longest(255, 'a');
-  files.head = "PROJECT " + longest + " cam.txt\n100 1.5 2.5 3.5 4.5\n";
+TEST_F(ProjectRead, TitleAndCameraPathAreCutTo256Bytes) {
+  const std::string longest(256, 'a');
+  files.head = "PROJECT " + longest + "bcd cam.txt\n100 1.5 2.5 3.5 4.5\n";
   EXPECT_EQ(Read(), 1);
   EXPECT_EQ(project.projectTitle, longest);
-  // What is longer goes on in the next field.
-  files.head = "PROJECT " + longest + "cam.txt\n100 1.5 2.5 3.5 4.5\n";
-  PhotoProject split;
+  EXPECT_EQ(project.cameraFile, "cam.txt") << "what is cut off is no next word";
+  const std::string path = std::string(249, '/') + "cam.txt";  // of 256 bytes
+  files.head = "PROJECT Hills " + path + "bcd\n100 1.5 2.5 3.5 4.5\n";
   files.Write();
-  EXPECT_EQ(split.Read("block.pj"), 1);
-  EXPECT_EQ(split.projectTitle, longest);
-  EXPECT_EQ(split.cameraFile, "cam.txt");
+  PhotoProject cut;
+  EXPECT_EQ(cut.Read("block.pj"), -11);
+  EXPECT_EQ(cut.cameraFile, path);
+}
+
+// A name is what stands before its first zero.
+TEST_F(ProjectRead, ZeroInANameEndsIt) {
+  files.photos = "b.pj\0zzz N1\nn2.lan N\0N\nblock.pj\0ab S1\n"s;
+  EXPECT_EQ(Read(), 1);
+  EXPECT_EQ(ReadFileBytes("block.pj"), files.Project());
+  EXPECT_EQ(project.GetPhoto(0, 0)->name, "b.pj");
+  EXPECT_EQ(project.GetPhoto(0, 1)->label, "N");
+  EXPECT_EQ(project.GetPhoto(1, 0)->name, "block.pj");
+  EXPECT_THAT(ReadFileBytes("born"), HasSubstr("ORIENTATION b.pj RightPhoto\n"));
+  EXPECT_THAT(project.writtenFiles, ElementsAre("n2.orn", "born", "blockorn", "_PassPt.txt"));
 }
 
 TEST_F(ProjectRead, PhotoOfTwoBlocksTakesTheLaterAndThatOfNoneStaysZero) {
@@ -392,6 +403,7 @@ TEST_F(ProjectRead, PhotoOfTwoBlocksTakesTheLaterAndThatOfNoneStaysZero) {
   EXPECT_EQ(never.rotation[0][0], 0.0);
   EXPECT_EQ(never.focalLength, 0.0);
   EXPECT_EQ(never.perspectiveX, 0.0);
+  EXPECT_THAT(project.photosWithoutBlock, ElementsAre("n2.lan"));
   EXPECT_FALSE(std::filesystem::exists("n2.orn"));
 }
 
@@ -400,31 +412,26 @@ TEST_F(ProjectRead, SingularInteriorIsRead) {
   EXPECT_EQ(Read(), 1);
 }
 
-// Files that can't be written.
-
-TEST_F(ProjectRead, OfManyOrientationFilesTheFirstFailureIsShown) {
-  files.photos = "none/n1.lan N1\nnone/n2.lan N2\ns1.lan S1\n";
+TEST_F(ProjectRead, PhotoWithOneBlockOfTwoIsWithout) {
+  files.interiors[2] = files.interiors[1];
+  files.exteriors[2] = files.exteriors[1];
   EXPECT_EQ(Read(), 1);
-  EXPECT_THAT(ui.events, ElementsAre(kOrnBox));
-  EXPECT_THAT(project.unwrittenFiles, ElementsAre("none/n2.orn", "none/n1.orn"));
-  EXPECT_TRUE(std::filesystem::exists("s1.orn"));
-  EXPECT_TRUE(std::filesystem::exists("_PassPt.txt"));
+  EXPECT_THAT(project.photosWithoutBlock, ElementsAre("n2.lan", "s1.lan"));
 }
 
-TEST_F(ProjectRead, PassPointListThatCannotBeWritten) {
-  project.name = "none/hills";
+TEST_F(ProjectRead, NumbersThatAreNoneAreWrittenWithoutASign) {
+  files.interiors[0] = "0 1 1 n1\n1 0 0 0 1 0\n1 0\nA -nan -inf\n";
+  files.exteriors[1] = "0 1 1 n1\n0 0 0 0 0 0\n-nan 0 0 inf -nan 0\n";
   EXPECT_EQ(Read(), 1);
-  EXPECT_THAT(ui.events, ElementsAre("message warning: Write file none/hills_PassPt.txt error!"));
-  EXPECT_THAT(project.unwrittenFiles, ElementsAre("none/hills_PassPt.txt"));
+  EXPECT_EQ(ReadFileBytes("_PassPt.txt"), "A, nan, -inf\nB, 12.5, 22.125\n");
+  EXPECT_THAT(ReadFileBytes("n1.orn"), HasSubstr("\n\tinf\tnan\t0.000000\n\tnan\t0.000000\t0.000000\n"));
+  std::string dump;
+  project.groundPoints[0].x = -std::numeric_limits<double>::quiet_NaN();
+  project.DumpGroundPoints(dump);
+  EXPECT_THAT(dump, HasSubstr("C1, c\nnan, 600, 70\n"));
 }
 
-TEST_F(ProjectRead, FailureLeavesTheOrientationFilesBeforeIt) {
-  files.exteriors[1] = "0 1 1 n1\n9 9 9 9 9 9\n90 x 18 1000.5 200.25 1000\n";
-  EXPECT_EQ(Read(), -23);
-  EXPECT_TRUE(std::filesystem::exists("n2.orn"));
-  EXPECT_FALSE(std::filesystem::exists("n1.orn"));
-  EXPECT_FALSE(std::filesystem::exists("_PassPt.txt"));
-}
+// Progress.
 
 TEST_F(ProjectRead, LargeBlockTellsHowFarItIs) {
   files.strips = "1\n120 North\n";

@@ -9,6 +9,7 @@
 #include "PhotoProject/ProjectFiles.h"
 #include "cli/CommandLine.h"
 #include "commands/ImageFixture.h"
+#include "io/MachineMemory.h"
 
 namespace corvane {
 namespace {
@@ -111,9 +112,11 @@ TEST_F(ProjectCommandsTest, ImportSolvesTheFirstSystem) {
   ui.files = {{"block.pj"}};
   EXPECT_EQ(Run("Import Project"), CommandResult::Done);
   ExpectChoosers({{kOpen, kProjectFiles, "Choose a Project File."}});
-  EXPECT_THAT(ui.events,
-              ElementsAre("command: Utilities > Import Project", std::string("open: ") + kProjectFiles,
-                          kBlock + " Files written: 4.", "end: Utilities > Import Project done"));
+  EXPECT_THAT(
+      ui.events,
+      ElementsAre("command: Utilities > Import Project", std::string("open: ") + kProjectFiles,
+                  "status 0: Import: writing 8 equations ...", "status 0: Import: solving for 6 unknowns ...",
+                  kBlock + " Files written: 4.", "end: Utilities > Import Project done"));
   EXPECT_EQ(ui.waitDepth, 0);
   EXPECT_THAT(Files(), ElementsAre("_PassPt.txt", "block.gpt", "block.pj", "blockBundleMat.txt",
                                    "blockSolution.txt", "cam.txt", "n1.orn"));
@@ -183,6 +186,11 @@ TEST_F(ProjectCommandsTest, ImportFailures) {
   ExpectProjectFailures("Import Project");
 }
 
+TEST_F(ProjectCommandsTest, AProjectThatIsNotThereIsNamed) {
+  ExpectFailure("Import Project", {{"block"}}, {"message warning: Read GPT File Error!"});
+  EXPECT_THAT(ui.events, Contains("status 0: There is no project file block."));
+}
+
 TEST_F(ProjectCommandsTest, ImportCancelledWritesNothing) {
   ExpectCancelAtEach("Import Project", "f", {"block.pj"});
 }
@@ -199,6 +207,58 @@ TEST_F(ProjectCommandsTest, ImportWhereFilesCannotBeWritten) {
   EXPECT_THAT(ui.EventsWith("status 0: Strips").at(0),
               HasSubstr(" Files written: 2. Not written: none/n2.orn and 3 more."));
   EXPECT_TRUE(std::filesystem::exists("blockBundleMat.txt"));
+}
+
+// Four photos: two of one name, by different ways to it, one without any block and one without its interior.
+TEST_F(ProjectCommandsTest, FilesAreCountedOnce) {
+  std::filesystem::create_directory("sub");
+  files.strips = "1\n4 North\n";
+  files.photos = "n1.lan N1\nsub/../n1.lan N2\nn3.lan N3\nn4.lan N4\n";
+  const std::string block = files.interiors[0];
+  files.interiors = {block, "0 1 2 n2\n" + block.substr(9), block, block};
+  const std::string place = files.exteriors[0].substr(9);
+  files.exteriors = {"0 1 1 n1\n" + place, "0 1 2 n2\n" + place, "0 1 1 n1\n" + place, "0 1 4 n4\n" + place};
+  files.Write();
+  ui.files = {{"block.pj"}};
+  EXPECT_EQ(Run("Import Project"), CommandResult::Done);
+  const std::string told = ui.EventsWith("status 0: Strips").at(0);
+  EXPECT_THAT(told,
+              HasSubstr(" measurements: 16. Photos without a block: n3.lan and 1 more. The equations "));
+  EXPECT_THAT(told, testing::EndsWith(" Photos that share an orientation file: 2. Files written: 5."));
+  EXPECT_THAT(Files(), ElementsAre("_PassPt.txt", "block.gpt", "block.pj", "blockBundleMat.txt",
+                                   "blockSolution.txt", "cam.txt", "n1.orn", "n4.orn", "sub"));
+}
+
+// Two rays of one photo see no more than one does.
+TEST_F(ProjectCommandsTest, PassPointMeasuredTwiceInOnePhoto) {
+  files.interiors = {
+      "0 1 1 n1\n1 0 0 0 -1 0\n2 4\nA 1 2\nA 1 2\nNW -10 -10\nNE 10 -10\nSW -10 10\nSE 10 10\n"};
+  files.Write();
+  for (const char* command : {"Import Project", "Bundle Adjustment"}) {
+    ui.files = {{"block.pj"}};
+    ui.events.clear();
+    EXPECT_EQ(Run(command), CommandResult::Done);
+    EXPECT_THAT(ui.EventsWith("status 0: Strips").at(0),
+                HasSubstr("The equations have no single solution. Pass points in one photo alone: 1."));
+  }
+}
+
+// 80000 equations for 120006 unknowns: their matrices would take 192 GB.
+TEST_F(ProjectCommandsTest, EquationsBeyondTheMemory) {
+  if (BytesOfMachine() > std::int64_t{190} << 30) GTEST_SKIP() << "this machine holds them";
+  std::string block = "0 1 1 n1\n1 0 0 0 -1 0\n40000 0\n";
+  for (int i = 0; i < 40000; ++i) block += "p" + std::to_string(i) + " 1 2\n";
+  files.interiors = {block};
+  files.Write();
+  const std::string told =
+      "Strips: 1, photos: 1, control points: 4, pass points: 40000, measurements: 40000. There is no memory "
+      "for the equations. Files written: ";
+  EXPECT_EQ(RunScript("\"Import Project\" block.pj\n"), ExitStatus::Failed);
+  EXPECT_THAT(Transcript(), Contains(HasSubstr(told + "2.")));
+  EXPECT_EQ(RunScript("\"Bundle Adjustment\" block.pj\n"), ExitStatus::Failed);
+  EXPECT_THAT(Transcript(), Contains(HasSubstr(told + "3.")));
+  EXPECT_FALSE(std::filesystem::exists("blockBundleMat.txt"));
+  EXPECT_FALSE(std::filesystem::exists("blockBundleMat0.txt"));
 }
 
 // Bundle Adjustment
@@ -286,6 +346,8 @@ TEST_F(ProjectCommandsTest, TranscriptOfAnImport) {
           R"("Project Files (*.pj)|*.pj|All Files (*.*)|*.*|","defaultExtension":"","defaultName":"",)"
           R"("mustExist":false,"multiple":false,"answer":["block.pj"]})",
           R"({"event":"wait-cursor","on":true})",
+          R"({"event":"status","pane":0,"text":"Import: writing 8 equations ..."})",
+          R"({"event":"status","pane":0,"text":"Import: solving for 6 unknowns ..."})",
           R"({"event":"status","pane":0,"text":"Strips: 1, photos: 1, control points: 4, pass points: 0, )"
           R"(measurements: 4. Files written: 4."})",
           R"({"event":"wait-cursor","on":false})",
@@ -303,7 +365,7 @@ TEST_F(ProjectCommandsTest, TranscriptOfABlockWithoutItsCamera) {
           R"("Project Files (*.pj)|*.pj|All Files (*.*)|*.*|","defaultExtension":"","defaultName":"",)"
           R"("mustExist":false,"multiple":false,"answer":["block.pj"]})",
           R"({"event":"wait-cursor","on":true})",
-          R"({"event":"status","pane":0,"text":"The camera file cam.txt does not open."})",
+          R"({"event":"status","pane":0,"text":"The camera file cam.txt, the third word of the project file, does not open."})",
           R"({"event":"message","kind":"message","buttons":"ok","text":"Open camera calibration file error!"})",
           R"({"event":"message","kind":"warning","buttons":"ok","text":"Read GPT File Error!"})",
           R"({"event":"wait-cursor","on":false})",
@@ -376,6 +438,13 @@ TEST_F(SpaceResectionTest, WithoutGroundPoints) {
   EXPECT_THAT(ui.events, Contains("status 0: The ground point file none.txt does not open."));
   WriteFileBytes("points.txt", "POINTS 1\n");
   ExpectFailure("Space Resection", {{"photo.lan"}, {"points.txt"}}, {});
+}
+
+TEST_F(SpaceResectionTest, GroundPointsWithoutAnEnd) {
+  std::filesystem::remove("points.txt");
+  std::filesystem::create_symlink("/dev/zero", "points.txt");
+  ExpectFailure("Space Resection", {{"photo.lan"}, {"points.txt"}}, {});
+  EXPECT_THAT(ui.events, Contains("status 0: The ground point file points.txt does not open."));
 }
 
 TEST_F(SpaceResectionTest, CancelledWritesNothing) {

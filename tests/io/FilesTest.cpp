@@ -1,12 +1,18 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
 
 #include "io/InputFile.h"
 #include "io/OutputFile.h"
+#include "io/Paths.h"
 #include "support/TempFolder.h"
 
 namespace corvane {
@@ -60,6 +66,45 @@ TEST(InputFile, ReadsAWholeFile) {
   const std::string content(3000001, 'a');
   WriteFileBytes("x y \xC3\xBC", content);
   EXPECT_EQ(ReadWholeFile("x y \xC3\xBC"), content);
+}
+
+// As the system's own files, whose size reads as 0.
+TEST(InputFile, ReadsAFileWithoutASize) {
+  const auto status = ReadWholeFile("/proc/self/status");
+  ASSERT_TRUE(status);
+  EXPECT_NE(status->find("VmPeak"), std::string::npos);
+}
+
+TEST(InputFile, ReadsAPipeToItsEnd) {
+  const TempFolder folder;
+  ASSERT_EQ(mkfifo("pipe", 0600), 0);
+  const std::string content(3000001, 'a');
+  const int held = open("pipe", O_RDWR | O_CLOEXEC);  // so that the reader finds a writer
+  ASSERT_GE(held, 0);
+  std::thread writer([&] {
+    std::ofstream("pipe", std::ios::binary) << content;
+    close(held);
+  });
+  const auto got = ReadWholeFile("pipe");
+  writer.join();
+  EXPECT_TRUE(got == content);
+}
+
+TEST(InputFile, GivesUpOnADeviceWithoutAnEnd) {
+  EXPECT_FALSE(ReadWholeFile("/dev/zero"));
+}
+
+TEST(InputFile, APathWithAZeroIsNoOther) {
+  const TempFolder folder;
+  WriteFileBytes("x", "old");
+  const std::string path("x\0zzz", 5);
+  EXPECT_FALSE(InputFile(path).IsOpen());
+  EXPECT_FALSE(ReadWholeFile(path));
+  EXPECT_FALSE(FileExists(path));
+  EXPECT_FALSE(OutputFile(path).IsOpen());
+  EXPECT_FALSE(UpdateFileStart(path, "new", 3));
+  EXPECT_EQ(ReadFileBytes("x"), "old");
+  EXPECT_EQ(FilesIn("."), 1u);
 }
 
 TEST(OutputFile, AppearsOnlyWithCommit) {

@@ -26,11 +26,8 @@ class Reference {
   bool ScanInt(std::int32_t& value) { return std::fscanf(file_.get(), "%d", &value) == 1; }
   bool ScanWord(std::string& word) {
     std::vector<char> buffer(text_.size() + 1);
-    const std::size_t start = GetPosition();
     if (std::fscanf(file_.get(), "%s", buffer.data()) != 1) return false;
-    // The word may hold zeros, so its length is what was read behind the white space.
-    word = text_.substr(start, GetPosition() - start);
-    word.erase(0, word.find_first_not_of(" \t\n\v\f\r"));
+    word = buffer.data();  // up to its first zero
     return true;
   }
   bool MatchLiteral(char character) {
@@ -272,6 +269,19 @@ TEST(TextScanner, ZeroBytesAreOrdinaryCharacters) {
   EXPECT_TRUE(scanner.MatchLiteral('\0'));
   EXPECT_TRUE(scanner.ScanDouble(value));
   EXPECT_EQ(value, 2.0);
+}
+
+TEST(TextScanner, WordEndsAtItsFirstZeroButIsConsumed) {
+  TextScanner scanner(std::string_view("  ab\0cd\0 \0x y", 14));
+  std::string word;
+  ASSERT_TRUE(scanner.ScanWord(word));
+  EXPECT_EQ(word, "ab");
+  EXPECT_EQ(scanner.GetPosition(), 8u);
+  ASSERT_TRUE(scanner.ScanWord(word));
+  EXPECT_EQ(word, "");
+  ASSERT_TRUE(scanner.ScanWord(word, 5));
+  EXPECT_EQ(word, "y");
+  EXPECT_TRUE(scanner.AtEnd());
 }
 
 TEST(TextScanner, EmptyTextIsAtItsEndAfterTheFirstStep) {

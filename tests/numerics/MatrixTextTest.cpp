@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "MatrixFixture.h"
 #include "support/TempFolder.h"
@@ -75,6 +76,13 @@ TEST_F(MatrixText, HasRoomForAnyNumber) {
   AppendElement(text, -std::numeric_limits<double>::max(), Zeros::Short);
   EXPECT_EQ(text.size(), 1u + 309u + 7u);
   EXPECT_TRUE(text.starts_with("-17976931348623157081"));
+}
+
+// A row is more than is held back. There is no row behind the first one that could be written.
+TEST_F(MatrixText, EndsWithTheFirstWriteThatFails) {
+  const std::vector<double> row(200000, 0.5);
+  const double* const rows[] = {row.data(), nullptr, nullptr};
+  EXPECT_EQ(WriteMatrixBare("/dev/full", 3, 200000, rows, ","), -1);
 }
 
 // A mostly empty matrix as printf writes it.

@@ -156,7 +156,8 @@ class AerialPhoto {
   // Makes `image` and A for the extent, photo coordinates, in cells of |cell|: pixel (0, 0) is its upper left
   // corner. Each pixel is the source's nearest one, col = trunc(u / w + 0.5), row = trunc(v / w + 0.5) of
   // (u, v, w) = H (col, row, 1), or 0 in all bands outside of it. The header is the source's but for size,
-  // place and cell. 1; -1, with A made, if there is no image of that size, or no memory for it.
+  // place and cell. 1; -1, with A made and no image, if there is none of that size, or no memory for it, or
+  // if it has more than 2^26 pixels and more than 256 for each of the source's.
   int ResampleFrom(const AerialPhoto& source, const double extent[6], double cell);
 
   // Orthophotos (AerialPhoto_ortho.cpp).
@@ -168,9 +169,10 @@ class AerialPhoto {
   // each at its height in `dem`. Cells beyond the DEM take the height of the cell before them in the run,
   // first 0.0. A footprint in the image, (col, row) each, is that of the plane at the height under the
   // camera. 1; 0 for a null argument, for numbers that make no raster, without memory, or at a scan line with
-  // an odd number of crossings, where painting stops.
-  int OrthoFill(const Footprint* footprint, bool footprintIsInImage, const ErdasImg* dem,
-                ErdasImg* output) const;
+  // an odd number of crossings, where painting stops. `nPainted`, if there is one, becomes the number of
+  // cells that have been painted.
+  int OrthoFill(const Footprint* footprint, bool footprintIsInImage, const ErdasImg* dem, ErdasImg* output,
+                std::int64_t* nPainted = nullptr) const;
 
   // Ground points in the image (AerialPhoto_points.cpp).
 

@@ -5,12 +5,12 @@
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
 #include "io/InputFile.h"
-#include "io/NumberText.h"
 #include "io/OutputFile.h"
 #include "io/Paths.h"
 #include "io/TextCase.h"
 #include "io/TextScanner.h"
 #include "numerics/Angles.h"
+#include "numerics/MatrixText.h"
 #include "ui/FrontEnd.h"
 
 namespace corvane {
@@ -40,20 +40,20 @@ std::string AsWord(std::string word) {
   return word.empty() ? "_" : word;
 }
 
-// "\t%f\t%f\t%f\n"
+// "\t%f\t%f\t%f\n", here and below with a NaN as in texts of matrices.
 void AppendLine(std::string& text, std::initializer_list<double> numbers) {
   for (const double number : numbers) {
     text += '\t';
-    AppendFixed(text, number);
+    AppendElement(text, number, Zeros::Long);
   }
   text += '\n';
 }
 
 // "%lf %lf\n"
 void AppendPair(std::string& text, double x, double y) {
-  AppendFixed(text, x);
+  AppendElement(text, x, Zeros::Long);
   text += ' ';
-  AppendFixed(text, y);
+  AppendElement(text, y, Zeros::Long);
   text += '\n';
 }
 
@@ -119,10 +119,14 @@ int AerialPhoto::LoadOrientationChecked(const std::string& path) {
 }
 
 int AerialPhoto::WriteOrientation(const std::string& path, const std::string& word) const {
+  const int result = StoreOrientation(path, word);
+  if (result < 0) ShowWarning("Orientation Parameters File Cannot be opened for writing!");
+  return result;
+}
+
+int AerialPhoto::StoreOrientation(const std::string& path, const std::string& word) const {
   OutputFile file(path);
-  if (file.IsOpen() && file.Write(RecordText(*this, word)) && file.Commit()) return 1;
-  ShowWarning("Orientation Parameters File Cannot be opened for writing!");
-  return -1;
+  return file.IsOpen() && file.Write(RecordText(*this, word)) && file.Commit() ? 1 : -1;
 }
 
 int AerialPhoto::OpenImage(const std::string& path) {

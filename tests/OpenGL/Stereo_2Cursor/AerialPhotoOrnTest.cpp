@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <limits>
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
 #include "OpenGL/Stereo_2Cursor/PhotoFixture.h"
@@ -293,6 +294,36 @@ TEST_F(AerialPhotoOrnTest, AFileThatCanNotBeWrittenIsTold) {
   EXPECT_THAT(ui.events,
               ElementsAre("message warning: Orientation Parameters File Cannot be opened for writing!"));
   EXPECT_TRUE(std::filesystem::is_empty("."));
+}
+
+TEST_F(AerialPhotoOrnTest, StoringIsWritingWithoutAWarning) {
+  AerialPhoto photo;
+  photo.name = "a.lan";
+  EXPECT_EQ(photo.StoreOrientation("none/w.orn", "photo"), -1);
+  EXPECT_EQ(photo.StoreOrientation("s.orn", "photo"), 1);
+  EXPECT_EQ(photo.WriteOrientation("w.orn", "photo"), 1);
+  EXPECT_EQ(ReadFileBytes("s.orn"), ReadFileBytes("w.orn"));
+  EXPECT_THAT(ui.events, IsEmpty());
+}
+
+TEST_F(AerialPhotoOrnTest, WhatIsNotFiniteIsSpelledAsInMatrices) {
+  AerialPhoto photo;
+  photo.name = "a.lan";
+  photo.focalLength = -std::numeric_limits<double>::quiet_NaN();
+  photo.perspectiveX = -std::numeric_limits<double>::infinity();
+  photo.principalX = std::numeric_limits<double>::quiet_NaN();
+  photo.pixelSizeY = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(photo.StoreOrientation("w.orn", "photo"), 1);
+  EXPECT_EQ(ReadFileBytes("w.orn"),
+            "ORIENTATION a.lan photo\n"
+            "\tnan\n"
+            "\t-inf\t0.000000\t0.000000\n"
+            "\t0.000000\t0.000000\t0.000000\n"
+            "\t220.000000\t0.000000\t0.000000\n"
+            "\t0.000000\t0.000000\tnan\n"
+            "\t0.000000\t0.000000\t0.000000\n"
+            "nan 0.000000\n"
+            "0.070000 inf\n");
 }
 
 TEST_F(AerialPhotoOrnTest, TheOtherCaseOfTheExtensionIsTaken) {
