@@ -1,6 +1,7 @@
 """Warps photo.lan as bench_photos has made its orthophoto, and prints the ratios of the times in times.json.
 
-gdalwarp computes each pixel's place for itself (-et 0) and takes the nearest pixel, on one thread.
+gdalwarp computes each pixel's place for itself (-et 0) and takes the nearest pixel, on one thread. Fails if too
+few of the pixels are the same.
 """
 
 import json
@@ -10,6 +11,7 @@ import subprocess
 import sys
 import time
 
+LEAST_SAME = 98.0  # % of the pixels: where both cut a place to another side of an edge they differ
 K = 1e-5  # degrees a ground unit: gdalwarp takes rational functions of longitude and latitude
 
 
@@ -138,7 +140,10 @@ def main():
         print(f"gdalwarp, {name}: {taken:.3f} s, ratio {taken / seconds:.1f}, "
               f"without start and files {(taken - files) / seconds:.1f}")
         if more:
-            print(f"  same pixels: {100 * sum(map(int.__eq__, ours, pixels)) / len(ours):.2f} %")
+            same = 100 * sum(map(int.__eq__, ours, pixels)) / len(ours)
+            print(f"  same pixels: {same:.2f} %")
+            if same < LEAST_SAME:
+                sys.exit(f"less than {LEAST_SAME} % of the pixels are the same")
 
 
 main()

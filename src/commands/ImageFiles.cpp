@@ -1,7 +1,6 @@
 #include "commands/ImageFiles.h"
 
-#include <algorithm>
-
+#include "erdasimg/LanLack.h"
 #include "ui/ErrorTexts.h"
 
 namespace corvane {
@@ -10,26 +9,12 @@ namespace {
 
 constexpr int kNoMemory = -3;  // of ErdasImg::Read
 
-bool HasSize(const ErdasImg& image) {
-  const auto [cols, rows] = image.GetSize();
-  return cols > 0 && rows > 0 && image.GetBandCount() > 0;
-}
-
-std::int64_t BytesOfBands(const ErdasImg& image) {
+// Bytes of the .lan that the image has been read from; as if it were one of a foreign file. Of one without
+// bands, for which there was no memory, no more than the header's.
+std::int64_t BytesOfFile(const ErdasImg& image) {
   const BandArray& bands = image.GetBands();
-  return static_cast<std::int64_t>(bands.GetBandBytes() * bands.size());
-}
-
-// Whether the file of a .lan ended within the header. All of the pixels are missing then, too.
-bool LacksHeader(const ErdasImg& image) {
-  return image.GetMissingBytes() > BytesOfBands(image);
-}
-
-// Whether the file of a .lan is so short that its header is likely to be none.
-bool LacksMost(const ErdasImg& image) {
-  const std::int64_t nMissing = image.GetMissingBytes();
-  const std::int64_t nHeld = std::int64_t{sizeof(ErdasHeader)} + BytesOfBands(image) - nMissing;
-  return nMissing > std::max(ErdasImg::kMaxFilledBytes, nHeld);
+  const auto nBandBytes = static_cast<std::int64_t>(bands.GetBandBytes() * bands.size());
+  return std::int64_t{sizeof(ErdasHeader)} + nBandBytes - image.GetMissingBytes();
 }
 
 // Why there is no image; "" if there is one, or if Read has told it: that the file does not open, or that
@@ -37,9 +22,16 @@ bool LacksMost(const ErdasImg& image) {
 std::string WhyNoImage(int status, const std::string& path, const ErdasImg& image) {
   if (status == kNoMemory) return ErdasImg::kNoMemoryText;
   if (status == -1) return path.empty() ? OpenErrorText(path) : "";
-  if (LacksHeader(image)) return OpenErrorText(path) + "\nIt is shorter than the header of an image.";
-  if (!HasSize(image)) return OpenErrorText(path) + "\nIts header gives no rows, columns or bands.";
-  if (LacksMost(image)) return OpenErrorText(path) + "\nMost of its pixels are missing.";
+  switch (LackOf(*image.GetHeader(), BytesOfFile(image))) {
+    case LanLack::Header:
+      return OpenErrorText(path) + "\nIt is shorter than the header of an image.";
+    case LanLack::Size:
+      return OpenErrorText(path) + "\nIts header gives no rows, columns or bands.";
+    case LanLack::Pixels:
+      return image.HasPixels() ? OpenErrorText(path) + "\nMost of its pixels are missing." : "";
+    case LanLack::Nothing:
+      break;
+  }
   return "";
 }
 

@@ -9,6 +9,9 @@ namespace corvane {
 
 // Reading and writing of images by commands, with every failure told.
 
+// Why a command does not write to a file.
+inline constexpr const char* kIsInputText = "It is one of the files that the command reads.";
+
 // False if the image could not be read, or only in part, which has been shown. A command then goes on with
 // what the image holds; one that has no pixels is empty, with the header of a new image. A .lan that lacks
 // pixels is read, which the message pane tells, but not one that lacks more than ErdasImg::kMaxFilledBytes

@@ -1,5 +1,6 @@
 // The epipolar images of the menu Matching.
 
+#include <cmath>
 #include <optional>
 
 #include "OpenGL/Stereo_2Cursor/EpipolarPair.h"
@@ -9,7 +10,9 @@
 #include "commands/MatchingMenu.h"
 #include "forms/ValueInput.h"
 #include "io/InputFile.h"
+#include "io/NumberText.h"
 #include "io/Paths.h"
+#include "numerics/Angles.h"
 #include "shell/CommandShapes.h"
 
 namespace corvane {
@@ -23,19 +26,25 @@ bool Opens(const std::string& path) {
   return InputFile(path).IsOpen();
 }
 
-bool LoadBeside(const std::string& imagePath, AerialPhoto& photo) {
-  photo.name = imagePath;
-  return photo.LoadOrientation(ExistingOrientation(DerivedName(imagePath, ".orn"))) >= 0;
+std::string OrientationOf(const AerialPhoto& photo) {
+  return ExistingOrientation(DerivedName(photo.name, ".orn"));
 }
 
-// Reads the orientations. What could not be opened; "" if everything could.
-std::string LoadPair(const std::string& leftPath, const std::string& rightPath, AerialPhoto& left,
-                     AerialPhoto& right) {
-  if (!Opens(leftPath)) return "Left Image";
-  if (!Opens(rightPath)) return "Right Image";
-  if (!LoadBeside(leftPath, left)) return "Left Orientation Parameters File";
-  if (!LoadBeside(rightPath, right)) return "Right Orientation Parameters File";
-  return "";
+struct Unopened {
+  std::string word;  // "" if everything has been opened
+  std::string path;
+};
+
+// Reads the orientations of photos that have their names.
+Unopened LoadPair(AerialPhoto& left, AerialPhoto& right) {
+  if (!Opens(left.name)) return {"Left Image", left.name};
+  if (!Opens(right.name)) return {"Right Image", right.name};
+  for (AerialPhoto* const photo : {&left, &right}) {
+    const std::string path = OrientationOf(*photo);
+    const std::string side = photo == &left ? "Left" : "Right";
+    if (photo->LoadOrientation(path) < 0) return {side + " Orientation Parameters File", path};
+  }
+  return {};
 }
 
 // A fraction above 0, whatever the text says. Cancel goes on with the value shown; nothing if that isn't
@@ -56,28 +65,94 @@ struct Side {
   std::string suffix;  // of its files
 };
 
+constexpr const char* kLeftSuffix = "Epi_L";
+constexpr const char* kRightSuffix = "Epi_R";
+
+std::string ResultPath(const AerialPhoto& source, const std::string& suffix, const std::string& extension) {
+  return DerivedName(source.name, suffix + extension);
+}
+
+// The result that one of the inputs would be lost to; "" if there is none.
+std::string FindInputAmongResults(const AerialPhoto& left, const AerialPhoto& right) {
+  const std::vector<std::string> inputs = {left.name, right.name, OrientationOf(left), OrientationOf(right)};
+  for (const char* const extension : {".lan", ".orn"}) {
+    for (const std::string& result :
+         {ResultPath(left, kLeftSuffix, extension), ResultPath(right, kRightSuffix, extension)}) {
+      if (IsOneOfFiles(result, inputs)) return result;
+    }
+  }
+  return "";
+}
+
+// What the last status text says.
+class PairNotes {
+ public:
+  void Add(const std::string& sentence) { sentences_ += sentence; }
+  void AddWritten(const AerialPhoto& photo) {
+    const auto [cols, rows] = photo.image.GetSize();
+    written_ += (written_.empty() ? " Written: " : ", ") + FileName(photo.name) + " (" +
+                std::to_string(cols) + " x " + std::to_string(rows) + ")";
+  }
+
+  std::string GetText() const { return written_ + (written_.empty() ? "" : ".") + sentences_; }
+
+ private:
+  std::string written_;
+  std::string sentences_;
+};
+
 // Resamples one of the images, and writes it and its orientation: that also where there is no image. False if
-// something could not be written, and in `told` what has been.
-bool WriteSide(const Side& side, double cell, std::string& told) {
+// something could not be written.
+bool WriteSide(const Side& side, double cell, PairNotes& notes) {
   AerialPhoto& epipolar = side.epipolar;
-  epipolar.name = DerivedName(side.source.name, side.suffix + ".lan");
+  epipolar.name = ResultPath(side.source, side.suffix, ".lan");
   Ui().SetStatusText(0, "Resampling the " + side.name + " image: " + side.source.name);
   const bool isMade = epipolar.ResampleFrom(side.source, side.extent.data(), cell) > 0;
   const bool isWritten = isMade && WriteImage(epipolar.name, epipolar.image);
   const bool isOriented =
-      epipolar.WriteOrientation(DerivedName(side.source.name, side.suffix + ".orn"), epipolar.name) > 0;
-  const auto [cols, rows] = epipolar.image.GetSize();
-  if (!isMade) {
-    told += " There is no " + side.name + " image of that overlap and cell size, or no memory for it.";
-  }
-  if (isWritten) {
-    told += " Written to " + epipolar.name + ": " + std::to_string(rows) + " rows, " + std::to_string(cols) +
-            " columns.";
-  }
-  told += CutText(side.source.image, "The " + side.name + " image");
+      epipolar.WriteOrientation(ResultPath(side.source, side.suffix, ".orn"), epipolar.name) > 0;
+  if (isWritten) notes.AddWritten(epipolar);
+  if (!isMade) notes.Add(" There is no " + side.name + " image of that overlap and cell size.");
+  notes.Add(CutText(side.source.image, "The " + side.name + " image"));
   epipolar.CloseImage();
   side.source.CloseImage();
   return isWritten && isOriented;
+}
+
+// Reads, resamples and writes both. Where the second can't be read what has been written stays.
+bool WritePair(AerialPhoto& left, AerialPhoto& right, EpipolarPair& pair, PairNotes& notes) {
+  bool isDone = true;
+  for (const Side& side : {Side{left, pair.left, pair.leftExtent, "left", kLeftSuffix},
+                           Side{right, pair.right, pair.rightExtent, "right", kRightSuffix}}) {
+    if (!ReadImage(side.source.name, side.source.image)) return false;
+    isDone = WriteSide(side, pair.cell, notes) && isDone;
+  }
+  return isDone;
+}
+
+// Whether the images lie more than a right angle off the photo that they are made from.
+bool IsTurnedOver(const AerialPhoto& source, const AerialPhoto& epipolar) {
+  return std::fabs(std::remainder(ToDegrees(epipolar.kappa - source.kappa), 360.0)) > 90.0;
+}
+
+// What the person may not have meant.
+void AddDoubts(const AerialPhoto& left, const AerialPhoto& right, const EpipolarPair& pair, double overlap,
+               PairNotes& notes) {
+  const auto numberText = [](double number) { return GeneralText(number, 6); };
+  for (const AerialPhoto* const photo : {&left, &right}) {
+    if (!photo->IsOriented()) notes.Add(NoOrientationText(FileName(OrientationOf(*photo))));
+  }
+  const bool areOriented = left.IsOriented() && right.IsOriented();
+  if (areOriented && pair.cell == 0.0) {
+    notes.Add(" The left photo's scale, " + numberText(left.GetScale()) + ", is 0 in thousandths.");
+  }
+  if (areOriented && IsTurnedOver(left, pair.left)) {
+    notes.Add(" The images are turned by more than 90 degrees: is the left photo really the left one?");
+  }
+  if (overlap > 1.0) {
+    notes.Add(" The overlap is a fraction: " + numberText(overlap) + " means " + numberText(100.0 * overlap) +
+              " %.");
+  }
 }
 
 }  // namespace
@@ -87,8 +162,15 @@ CommandResult OnCreateEpipolarImages(CCorvaneView&) {
   if (!paths) return CommandResult::Cancelled;
   AerialPhoto left;
   AerialPhoto right;
-  const std::string unopened = LoadPair((*paths)[0], (*paths)[1], left, right);
-  if (!unopened.empty()) return FailWithWarning("Open " + unopened + " error!");
+  left.name = (*paths)[0];
+  right.name = (*paths)[1];
+  const Unopened unopened = LoadPair(left, right);
+  if (!unopened.word.empty()) {
+    Ui().SetStatusText(0, unopened.path + " does not open.");
+    return FailWithWarning("Open " + unopened.word + " error!");
+  }
+  const std::string endangered = FindInputAmongResults(left, right);
+  if (!endangered.empty()) return FailToWrite(endangered, kIsInputText);
 
   WaitCursor wait;
   for (AerialPhoto* const photo : {&left, &right}) {
@@ -98,15 +180,11 @@ CommandResult OnCreateEpipolarImages(CCorvaneView&) {
   if (!overlap) return CommandResult::Cancelled;
 
   EpipolarPair pair(left, right, *overlap);
-  bool isDone = true;
-  std::string told;
-  for (const Side& side : {Side{left, pair.left, pair.leftExtent, "left", "Epi_L"},
-                           Side{right, pair.right, pair.rightExtent, "right", "Epi_R"}}) {
-    const bool isRead = ReadImage(side.source.name, side.source.image);
-    isDone = isRead && WriteSide(side, pair.cell, told) && isDone;
-    if (!isRead) break;  // what has been written stays
-  }
-  if (!told.empty()) Ui().SetStatusText(0, told.substr(1));
+  PairNotes notes;
+  const bool isDone = WritePair(left, right, pair, notes);
+  AddDoubts(left, right, pair, *overlap, notes);
+  const std::string text = notes.GetText();
+  if (!text.empty()) Ui().SetStatusText(0, text.substr(1));
   return ResultOf(isDone);
 }
 

@@ -47,6 +47,13 @@ class EpipolarCommandTest : public ImageCommandsTest {
     return Run(kCommand);
   }
 
+  static std::string SizeText(const AerialPhoto& photo) {
+    const auto [cols, rows] = photo.image.GetSize();
+    return std::to_string(cols) + " x " + std::to_string(rows);
+  }
+
+  std::string LastStatus() const { return ui.EventsWith("status").back(); }
+
   static const std::vector<std::string>& FilesBefore() {
     static const std::vector<std::string> files = {"a.lan", "a.orn", "b.lan", "b.orn"};
     return files;
@@ -93,24 +100,34 @@ TEST_F(EpipolarCommandTest, FilesHoldThePair) {
   EXPECT_EQ(epipolar.imageToPhoto[1][1], -0.1);
   EXPECT_NEAR(epipolar.imageToPhoto[0][2], pair.leftExtent[0], 1e-6);
   EXPECT_NEAR(epipolar.imageToPhoto[1][2], pair.leftExtent[4], 1e-6);
-  const auto status = ui.EventsWith("status").back();
-  EXPECT_NE(status.find("Written to aEpi_L.lan: "), std::string::npos) << status;
-  EXPECT_NE(status.find("Written to bEpi_R.lan: "), std::string::npos) << status;
+  EXPECT_EQ(LastStatus(), "status 0: Written: aEpi_L.lan (" + SizeText(pair.left) + "), bEpi_R.lan (" +
+                              SizeText(pair.right) + ").");
+}
+
+TEST_F(EpipolarCommandTest, ResultsAreToldWithoutFolders) {
+  std::filesystem::create_directory("p");
+  for (const char* name : {"a.lan", "a.orn", "b.lan", "b.orn"}) {
+    std::filesystem::rename(name, std::string("p/") + name);
+  }
+  ui.files = {{"p/a.lan"}, {"p/b.lan"}};
+  ui.values = {0.8};
+  EXPECT_EQ(Run(kCommand), CommandResult::Done);
+  EXPECT_THAT(LastStatus(), testing::StartsWith("status 0: Written: aEpi_L.lan ("));
+  EXPECT_THAT(LastStatus(), testing::HasSubstr("), bEpi_R.lan ("));
+  EXPECT_TRUE(std::filesystem::exists("p/aEpi_L.lan"));
 }
 
 TEST_F(EpipolarCommandTest, ChecksInOrder) {
   const std::string box = "message warning: Open ";
-  const auto expect = [&](const std::string& word) {
+  const auto expect = [&](const std::string& word, const std::string& path) {
+    std::filesystem::remove(path);
     ExpectFailure(kCommand, {{"a.lan"}, {"b.lan"}}, {box + word + " error!"});
+    EXPECT_EQ(LastStatus(), "status 0: " + path + " does not open.");
   };
-  std::filesystem::remove("b.orn");
-  expect("Right Orientation Parameters File");
-  std::filesystem::remove("a.orn");
-  expect("Left Orientation Parameters File");
-  std::filesystem::remove("b.lan");
-  expect("Right Image");
-  std::filesystem::remove("a.lan");
-  expect("Left Image");
+  expect("Right Orientation Parameters File", "b.orn");
+  expect("Left Orientation Parameters File", "a.orn");
+  expect("Right Image", "b.lan");
+  expect("Left Image", "a.lan");
   EXPECT_THAT(ui.EventsWith("value"), IsEmpty());
 }
 
@@ -160,9 +177,64 @@ TEST_F(EpipolarCommandTest, WithoutImagesTheOrientationsAreWritten) {
   EXPECT_EQ(RunOnBoth(), CommandResult::Failed);
   EXPECT_THAT(Messages(), IsEmpty());
   EXPECT_THAT(Files(), ElementsAre("a.lan", "a.orn", "aEpi_L.orn", "b.lan", "b.orn", "bEpi_R.orn"));
-  const auto status = ui.EventsWith("status").back();
-  EXPECT_NE(status.find("There is no left image"), std::string::npos) << status;
-  EXPECT_NE(status.find("There is no right image"), std::string::npos) << status;
+  EXPECT_EQ(LastStatus(),
+            "status 0: There is no left image of that overlap and cell size. There is no right image of that "
+            "overlap and cell size. The left photo's scale, 0.0004, is 0 in thousandths.");
+}
+
+TEST_F(EpipolarCommandTest, AnOverlapAboveOneIsToldToBeAFraction) {
+  RunOnBoth(60.0);
+  EXPECT_THAT(LastStatus(), testing::EndsWith(" The overlap is a fraction: 60 means 6000 %."));
+  EXPECT_EQ(RunOnBoth(1.1), CommandResult::Done);
+  EXPECT_THAT(LastStatus(), testing::EndsWith("). The overlap is a fraction: 1.1 means 110 %."));
+  EXPECT_EQ(RunOnBoth(1.0), CommandResult::Done);
+  EXPECT_THAT(LastStatus(), testing::EndsWith(")."));
+}
+
+TEST_F(EpipolarCommandTest, PhotosInTheWrongOrderAreTold) {
+  const std::string doubt =
+      " The images are turned by more than 90 degrees: is the left photo really the left one?";
+  ui.files = {{"b.lan"}, {"a.lan"}};
+  ui.values = {0.8};
+  EXPECT_EQ(Run(kCommand), CommandResult::Done);
+  EXPECT_THAT(LastStatus(), testing::EndsWith(doubt));
+  // The base is at 0 degrees: the photo's own angle counts, as a turn of less than a whole one.
+  for (const auto& [kappa, isTurned] :
+       {std::pair{90.1, true}, {-90.1, true}, {180.0, true}, {89.9, false}, {-89.9, false}, {350.0, false}}) {
+    WriteFileBytes("a.orn", OrientationText(1000, kappa));
+    RunOnBoth();
+    EXPECT_EQ(LastStatus().ends_with(doubt), isTurned) << kappa;
+  }
+}
+
+TEST_F(EpipolarCommandTest, AnInputIsNotWrittenOver) {
+  ASSERT_EQ(RunOnBoth(), CommandResult::Done);
+  const auto before = Files();
+  const std::string image = ReadFileBytes("aEpi_L.lan");
+  const auto reason = [](const std::string& path) {
+    return "message warning: Write file " + path + " error!\nIt is one of the files that the command reads.";
+  };
+  // The right image is what the left one's result is called.
+  ExpectFailure(kCommand, {{"a.lan"}, {"aEpi_L.lan"}}, {reason("aEpi_L.lan")});
+  EXPECT_EQ(ReadFileBytes("aEpi_L.lan"), image);
+  EXPECT_EQ(Files(), before);
+  // An orientation that is another name of a result.
+  std::filesystem::remove("b.orn");
+  std::filesystem::create_hard_link("aEpi_L.orn", "b.orn");
+  ExpectFailure(kCommand, {{"a.lan"}, {"b.lan"}}, {reason("aEpi_L.orn")});
+  EXPECT_THAT(ui.EventsWith("value"), IsEmpty());
+}
+
+TEST_F(EpipolarCommandTest, AForeignImageDoesNoHarm) {
+  // The size is looked for where a .lan has it.
+  ErdasImg foreign;
+  ASSERT_EQ(foreign.Create(HeaderOf(kPackByte, 1, 60, 40), false), 1);
+  foreign.Write("a.tif");
+  ui.files = {{"a.tif"}, {"b.lan"}};
+  ui.values = {0.6};
+  Run(kCommand);
+  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_THAT(Files(), testing::IsSupersetOf({"aEpi_L.orn", "bEpi_R.lan", "bEpi_R.orn"}));
 }
 
 TEST_F(EpipolarCommandTest, AnOverlapBeyondAllImagesDoesNoHarm) {
@@ -196,6 +268,8 @@ TEST_F(EpipolarCommandTest, AnOrientationOfAnyTextDoesNoHarm) {
         "a b c 0\n0 0 0\n0 0 0\n0 0 0\n0 0 0\n0 0 0\n0 0\n"}) {
     WriteFileBytes("a.orn", text);
     EXPECT_EQ(RunOnBoth(), CommandResult::Failed) << text;
+    EXPECT_THAT(LastStatus(), testing::EndsWith(" The numbers in a.orn make no orientation: it is cut short, "
+                                                "or a word stands among them."));
     EXPECT_THAT(Messages(), IsEmpty());
     EXPECT_EQ(ui.waitDepth, 0);
   }
@@ -204,8 +278,7 @@ TEST_F(EpipolarCommandTest, AnOrientationOfAnyTextDoesNoHarm) {
 TEST_F(EpipolarCommandTest, AFileThatIsCutShortIsTold) {
   std::filesystem::resize_file("a.lan", 128 + 60 * 39);
   EXPECT_EQ(RunOnBoth(), CommandResult::Done);
-  const auto status = ui.EventsWith("status").back();
-  EXPECT_NE(status.find("The left image is cut short: bytes missing: 60."), std::string::npos) << status;
+  EXPECT_THAT(LastStatus(), testing::HasSubstr(" The left image is cut short: bytes missing: 60."));
 }
 
 TEST_F(EpipolarCommandTest, HillsAsTheirOrientationsSay) {

@@ -34,12 +34,14 @@ class OrthophotoCommandTest : public ImageCommandsTest {
 
   // The pixels of a photo's row are `first`, `first` + 1, ... `first` + 49. It is moved by a fifth of a
   // pixel, off the edges of pixels.
-  static void WritePhoto(const std::string& stem, int x, int first) {
+  static void WritePhoto(const std::string& stem, int x, int first, int y = 2000,
+                         const std::string& kappa = "0") {
     std::string bytes = BytesOf(HeaderOf(kPackByte, 1, 50, 50));
     for (int i = 0; i < 50 * 50; ++i) bytes += static_cast<char>(first + i % 50);
     WriteFileBytes(stem + ".lan", bytes);
-    WriteFileBytes(stem + ".orn", "ORIENTATION n w\n150\n" + std::to_string(x + 25) +
-                                      " 1975 1500\n0 0 0\n90 0 0\n0.1 0 -2.52\n0 -0.1 2.52\n0 0\n0.1 0.1\n");
+    WriteFileBytes(stem + ".orn", "ORIENTATION n w\n150\n" + std::to_string(x + 25) + " " +
+                                      std::to_string(y - 25) + " 1500\n0 0 " + kappa +
+                                      "\n90 0 0\n0.1 0 -2.52\n0 -0.1 2.52\n0 0\n0.1 0.1\n");
   }
 
   static bool Cancel(Form&) { return false; }
@@ -56,6 +58,8 @@ class OrthophotoCommandTest : public ImageCommandsTest {
     image.GetPixel(0, row, col, value);
     return static_cast<int>(value);
   }
+
+  const std::string kNotWritten = "message warning: Write file o.lan error!\n";
 
   std::string LastStatus() const { return ui.EventsWith("status").back(); }
 };
@@ -145,8 +149,7 @@ TEST_F(OrthophotoCommandTest, AfterCancelOfTheExtentTheCellShownIsKept) {
   WriteFileBytes("a.orn",
                  "ORIENTATION n w\n150\n0 0 1500\n0 0 0\n90 0 0\n0.1 0 -2.5\n0 -0.1 2.5\n0 0\n0.1 0.1\n");
   EXPECT_EQ(RunWith({"a.lan"}, Cancel), CommandResult::Failed);
-  EXPECT_EQ(LastStatus(), "status 0: There is no cell in the extent of the photos.");
-  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_THAT(Messages(), ElementsAre(kNotWritten + "There is no cell in the extent of the photos."));
   EXPECT_THAT(Files(), ElementsAre("a.lan", "a.orn", "b.lan", "b.orn", "d.lan"));
 }
 
@@ -172,9 +175,23 @@ TEST_F(OrthophotoCommandTest, WithoutAPhotoTheCommandEndsSilently) {
       "status 0: No photo is left. Left out: none.lan (no orientation file), nor.lan (no orientation file).");
 }
 
-TEST_F(OrthophotoCommandTest, AnUnreadablePhotoLeavesAHole) {
-  std::filesystem::resize_file("a.lan", 60);  // its header is complete as far as sizes go
-  EXPECT_EQ(RunWith({"a.lan", "b.lan"}, Enter({{"cellSize", "1"}})), CommandResult::Done);
+// Cuts a photo short while the name of the output is asked for.
+class CuttingFrontEnd : public TestFrontEnd {
+ public:
+  std::optional<std::vector<std::string>> ChooseFiles(const FileChooser& chooser) override {
+    if (chooser.mode == FileChooser::Mode::Save) std::filesystem::resize_file("a.lan", 60);
+    return TestFrontEnd::ChooseFiles(chooser);
+  }
+};
+
+TEST_F(OrthophotoCommandTest, APhotoThatCannotBeReadInTheEndLeavesAHole) {
+  {
+    CuttingFrontEnd cutting;
+    cutting.files = {{"d.lan"}, {"a.lan", "b.lan"}, {"o.lan"}};
+    cutting.forms = {Enter({{"cellSize", "1"}})};
+    EXPECT_EQ(Run(kCommand), CommandResult::Failed);
+    ui.events = cutting.events;
+  }
   EXPECT_THAT(Messages(),
               ElementsAre("message warning: Open file a.lan error!\nIt is shorter than the header of "
                           "an image."));
@@ -183,6 +200,90 @@ TEST_F(OrthophotoCommandTest, AnUnreadablePhotoLeavesAHole) {
   EXPECT_EQ(PixelOf(output, 5, 10), 0);
   EXPECT_GT(PixelOf(output, 5, 40), 100);
   EXPECT_THAT(LastStatus(), testing::EndsWith("Photos: 1 of 2. Left out: a.lan (could not be read)."));
+}
+
+TEST_F(OrthophotoCommandTest, FilesThatAreNoImagesAreLeftOut) {
+  ErdasImg foreign;
+  ASSERT_EQ(foreign.Create(HeaderOf(kPackByte, 1, 50, 50), false), 1);
+  foreign.Write("f.tif");
+  WriteFileBytes("text.lan", ReadFileBytes("a.orn") + ReadFileBytes("a.orn"));
+  WriteFileBytes("empty.lan", "");
+  WriteFileBytes("many.lan", BytesOf(HeaderOf(kPackByte, 60000, 50, 50)));
+  for (const char* stem : {"f", "text", "empty", "many"}) {
+    WriteFileBytes(std::string(stem) + ".orn", ReadFileBytes("a.orn"));
+  }
+  const std::vector<std::string> none = {"f.tif", "text.lan", "empty.lan", "many.lan"};
+  const std::string omitted =
+      " Left out: f.tif (it is no image), text.lan (it is no image), empty.lan (it is no image), many.lan "
+      "(it "
+      "is no image).";
+  EXPECT_EQ(RunWith(none), CommandResult::Failed);
+  EXPECT_EQ(LastStatus(), "status 0: No photo is left." + omitted);
+  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_FALSE(std::filesystem::exists("o.lan"));
+  EXPECT_EQ(RunWith({"f.tif", "text.lan", "empty.lan", "many.lan", "a.lan"}), CommandResult::Done);
+  EXPECT_THAT(LastStatus(), testing::EndsWith(" Photos: 1 of 5." + omitted));
+}
+
+TEST_F(OrthophotoCommandTest, APhotoThatIsOrientedNowhereIsTold) {
+  WriteFileBytes("a.orn", "");
+  EXPECT_EQ(RunWith({"a.lan"}), CommandResult::Failed);
+  EXPECT_EQ(LastStatus(),
+            "status 0: No photo is left. Left out: a.lan (its orientation file makes no orientation).");
+}
+
+TEST_F(OrthophotoCommandTest, NotesNamePhotosWithoutFolders) {
+  std::filesystem::create_directory("p");
+  std::filesystem::rename("a.lan", "p/a.lan");
+  EXPECT_EQ(RunWith({"p/a.lan"}), CommandResult::Failed);
+  EXPECT_EQ(LastStatus(), "status 0: No photo is left. Left out: a.lan (no orientation file).");
+}
+
+// The photo's upper side falls from 1.29 to 1.11 cells above the extent, within a row, and its right side
+// goes on down: this row has three crossings.
+TEST_F(OrthophotoCommandTest, WhereNoCellIsPaintedNothingIsWritten) {
+  WritePhoto("a", 1000, 1, 2000, "-0.2");
+  WriteFileBytes("o.lan", "old");
+  EXPECT_EQ(RunWith({"a.lan"}, Enter({{"cellSize", "1"}, {"yEnd", "1999"}})), CommandResult::Failed);
+  EXPECT_EQ(LastStatus(),
+            "status 0: No cell is painted, so o.lan is not written. Left out: a.lan (its footprint can't be "
+            "followed in cells of this size).");
+  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_EQ(ReadFileBytes("o.lan"), "old");
+}
+
+// Cropped the photo is 20 units high, 22.2 cells, and 30 wide, along which its sides fall by 0.12 cells. The
+// upper one comes from 9.94 to 10.06 cells below the output's, two rows; the lower one stays in row 32, which
+// has three crossings.
+TEST_F(OrthophotoCommandTest, APhotoPaintedInPartIsTold) {
+  WritePhoto("a", 1000, 1, 2000, "-0.2");
+  WritePhoto("b", 1020, 101, 2009);
+  WritePhoto("c", 1020, 101, 1995);
+  EXPECT_EQ(RunWith({"b.lan", "c.lan", "a.lan"}, Enter({{"cellSize", "0.9"}})), CommandResult::Done);
+  EXPECT_THAT(LastStatus(),
+              testing::EndsWith(" Photos: 3 of 3. Painted in part: a.lan (its footprint can't be followed in "
+                                "cells of this size)."));
+  EXPECT_THAT(Messages(), IsEmpty());
+  ErdasImg output;
+  ASSERT_EQ(output.Read("o.lan"), 1);
+  EXPECT_GT(PixelOf(output, 5, 40), 100);
+  EXPECT_GT(PixelOf(output, 15, 10), 0);
+  EXPECT_LT(PixelOf(output, 15, 10), 60);
+}
+
+TEST_F(OrthophotoCommandTest, AnInputIsNotWrittenOver) {
+  const auto before = Files();
+  const std::string photo = ReadFileBytes("a.lan");
+  for (const std::string name : {"d.lan", "a.lan", "./b.lan"}) {
+    ui.events.clear();
+    ui.files = {{"d.lan"}, {"a.lan", "b.lan"}, {name}};
+    ui.forms = {Accept};
+    EXPECT_EQ(Run(kCommand), CommandResult::Failed);
+    EXPECT_THAT(Messages(), ElementsAre("message warning: Write file " + name +
+                                        " error!\nIt is one of the files that the command reads."));
+  }
+  EXPECT_EQ(Files(), before);
+  EXPECT_EQ(ReadFileBytes("a.lan"), photo);
 }
 
 TEST_F(OrthophotoCommandTest, APhotoThatIsCutShortIsPaintedAndTold) {
@@ -195,7 +296,8 @@ TEST_F(OrthophotoCommandTest, NoMoreThan256PhotosAreTaken) {
   std::vector<std::string> names(257, "a.lan");
   names.back() = "none.lan";
   EXPECT_EQ(RunWith(names), CommandResult::Done);
-  EXPECT_THAT(LastStatus(), testing::EndsWith("Photos: 256 of 257."));
+  EXPECT_THAT(LastStatus(), testing::EndsWith("Photos: 256 of 257. Left out: the last 1, as no more than 256 "
+                                              "are taken."));
 }
 
 TEST_F(OrthophotoCommandTest, CancelAtEachPrompt) {
@@ -219,9 +321,15 @@ TEST_F(OrthophotoCommandTest, ADemThatCannotBeRead) {
 }
 
 TEST_F(OrthophotoCommandTest, CellsThatMakeNoImage) {
-  for (const char* cell : {"0", "-1", "1e-7", "1e-30", "1e9"}) {
+  const std::string notAbove = "The cell size must be above 0.";
+  const std::string tooLarge = "The orthophoto would be too large. Choose larger cells.";
+  for (const auto& [cell, reason] : {std::pair<std::string, std::string>{"0", notAbove},
+                                     {"-1", notAbove},
+                                     {"1e-7", tooLarge},
+                                     {"1e-30", tooLarge},
+                                     {"1e9", "There is no cell in the extent of the photos."}}) {
     EXPECT_EQ(RunWith({"a.lan"}, Enter({{"cellSize", cell}})), CommandResult::Failed) << cell;
-    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_THAT(Messages(), ElementsAre(kNotWritten + reason));
     EXPECT_FALSE(std::filesystem::exists("o.lan"));
     EXPECT_EQ(ui.waitDepth, 0);
   }
@@ -232,6 +340,18 @@ TEST_F(OrthophotoCommandTest, AnOutputThatCannotBeWritten) {
   ui.forms = {Accept};
   EXPECT_EQ(Run(kCommand), CommandResult::Failed);
   EXPECT_THAT(Messages(), ElementsAre("message warning: Write file none/o.lan error!"));
+}
+
+TEST_F(OrthophotoCommandTest, HillsInLargeCellsCannotBeFollowed) {
+  if (SharedData("block/hills_dem.lan").empty()) GTEST_SKIP() << "no real test data";
+  const std::string photo = SharedData("block/hills_s2p3.lan");
+  ui.files = {{SharedData("block/hills_dem.lan")}, {photo, photo}, {"o.lan"}};
+  ui.forms = {Enter({{"cellSize", "5"}, {"yEnd", "5700"}})};
+  EXPECT_EQ(Run(kCommand), CommandResult::Failed);
+  const std::string stopped = "hills_s2p3.lan (its footprint can't be followed in cells of this size)";
+  EXPECT_EQ(LastStatus(), "status 0: No cell is painted, so o.lan is not written. Left out: " + stopped +
+                              ", " + stopped + ".");
+  EXPECT_FALSE(std::filesystem::exists("o.lan"));
 }
 
 TEST_F(OrthophotoCommandTest, HillsShowTheGroundWhereItIs) {
@@ -245,7 +365,7 @@ TEST_F(OrthophotoCommandTest, HillsShowTheGroundWhereItIs) {
     photos.push_back(std::string(name) + ".lan");
   }
   ui.files = {{SharedData("block/hills_dem.lan")}, photos, {"o.lan"}};
-  ui.forms = {Enter({{"cellSize", "0.75"}})};
+  ui.forms = {Enter({{"cellSize", "0.625"}})};
   EXPECT_EQ(Run(kCommand), CommandResult::Done);
   ErdasImg output;
   ErdasImg dem;
@@ -265,8 +385,8 @@ TEST_F(OrthophotoCommandTest, HillsShowTheGroundWhereItIs) {
       const int pixel = PixelOf(output, row, col);
       if (pixel == 0) continue;
       ++nPainted;
-      const double x = header.xMap + col * 0.75;
-      const double y = header.yMap - row * 0.75;
+      const double x = header.xMap + col * 0.625;
+      const double y = header.yMap - row * 0.625;
       double z = 0.0;
       dem.GetPixelXY(0, x, y, z);
       const bool isShown = std::any_of(sources.begin(), sources.end(), [&](const auto& photo) {

@@ -5,8 +5,10 @@
 #include <vector>
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
+#include "OpenGL/Stereo_2Cursor/ImageProgress.h"
 #include "OpenGL/Stereo_2Cursor/PixelPlaces.h"
 #include "erdasimg/BandPixels.h"
+#include "io/Paths.h"
 #include "numerics/Truncate.h"
 
 namespace corvane {
@@ -139,6 +141,8 @@ class OrthoPainter {
     }
   }
 
+  std::int64_t GetPaintedCount() const { return nPainted_; }
+
  private:
   // From column c0 to c1, both included.
   void PaintRun(std::int32_t row, std::int32_t c0, std::int32_t c1) {
@@ -153,6 +157,8 @@ class OrthoPainter {
       heights.Next(columns_.GetDemCols(), n, heights_.data());
       ProjectCells(photo_.groundToImage.get(), centre, columns_.GetX(), y, heights_.data(), n, limits_,
                    places_);
+      nPainted_ += std::count_if(places_.rows, places_.rows + n,
+                                 [](std::int32_t place) { return place != PixelPlaces::kNone; });
       Paint(row, col, n);
       col += n;
     }
@@ -181,10 +187,12 @@ class OrthoPainter {
   std::vector<double> values_;  // of one pixel, in all bands of either image
   bool isPlain_;                // whether pixels are copied as they are
   PixelPlaces places_;
+  std::int64_t nPainted_ = 0;
 };
 
 // Paints all rows; as OrthoFill. Few rows of the footprint are held at a time.
-int PaintFootprint(const Footprint& footprint, OrthoPainter& painter, const ErdasHeader& header) {
+int PaintFootprint(const Footprint& footprint, OrthoPainter& painter, const ErdasHeader& header,
+                   const ImageProgress& progress) {
   constexpr std::int32_t kRowsAtOnce = 1024;
   for (std::int32_t first = 0; first < header.rows;) {
     const std::int32_t last = first + std::min(header.rows - first, kRowsAtOnce) - 1;
@@ -194,6 +202,7 @@ int PaintFootprint(const Footprint& footprint, OrthoPainter& painter, const Erda
     for (const ScanRow& row : region.GetRows()) painter.PaintRow(row);
     if (status < 0) return 0;
     first = last + 1;
+    progress.Tell(first, header.rows);
   }
   return 1;
 }
@@ -211,7 +220,8 @@ void AerialPhoto::FootprintAtHeight(const CropFractions& fractions, double z, Fo
 }
 
 int AerialPhoto::OrthoFill(const Footprint* footprint, bool footprintIsInImage, const ErdasImg* dem,
-                           ErdasImg* output) const {
+                           ErdasImg* output, std::int64_t* nPainted) const {
+  if (nPainted) *nPainted = 0;
   if (!footprint || !dem || !output) return 0;
   Footprint ground = *footprint;
   if (footprintIsInImage) {
@@ -224,7 +234,10 @@ int AerialPhoto::OrthoFill(const Footprint* footprint, bool footprintIsInImage, 
   if (output->GetSize().cx <= 0) return 1;
   try {
     OrthoPainter painter(*this, *dem, *output);
-    return PaintFootprint(ground, painter, *output->GetHeader());
+    const ImageProgress progress("Orthophoto: " + FileName(name), output->GetSize());
+    const int status = PaintFootprint(ground, painter, *output->GetHeader(), progress);
+    if (nPainted) *nPainted = painter.GetPaintedCount();
+    return status;
   } catch (const std::exception&) {  // no memory
     return 0;
   }

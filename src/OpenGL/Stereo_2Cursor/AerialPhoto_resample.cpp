@@ -4,8 +4,10 @@
 #include <cmath>
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
+#include "OpenGL/Stereo_2Cursor/ImageProgress.h"
 #include "OpenGL/Stereo_2Cursor/PixelPlaces.h"
 #include "erdasimg/RasterTools.h"
+#include "io/Paths.h"
 #include "numerics/Extents.h"
 
 namespace corvane {
@@ -29,7 +31,7 @@ PlaceLimits LimitsOf(const ImageSize& size) {
 }
 
 // Strip by strip, so that a source that lies at a right angle to the result is not walked column by column.
-void MapImage(const ErdasImg& from, ConstMatrix h, ErdasImg& to) {
+void MapImage(const ErdasImg& from, ConstMatrix h, ErdasImg& to, const ImageProgress& progress) {
   const PlaceLimits limits = LimitsOf(from.GetSize());
   const auto [cols, rows] = to.GetSize();
   PixelPlaces places;
@@ -40,7 +42,15 @@ void MapImage(const ErdasImg& from, ConstMatrix h, ErdasImg& to) {
       MapCells(h, row, firstCol, n, limits, places);
       TakePixels(from, places, n, to, row, firstCol);
     }
+    progress.Tell(first + n, cols);
   }
+}
+
+// Whether anybody makes an image of this size of the source: bad numbers may ask for any.
+bool IsSensible(double rows, double cols, const ImageSize& source) {
+  constexpr double kFew = 1 << 26;
+  constexpr double kPixelsOfOne = 256.0;
+  return std::trunc(rows) * std::trunc(cols) <= std::max(kFew, kPixelsOfOne * source.cx * source.cy);
 }
 
 }  // namespace
@@ -93,8 +103,10 @@ int AerialPhoto::ResampleFrom(const AerialPhoto& source, const double extent[6],
   header.yCell = static_cast<float>(-s);
   const double rows = (extent[4] - extent[1]) / s;
   const double cols = (extent[3] - extent[0]) / s;
+  image.Free();
+  if (!IsSensible(rows, cols, source.image.GetSize())) return -1;
   if (MakeImage(header, rows, cols, image) < 0) return -1;
-  MapImage(source.image, resampleMap.get(), image);
+  MapImage(source.image, resampleMap.get(), image, {"Resampling " + FileName(source.name), image.GetSize()});
   return 1;
 }
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "erdasimg/LanLack.h"
 #include "erdasimg/RasterTools.h"
+#include "io/InputFile.h"
 #include "io/Paths.h"
 #include "numerics/Extents.h"
 
@@ -12,6 +14,12 @@ namespace corvane {
 namespace {
 
 constexpr CropFractions kCropOfSeveral = {.left = 0.3, .right = 0.3, .top = 0.2, .bottom = 0.2};
+
+// Output takes its bands and type from a header, which so has to be one. Of a pipe there is no length.
+bool IsImage(const std::string& path, const ErdasHeader& header) {
+  const auto nBytes = InputFile(path).BytesLeft();
+  return LackOf(header, nBytes.value_or(INT64_MAX)) == LanLack::Nothing;
+}
 
 }  // namespace
 
@@ -26,6 +34,7 @@ OrthoMosaic::Taken OrthoMosaic::Add(const std::string& path) {
   const std::string orientation = ExistingOrientation(DerivedName(path, ".orn"));
   if (photo.LoadOrientation(orientation) < 0) return Taken::NoOrientation;
   if (photo.image.ReadHeader(path) < 0) return Taken::NoHeader;
+  if (!IsImage(path, *photo.image.GetHeader())) return Taken::NoImage;
   photo.name = path;
 
   photo.FootprintAtHeight(crop_, HeightUnder(photo), added->footprint);
@@ -34,7 +43,9 @@ OrthoMosaic::Taken OrthoMosaic::Add(const std::string& path) {
   double covered[4];
   const bool isNumber = std::none_of(added->footprint.begin(), added->footprint.end(),
                                      [](double coordinate) { return std::isnan(coordinate); });
-  if (!isNumber || IntersectExtents(extent, wanted_, covered) == 0) return Taken::Outside;
+  if (!isNumber || IntersectExtents(extent, wanted_, covered) == 0) {
+    return isNumber && photo.IsOriented() ? Taken::Outside : Taken::Unoriented;
+  }
   if (photos_.empty()) std::copy_n(covered, 4, covered_);
   UnionExtents(covered_, covered);
   photos_.push_back(std::move(added));

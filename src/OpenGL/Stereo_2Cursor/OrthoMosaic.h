@@ -19,7 +19,14 @@ namespace corvane {
 class OrthoMosaic {
  public:
   // What has become of a photo.
-  enum class Taken { Yes, NoOrientation, NoHeader, Outside };
+  enum class Taken {
+    Yes,
+    NoOrientation,
+    NoHeader,    // its file does not open
+    NoImage,     // by LackOf its header and the length of its file
+    Unoriented,  // nothing is left of it, and its orientation is none, by its footprint or IsOriented
+    Outside,
+  };
 
   struct Photo {
     AerialPhoto photo;  // with its header, and no pixels

@@ -40,9 +40,8 @@ void MapCells(ConstMatrix h, std::int32_t row, std::int32_t firstCol, std::int32
 void ProjectCells(ConstMatrix p, const double centre[3], const double* x, double y, const double* z,
                   std::int32_t n, const PlaceLimits& limits, PixelPlaces& places);
 
-// Stores the pixels at the places, which lie within `from`, into the cells (row, firstCol), (row, firstCol +
-// 1),
-// ... of `to`, an image of the same pixel type: in all of its bands, 0 in those that `from` lacks.
+// Stores the pixels at the places, which lie within `from`, into the cells from (row, firstCol) on of `to`,
+// an image of the same pixel type: in all of its bands, 0 in those that `from` lacks.
 void TakePixels(const ErdasImg& from, const PixelPlaces& places, std::int32_t n, ErdasImg& to,
                 std::int32_t row, std::int32_t firstCol);
 

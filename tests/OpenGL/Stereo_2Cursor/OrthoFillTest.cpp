@@ -4,6 +4,7 @@
 
 #include "OpenGL/Stereo_2Cursor/ResampleFixture.h"
 #include "numerics/Extents.h"
+#include "support/TestFrontEnd.h"
 
 namespace corvane {
 namespace {
@@ -15,7 +16,8 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 const PhotoElements kVertical = {.f = 150.0, .a = 0.1, .c = -10.0, .e = -0.1, .g = 10.0};
 
 // The documented routine, a cell at a time.
-int FillPlainly(const AerialPhoto& photo, const Footprint& footprint, const ErdasImg& dem, ErdasImg& output) {
+int FillPlainly(const AerialPhoto& photo, const Footprint& footprint, const ErdasImg& dem, ErdasImg& output,
+                std::int64_t& nPainted) {
   const ErdasHeader& header = *output.GetHeader();
   const ErdasHeader& own = *photo.image.GetHeader();
   ScanRegion region;
@@ -41,6 +43,7 @@ int FillPlainly(const AerialPhoto& photo, const Footprint& footprint, const Erda
         if (!isInside) continue;
         photo.image.GetPixels(static_cast<int>(row), static_cast<int>(col), values.data());
         output.SetPixels(r, c, values.data());
+        ++nPainted;
       }
     }
   }
@@ -79,13 +82,16 @@ int ExpectAsPlain(const AerialPhoto& photo, const Footprint& footprint, const Er
                   const ErdasImg& start) {
   ErdasImg expected;
   start.CopyTo(expected);
-  const int status = FillPlainly(photo, footprint, dem, expected);
+  std::int64_t nExpected = 0;
+  const int status = FillPlainly(photo, footprint, dem, expected, nExpected);
   for (const SimdVersion version : AvailableSimdVersions()) {
     const ForcedSimdVersion forced(version);
     ErdasImg output;
     start.CopyTo(output);
-    EXPECT_EQ(photo.OrthoFill(&footprint, false, &dem, &output), status);
+    std::int64_t nPainted = -1;
+    EXPECT_EQ(photo.OrthoFill(&footprint, false, &dem, &output, &nPainted), status);
     ExpectSamePixels(output, expected);
+    EXPECT_EQ(nPainted, nExpected);
   }
   return CountPainted(expected);
 }
@@ -122,7 +128,9 @@ TEST(OrthoFill, NullArguments) {
   const Footprint footprint{};
   const ErdasImg dem;
   ErdasImg output;
-  EXPECT_EQ(photo.OrthoFill(nullptr, false, &dem, &output), 0);
+  std::int64_t nPainted = -1;
+  EXPECT_EQ(photo.OrthoFill(nullptr, false, &dem, &output, &nPainted), 0);
+  EXPECT_EQ(nPainted, 0);
   EXPECT_EQ(photo.OrthoFill(&footprint, false, nullptr, &output), 0);
   EXPECT_EQ(photo.OrthoFill(&footprint, false, &dem, nullptr), 0);
 }
@@ -376,6 +384,31 @@ TEST(OrthoFill, FootprintsThatReachTheHorizon) {
     EXPECT_EQ(photo.OrthoFill(&none, false, &dem, &output), 0);
     EXPECT_EQ(CountPainted(output), 0);
   }
+}
+
+TEST(OrthoFill, TheWayToALargeOutputIsTold) {
+  TestFrontEnd ui;
+  AerialPhoto photo;
+  SetPhoto(photo, kVertical);
+  photo.name = "photos/a.lan";
+  MakePattern(photo.image, kPackByte, 1, 200, 200);
+  ErdasImg dem;
+  MakeDem(kPackFloat, 0, 0, 1, 1, dem);
+  const Footprint footprint = {1000, 2000, 1010, 2000, 1010, 1990, 1000, 1990};
+  ErdasHeader header = HeaderOf(kPackByte, 1, 1024, 65536);
+  header.xMap = 1000.0f;
+  header.yMap = 2000.0f;
+  ErdasImg output;
+  ASSERT_EQ(output.Create(header, false), 1);
+  EXPECT_EQ(photo.OrthoFill(&footprint, false, &dem, &output), 1);
+  EXPECT_TRUE(ui.EventsWith("status").empty());
+  ++header.cols;
+  ASSERT_EQ(output.Create(header, false), 1);
+  EXPECT_EQ(photo.OrthoFill(&footprint, false, &dem, &output), 1);
+  const auto told = ui.EventsWith("status");
+  ASSERT_EQ(told.size(), 64u);
+  EXPECT_EQ(told.front(), "status 0: Orthophoto: a.lan, 1 %");
+  EXPECT_EQ(told.back(), "status 0: Orthophoto: a.lan, 100 %");
 }
 
 TEST(OrthoFill, GridsThatAreNone) {

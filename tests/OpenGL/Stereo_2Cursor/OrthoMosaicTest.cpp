@@ -95,6 +95,28 @@ TEST_F(OrthoMosaicTest, PhotosThatAreLeftOut) {
   EXPECT_TRUE(mosaic.GetPhotos().empty());
 }
 
+TEST_F(OrthoMosaicTest, FilesThatAreNoImagesAreLeftOut) {
+  WritePhoto("a", 1000, 2000);
+  const std::string orientation = ReadFileBytes("a.orn");
+  const auto add = [&](const std::string& bytes) {
+    WriteFileBytes("b.lan", bytes);
+    WriteFileBytes("b.orn", orientation);
+    OrthoMosaic mosaic(dem, everything, 1);
+    const Taken taken = mosaic.Add("b.lan");
+    EXPECT_EQ(mosaic.GetPhotos().size(), taken == Taken::Yes ? 1u : 0u);
+    return taken;
+  };
+  EXPECT_EQ(add(""), Taken::NoImage);
+  EXPECT_EQ(add(BytesOf(HeaderOf(kPackByte, 1, 100, 100)).substr(0, 127)), Taken::NoImage);
+  EXPECT_EQ(add(BytesOf(HeaderOf(kPackByte, 0, 100, 100))), Taken::NoImage);
+  EXPECT_EQ(add(BytesOf(HeaderOf(kPackByte, 1, -100, 100))), Taken::NoImage);
+  EXPECT_EQ(add(orientation), Taken::NoImage);  // letters as a size
+  // 60 million bytes may be missing, 600 million may not.
+  EXPECT_EQ(add(BytesOf(HeaderOf(kPackByte, 6000, 100, 100))), Taken::Yes);
+  EXPECT_EQ(add(BytesOf(HeaderOf(kPackByte, 60000, 100, 100))), Taken::NoImage);
+  EXPECT_TRUE(ui.EventsWith("message").empty());
+}
+
 TEST_F(OrthoMosaicTest, OrientationWithTheExtensionInCapitals) {
   WritePhoto("a", 1000, 2000);
   WriteFileBytes("b.lan", ReadFileBytes("a.lan"));
@@ -145,9 +167,19 @@ TEST_F(OrthoMosaicTest, CellsAndOrientationsThatMakeNoImage) {
 
   WriteFileBytes("b.lan", ReadFileBytes("a.lan"));
   WriteFileBytes("b.orn", "");  // all zero
-  EXPECT_EQ(mosaic.Add("b.lan"), Taken::Outside);
+  EXPECT_EQ(mosaic.Add("b.lan"), Taken::Unoriented);
   WriteFileBytes("b.orn", "O n w nan");
-  EXPECT_EQ(mosaic.Add("b.lan"), Taken::Outside);
+  EXPECT_EQ(mosaic.Add("b.lan"), Taken::Unoriented);
+}
+
+TEST_F(OrthoMosaicTest, APhotoWithoutAnOrientationCountsAsThatOutsideOfTheExtent) {
+  // f is 0, and all rays meet the ground at the point (50, 60) below the camera.
+  WriteFileBytes("a.lan", BytesOf(HeaderOf(kPackByte, 1, 100, 100)));
+  WriteFileBytes("a.orn", "O n w\n0\n50 60 1500\n180 90 0\n0 0 0\n0 0 1\n0 0 1\n0 0\n");
+  OrthoMosaic within(dem, everything, 1);
+  EXPECT_EQ(within.Add("a.lan"), Taken::Yes);
+  OrthoMosaic beside(dem, {.minX = 1e8, .minY = 1e8, .maxX = 1e9, .maxY = 1e9}, 1);
+  EXPECT_EQ(beside.Add("a.lan"), Taken::Unoriented);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "OpenGL/Stereo_2Cursor/ResampleFixture.h"
+#include "support/TestFrontEnd.h"
 
 namespace corvane {
 namespace {
@@ -270,6 +271,34 @@ TEST(ResampleFrom, SizesThatMakeNoImage) {
     const double extent[6] = {-5, -2.5, 1, maxX, 2.5, 1};
     EXPECT_EQ(photo.ResampleFrom(source, extent, 0.5), -1) << maxX;
   }
+}
+
+// 2^26 pixels, or 256 for each of the source's. Headers alone do: no pixel is there.
+TEST(ResampleFrom, SizesThatNobodyMeansMakeNoImage) {
+  TestFrontEnd ui;
+  AerialPhoto source;
+  source.name = "photos/a.lan";
+  AerialPhoto photo;
+  const auto resample = [&](double cols, double rows) {
+    const double extent[6] = {0, 0, 1, cols, rows, 1};
+    const int status = photo.ResampleFrom(source, extent, 1.0);
+    EXPECT_EQ(photo.image.HasPixels(), status == 1);
+    return status;
+  };
+  source.image.SetSize(20, 10);
+  EXPECT_EQ(resample(8192.9, 8192.9), 1);
+  EXPECT_EQ(resample(8193, 8192), -1);
+  EXPECT_EQ(resample(8192, 8193), -1);
+  EXPECT_EQ(resample(2e9, 2e9), -1);
+  EXPECT_TRUE(ui.EventsWith("status").empty());
+  source.image.SetSize(512, 520);  // times 256 is 8192 times 8320
+  EXPECT_EQ(resample(8192, 8320), 1);
+  EXPECT_EQ(resample(8192, 8321), -1);
+  // The way there is told strip by strip.
+  const auto told = ui.EventsWith("status");
+  ASSERT_EQ(told.size(), 16u);
+  EXPECT_EQ(told.front(), "status 0: Resampling a.lan, 6 %");
+  EXPECT_EQ(told.back(), "status 0: Resampling a.lan, 100 %");
 }
 
 }  // namespace
