@@ -18,11 +18,6 @@ void AppendUnits(std::string& text, std::int64_t units, int decimals) {
   AppendFixed(text, value, decimals);
 }
 
-bool WriteText(const std::filesystem::path& path, const std::string& text) {
-  OutputFile file(path.string());
-  return file.IsOpen() && file.Write(text) && file.Commit();
-}
-
 void AppendAngles(std::string& text, const Exterior& exterior) {
   for (const std::int64_t angle : {exterior.omega, exterior.phi, exterior.kappa}) {
     text += ' ';
@@ -258,7 +253,7 @@ bool WritePhotoBlock(const PhotoBlock& block, const std::filesystem::path& folde
     return good;
   };
   const auto text = [&](const std::string& name, const std::string& content) {
-    return note(WriteText(folder / name, content), folder / name);
+    return note(WriteWholeFile((folder / name).string(), content), folder / name);
   };
 
   std::vector<Exterior> truth;

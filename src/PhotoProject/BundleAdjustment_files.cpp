@@ -14,11 +14,6 @@ namespace corvane {
 
 namespace {
 
-int WriteText(const std::string& path, const std::string& text) {
-  OutputFile file(path);
-  return file.IsOpen() && file.Write(text) && file.Commit() ? 1 : -1;
-}
-
 // "%f, %f, %f\n" of as many as there are
 void AppendPlainLine(std::string& text, std::initializer_list<double> numbers) {
   for (const double number : numbers) {
@@ -41,7 +36,7 @@ int WriteSolution(const std::string& path, int p, int q, const double* x, std::s
   std::string text;
   for (int k = 0; k < p; ++k, x += kPhotoUnknowns) AppendMatrixRow(text, x, kPhotoUnknowns, separator);
   for (int j = 0; j < q; ++j, x += kPointUnknowns) AppendMatrixRow(text, x, kPointUnknowns, separator);
-  return WriteText(path, text);
+  return WriteWholeFile(path, text) ? 1 : -1;
 }
 
 int WriteResult(const PhotoProject& project, const std::string& path) {
@@ -57,7 +52,7 @@ int WriteResult(const PhotoProject& project, const std::string& path) {
     AppendPlainLine(text, {point.x, point.y, point.z});
     if (i + 1 == project.controlCount) text += '\n';
   }
-  return WriteText(path, text);
+  return WriteWholeFile(path, text) ? 1 : -1;
 }
 
 }  // namespace corvane

@@ -142,7 +142,7 @@ class PhotoProject {
   double cameraParam3 = 0.0;
   double cameraParam4 = 0.0;
   double fiducialCountRaw = 0.0;  // of the camera file; its low 32 bits, an integer, are what counts
-  std::array<Point2, AerialPhoto::kFiducials> fiducials{};
+  Fiducials fiducials{};
   std::vector<std::vector<std::unique_ptr<AerialPhoto>>> photos;  // [strip][photo]
   std::vector<std::string> photosWithoutBlock;                    // names: no interior or no exterior one
   std::vector<std::string> writtenFiles;                          // by Read and by what came after it

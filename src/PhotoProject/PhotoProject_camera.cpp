@@ -32,13 +32,9 @@ double WithLowHalf(double value, std::int32_t low) {
 }
 
 // Reads the lines until one does not fit: the number of them can be hundreds of millions by mistake.
-void ScanFiducials(TextScanner& text, std::int32_t nLines,
-                   std::array<Point2, AerialPhoto::kFiducials>& fiducials) {
+void ScanFiducials(TextScanner& text, std::int32_t nLines, Fiducials& fiducials) {
   for (std::int32_t i = 0; i < nLines; ++i) {
-    std::int32_t number = 0;
-    Point2 place;
-    if (!text.ScanInt(number) || !ScanReals(text, {&place.x, &place.y})) return;
-    if (number >= 0 && number < AerialPhoto::kFiducials) fiducials[static_cast<std::size_t>(number)] = place;
+    if (!ScanFiducial(text, fiducials)) return;
   }
 }
 

@@ -188,12 +188,7 @@ class ProjectReader {
 
   bool ReadFiducials(AerialPhoto& photo) {
     for (int i = 0; i < photo.fiducialCount; ++i) {
-      int number = 0;
-      Point2 place;
-      if (!text_.ScanInt(number) || !ScanReals(text_, {&place.x, &place.y})) return false;
-      if (number >= 0 && number < AerialPhoto::kFiducials) {
-        photo.fiducials[static_cast<std::size_t>(number)] = place;
-      }
+      if (!ScanFiducial(text_, photo.fiducials)) return false;
     }
     return true;
   }
@@ -203,11 +198,7 @@ class ProjectReader {
     if (!ScanReals(text_, {&a[0][0], &a[0][1], &a[0][2], &a[1][0], &a[1][1], &a[1][2]})) return false;
     photo.principalX = project_.principalX;
     photo.principalY = project_.principalY;
-    a[0][2] -= photo.principalX;
-    a[1][2] -= photo.principalY;
-    a[2][0] = 0.0;
-    a[2][1] = 0.0;
-    a[2][2] = -project_.focalLength;
+    photo.CompleteInterior(project_.focalLength);
     return true;
   }
 
@@ -279,8 +270,7 @@ void StorePassPoints(PhotoProject& project) {
     text += '\n';
   }
   const std::string path = project.name + "_PassPt.txt";
-  OutputFile file(path);
-  const bool isWritten = file.IsOpen() && file.Write(text) && file.Commit();
+  const bool isWritten = WriteWholeFile(path, text);
   if (!isWritten) ShowWarning(WriteErrorText(path));
   project.NoteFile(path, isWritten);
 }

@@ -15,6 +15,14 @@ void TellNoMemory(const std::string& path) {
   Ui().SetStatusText(0, "There is no memory for the file " + path + ".");
 }
 
+bool ScanFiducial(TextScanner& text, Fiducials& fiducials) {
+  std::int32_t number = 0;
+  Point2 place;
+  if (!text.ScanInt(number) || !ScanReals(text, {&place.x, &place.y})) return false;
+  if (number >= 0 && number < AerialPhoto::kFiducials) fiducials[static_cast<std::size_t>(number)] = place;
+  return true;
+}
+
 void TellWhereStopped(const std::string& path, std::string_view content, const TextScanner& text) {
   const std::string_view before = content.substr(0, text.GetPosition());
   const auto line = std::to_string(1 + std::count(before.begin(), before.end(), '\n'));

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
 #include "io/TextScanner.h"
 
 namespace corvane {
@@ -15,6 +16,10 @@ namespace corvane {
 
 // "%lf %lf ...": false at the first field that is no number, which leaves the rest as they were.
 bool ScanReals(TextScanner& text, std::initializer_list<double*> numbers);
+
+// A fiducial's number, x and y into its place in the table; one whose number is not in it is dropped. False
+// at the first field that is no number.
+bool ScanFiducial(TextScanner& text, Fiducials& fiducials);
 
 // The number, but of a NaN the one without a sign, as texts of matrices have it.
 inline double PlainNaN(double number) {

@@ -133,6 +133,11 @@ bool OutputFile::WriteOut(const char* from, std::size_t size) {
   return true;
 }
 
+bool WriteWholeFile(const std::string& path, std::string_view content) {
+  OutputFile file(path);
+  return file.IsOpen() && file.Write(content) && file.Commit();
+}
+
 bool UpdateFileStart(const std::string& path, const void* from, std::size_t size) {
   const int descriptor = HoldsZero(path) ? -1 : open(path.c_str(), O_WRONLY | O_CLOEXEC);
   if (descriptor < 0) return false;

@@ -56,6 +56,9 @@ class OutputFile {
   std::vector<char> buffer_;
 };
 
+// Writes a file of this content, whole or not at all. False if that fails.
+bool WriteWholeFile(const std::string& path, std::string_view content);
+
 // Overwrites `size` bytes at the start of an existing file with one write. False if that fails.
 bool UpdateFileStart(const std::string& path, const void* from, std::size_t size);
 

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <map>
 
+#include "Checksum.h"
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
 #include "PhotoProject/PhotoProject.h"
 #include "SampleBlock.h"
@@ -24,13 +25,6 @@ class PhotoBlockTest : public testing::Test {
   TempFolder folder_;
   TestFrontEnd frontEnd_;
 };
-
-// FNV-1a, 64 bits.
-std::uint64_t Checksum(const std::string& bytes) {
-  std::uint64_t sum = 0xCBF29CE484222325u;
-  for (const char byte : bytes) sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001B3u;
-  return sum;
-}
 
 }  // namespace
 

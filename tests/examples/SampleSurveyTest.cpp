@@ -11,19 +11,13 @@
 #include <string>
 #include <vector>
 
+#include "Checksum.h"
 #include "sample_survey/AerialPicture.h"
 #include "sample_survey/Random.h"
 #include "support/TempFolder.h"
 
 namespace corvane {
 namespace {
-
-// FNV-1a, 64 bits.
-std::uint64_t Checksum(const std::string& bytes) {
-  std::uint64_t sum = 0xCBF29CE484222325u;
-  for (const char byte : bytes) sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001B3u;
-  return sum;
-}
 
 struct Row {
   double x, y, z;

@@ -129,6 +129,15 @@ TEST(OutputFile, WithoutCommitTheOldFileStays) {
   EXPECT_EQ(FilesIn("."), 1u);
 }
 
+TEST(OutputFile, WritesAWholeFile) {
+  const TempFolder folder;
+  EXPECT_TRUE(WriteWholeFile("a.txt", std::string("one\0two", 7)));
+  EXPECT_EQ(ReadFileBytes("a.txt"), std::string("one\0two", 7));
+  EXPECT_TRUE(WriteWholeFile("a.txt", ""));
+  EXPECT_EQ(ReadFileBytes("a.txt"), "");
+  EXPECT_FALSE(WriteWholeFile("nowhere/a.txt", "one"));
+}
+
 TEST(OutputFile, AFailedWriteLeavesTheOldFile) {
   const TempFolder folder;
   WriteFileBytes("x.bin", "old");

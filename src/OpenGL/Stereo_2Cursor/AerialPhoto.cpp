@@ -6,21 +6,18 @@
 #include <iterator>
 #include <new>
 
+#include "OpenGL/Stereo_2Cursor/Matrix3.h"
 #include "TIN/TINPoints.h"
 #include "numerics/Angles.h"
 #include "numerics/Solvers.h"
 
 namespace corvane {
 
-namespace {
-
 OwnedMatrix NewMatrix3() {
   OwnedMatrix m(AllocMatrix(3, 3));
   if (!m) throw std::bad_alloc();
   return m;
 }
-
-}  // namespace
 
 AerialPhoto::AerialPhoto()
     : imageToPhoto(NewMatrix3()),
@@ -35,6 +32,15 @@ AerialPhoto::AerialPhoto()
 }
 
 AerialPhoto::~AerialPhoto() = default;
+
+void AerialPhoto::CompleteInterior(double f) {
+  const Matrix a = imageToPhoto.get();
+  a[0][2] -= principalX;
+  a[1][2] -= principalY;
+  a[2][0] = 0.0;
+  a[2][1] = 0.0;
+  a[2][2] = -f;
+}
 
 void AerialPhoto::Recompute() {
   ComputeInverse();

@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "OpenGL/Stereo_2Cursor/ImageMeasurement.h"
@@ -29,6 +30,9 @@ struct CropFractions {
   double top = 0.0;
   double bottom = 0.0;
 };
+
+// Photo coordinates of fiducials, by their number.
+using Fiducials = std::array<Point2, 8>;
 
 // A photograph with what ties its pixels to the ground, and the owner of the orientation file ".orn".
 //
@@ -91,6 +95,9 @@ class AerialPhoto {
 
   // Orientation (AerialPhoto.cpp).
 
+  // Turns the file's six coefficients, which A holds, into A: the principal point comes off, and the last row
+  // is (0, 0, -f).
+  void CompleteInterior(double f);
   // All matrices from A, the angles and f: ComputeInverse, ComputeRotation, P and Q.
   void Recompute();
   // photoToImage from A. Of a singular A it holds what GaussJordan has left.
@@ -228,8 +235,8 @@ class AerialPhoto {
   int fiducialCount = 0;
   int stripIndex = 0;  // place in a project, from 0
   int photoIndex = 0;
-  static constexpr int kFiducials = 8;
-  std::array<Point2, kFiducials> fiducials;  // photo coordinates, by number; kUnset: not measured
+  static constexpr int kFiducials = static_cast<int>(std::tuple_size_v<Fiducials>);
+  Fiducials fiducials;  // photo coordinates, by number; kUnset: not measured
   static constexpr double kUnset = std::numeric_limits<double>::max();
 
   // All 3 x 3.

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
+#include "OpenGL/Stereo_2Cursor/Matrix3.h"
 #include "numerics/Truncate.h"
 
 namespace corvane {
@@ -95,12 +96,10 @@ void AerialPhoto::ComputeBase(const AerialPhoto& other) {
 }
 
 int AerialPhoto::EpipolarLine(const double p[2], double out[3]) const {
+  const double pixel[3] = {p[0], p[1], 1.0};
   double t[3];
-  for (int i = 0; i < 3; ++i) {
-    t[i] = epipolarMap[i][0] * p[0] + epipolarMap[i][1] * p[1] + epipolarMap[i][2];
-  }
-  const ConstMatrix q = imageToGround.get();
-  for (int i = 0; i < 3; ++i) out[i] = q[0][i] * t[0] + q[1][i] * t[1] + q[2][i] * t[2];
+  MultiplyVector3(epipolarMap.get(), pixel, t);
+  MultiplyTransposed3(imageToGround.get(), t, out);
   return 1;
 }
 

@@ -1,19 +1,11 @@
 // The ways between image, photo and ground.
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
+#include "OpenGL/Stereo_2Cursor/Matrix3.h"
 
 namespace corvane {
 
 namespace {
-
-// out = m v, or the transpose of m times v.
-void Multiply(ConstMatrix m, const double v[3], double out[3]) {
-  for (int i = 0; i < 3; ++i) out[i] = m[i][0] * v[0] + m[i][1] * v[1] + m[i][2] * v[2];
-}
-
-void MultiplyTransposed(ConstMatrix m, const double v[3], double out[3]) {
-  for (int i = 0; i < 3; ++i) out[i] = m[0][i] * v[0] + m[1][i] * v[1] + m[2][i] * v[2];
-}
 
 void Cross(const double a[3], const double b[3], double out[3]) {
   out[0] = a[1] * b[2] - a[2] * b[1];
@@ -51,14 +43,14 @@ void IntersectOverBase(const AerialPhoto& left, const AerialPhoto& right, const 
 
 int AerialPhoto::ImageToPhoto(const double p[2], double out[3]) const {
   const double pixel[3] = {p[0], p[1], 1.0};
-  Multiply(imageToPhoto.get(), pixel, out);
+  MultiplyVector3(imageToPhoto.get(), pixel, out);
   out[2] = -focalLength;
   return 1;
 }
 
 int AerialPhoto::PhotoToImage(const double p[2], double out[3]) const {
   const double v[3] = {p[0], p[1], -focalLength};
-  Multiply(photoToImage.get(), v, out);
+  MultiplyVector3(photoToImage.get(), v, out);
   out[2] = 1.0;
   return 1;
 }
@@ -66,7 +58,7 @@ int AerialPhoto::PhotoToImage(const double p[2], double out[3]) const {
 int AerialPhoto::GroundToImage(double x, double y, double z, double& col, double& row) const {
   const double d[3] = {x - perspectiveX, y - perspectiveY, z - perspectiveZ};
   double n[3];
-  Multiply(groundToImage.get(), d, n);
+  MultiplyVector3(groundToImage.get(), d, n);
   col = n[0] / n[2];
   row = n[1] / n[2];
   return 1;
@@ -82,12 +74,12 @@ int AerialPhoto::GroundToPhoto(double x, double y, double z, double& photoX, dou
 }
 
 int AerialPhoto::RotateToGround(const double v[3], double out[3]) const {
-  MultiplyTransposed(rotation.get(), v, out);
+  MultiplyTransposed3(rotation.get(), v, out);
   return 1;
 }
 
 int AerialPhoto::RotateToPhoto(const double v[3], double out[3]) const {
-  Multiply(rotation.get(), v, out);
+  MultiplyVector3(rotation.get(), v, out);
   return 1;
 }
 
@@ -108,7 +100,7 @@ int AerialPhoto::ImageToGround(const double p[2], double z, double& x, double& y
 
 int AerialPhoto::ImageRay(const double p[2], double out[3]) const {
   const double pixel[3] = {p[0], p[1], 1.0};
-  Multiply(imageToGround.get(), pixel, out);
+  MultiplyVector3(imageToGround.get(), pixel, out);
   return 1;
 }
 

@@ -87,11 +87,7 @@ int AerialPhoto::ReadOrientation(TextScanner* text) {
   ScanLine(*text, {&principalX, &principalY});
   if (!text->AtEnd()) ScanLine(*text, {&pixelSizeX, &pixelSizeY});
 
-  a[0][2] -= principalX;
-  a[1][2] -= principalY;
-  a[2][0] = 0.0;
-  a[2][1] = 0.0;
-  a[2][2] = -focalLength;
+  CompleteInterior(focalLength);
   omega = ToRadians(omega);
   phi = ToRadians(phi);
   kappa = ToRadians(kappa);
@@ -125,8 +121,7 @@ int AerialPhoto::WriteOrientation(const std::string& path, const std::string& wo
 }
 
 int AerialPhoto::StoreOrientation(const std::string& path, const std::string& word) const {
-  OutputFile file(path);
-  return file.IsOpen() && file.Write(RecordText(*this, word)) && file.Commit() ? 1 : -1;
+  return WriteWholeFile(path, RecordText(*this, word)) ? 1 : -1;
 }
 
 int AerialPhoto::OpenImage(const std::string& path) {

@@ -5,6 +5,7 @@
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
 #include "OpenGL/Stereo_2Cursor/ImageProgress.h"
+#include "OpenGL/Stereo_2Cursor/Matrix3.h"
 #include "OpenGL/Stereo_2Cursor/PixelPlaces.h"
 #include "erdasimg/RasterTools.h"
 #include "io/Paths.h"
@@ -13,15 +14,6 @@
 namespace corvane {
 
 namespace {
-
-using Matrix3 = double[3][3];
-
-// c = a b, each element summed from left to right.
-void Multiply3(const Matrix3& a, ConstMatrix b, Matrix3& c) {
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) c[i][j] = a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j];
-  }
-}
 
 // Whole numbers are the pixels' centres, and truncation moves the first edge on: the first pixel reaches from
 // before -1.5 to 0.5, which is above -1 behind the shift by 0.5. Kept: it is wider than the others.
@@ -74,20 +66,13 @@ void AerialPhoto::MapExtentFrom(const AerialPhoto& source, double extent[6]) con
 }
 
 void AerialPhoto::BuildResampleMap(const AerialPhoto& source) {
-  const ConstMatrix inverse = source.photoToImage.get();
-  const ConstMatrix r = source.rotation.get();
-  const ConstMatrix own = rotation.get();
-  const double transposed[3][3] = {{own[0][0], own[1][0], own[2][0]},
-                                   {own[0][1], own[1][1], own[2][1]},
-                                   {own[0][2], own[1][2], own[2][2]}};
-  const double* const ownTransposed[3] = {transposed[0], transposed[1], transposed[2]};
-  Matrix3 first;
-  for (int i = 0; i < 3; ++i) std::copy_n(inverse[i], 3, first[i]);
-  Matrix3 second;
-  Multiply3(first, r, second);
-  Multiply3(second, ownTransposed, first);
-  Multiply3(first, imageToPhoto.get(), second);
-  for (int i = 0; i < 3; ++i) std::copy_n(second[i], 3, resampleMap[i]);
+  const OwnedMatrix transposed = NewMatrix3();
+  const OwnedMatrix toSource = NewMatrix3();  // from the ground's axes
+  const OwnedMatrix turned = NewMatrix3();    // from this photo's axes
+  TransposeMatrix(rotation.get(), transposed.get(), 3, 3);
+  MultiplySquare(source.photoToImage.get(), source.rotation.get(), toSource.get(), 3, 3);
+  MultiplySquare(toSource.get(), transposed.get(), turned.get(), 3, 3);
+  MultiplySquare(turned.get(), imageToPhoto.get(), resampleMap.get(), 3, 3);
 }
 
 int AerialPhoto::ResampleFrom(const AerialPhoto& source, const double extent[6], double cell) {

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "OpenGL/Stereo_2Cursor/Collinearity.h"
+#include "OpenGL/Stereo_2Cursor/Matrix3.h"
 #include "numerics/LeastSquares.h"
 #include "numerics/MatrixText.h"
 
@@ -33,10 +34,8 @@ double HeightStep(const AerialPhoto& photo, const Point3& ground, const double d
                        ground.z - photo.perspectiveZ};
   double n[3];       // homogeneous place in the image
   double change[3];  // of it with the height
-  for (int i = 0; i < 3; ++i) {
-    n[i] = p[i][0] * d[0] + p[i][1] * d[1] + p[i][2] * d[2];
-    change[i] = p[i][0] * direction[0] + p[i][1] * direction[1] + p[i][2] * direction[2];
-  }
+  MultiplyVector3(p, d, n);
+  MultiplyVector3(p, direction, change);
   const double perHeight[2] = {Difference(change[0] * n[2], n[0] * change[2]) / (n[2] * n[2]),
                                Difference(change[1] * n[2], n[1] * change[2]) / (n[2] * n[2])};
   const double rest[2] = {pixel[0] - n[0] / n[2], pixel[1] - n[1] / n[2]};
