@@ -27,11 +27,6 @@ inline CommandResult FailToOpenPoints(const std::string& path) {
   return FailWithWarning("Open point file " + path + " error!");
 }
 
-// What a command's last status text says of an orientation file whose numbers make none.
-inline std::string NoOrientationText(const std::string& path) {
-  return " The numbers in " + path + " make no orientation: it is cut short, or a word stands among them.";
-}
-
 // A reason, if there is one, stands in a second line.
 inline CommandResult FailToWrite(const std::string& path, const std::string& reason = "") {
   return FailWithWarning(WriteErrorText(path) + (reason.empty() ? "" : "\n" + reason));
