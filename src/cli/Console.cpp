@@ -19,6 +19,7 @@ void Console::Print(const std::string& text) {
 
 void Console::ErrorText(const std::string& text) {
   ClearStatus();
+  lastStatus_.clear();
   err_ << text << std::flush;
 }
 
@@ -26,9 +27,10 @@ void Console::Status(const std::string& text) {
   if (errIsTerminal_) {
     err_ << kClearLine << text << std::flush;
     statusShown_ = !text.empty();
-  } else if (!text.empty()) {
+  } else if (!text.empty() && text != lastStatus_) {
     err_ << text << '\n' << std::flush;
   }
+  lastStatus_ = text;
 }
 
 void Console::ClearStatus() {

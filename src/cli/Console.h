@@ -8,7 +8,8 @@ namespace corvane {
 // Standard output and standard error of a command line.
 class Console {
  public:
-  // On a terminal, status texts rewrite one line of standard error.
+  // On a terminal, status texts rewrite one line of standard error. Elsewhere each is a line of its own, but
+  // for one that repeats the line before: a progress text comes oftener than its number changes.
   Console(std::ostream& out, std::ostream& err, bool errIsTerminal, bool outIsTerminal = false)
       : out_(out), err_(err), errIsTerminal_(errIsTerminal), outIsTerminal_(outIsTerminal) {}
   // Ends the line of a status text.
@@ -32,6 +33,7 @@ class Console {
   bool errIsTerminal_;
   bool outIsTerminal_;
   bool statusShown_ = false;  // the terminal's last line holds a status text
+  std::string lastStatus_;    // "" if another line of standard error has come since
 };
 
 }  // namespace corvane
