@@ -1,6 +1,7 @@
 #include "TIN/TINPoints.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "TIN/GridFailure.h"
 #include "TIN/RecordExtent.h"
@@ -52,6 +53,16 @@ bool MakeCells(std::int32_t count, std::vector<GridCell>& cells) {
     return false;
   }
   return true;
+}
+
+// With NaN after all numbers.
+bool IsLess(double a, double b) {
+  return a < b || (std::isnan(b) && !std::isnan(a));
+}
+
+bool IsBefore(const PointRecord& a, const PointRecord& b) {
+  if (IsLess(a.y, b.y)) return true;
+  return !IsLess(b.y, a.y) && IsLess(a.x, b.x);
 }
 
 }  // namespace
@@ -188,6 +199,11 @@ void TINPoints::Compact() {
     Widen(minX, maxX, point.x);
     Widen(minY, maxY, point.y);
   }
+}
+
+void TINPoints::SortByPlace() {
+  index.Free();
+  std::stable_sort(points.begin(), points.begin() + nPoints, IsBefore);
 }
 
 }  // namespace corvane

@@ -147,6 +147,10 @@ class TINPoints {
   // index, whose positions are no longer true.
   void Compact();
 
+  // Sorts the points by y, those of one y by x; equal ones keep their order, and a NaN comes after all
+  // numbers. The points keep their ids. Drops the index, whose positions are no longer true.
+  void SortByPlace();
+
   // Reads a mask: the number of regions, then for each its type, its vertex count and the vertices. Fills
   // `regions` with as many whole regions as the text holds, and tells in status pane 0 if that is fewer than
   // announced, or if the text begins with no number. Regions of an unknown type, rectangles of fewer than two
