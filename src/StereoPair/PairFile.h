@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+
+namespace corvane {
+
+// What has become of the lines of a pair file.
+struct PairLines {
+  std::int64_t nLeftOut = 0;  // of fewer than five numbers, empty ones not counted
+  std::int64_t stopLine = 0;  // from 1: where reading ended with more to come; 0: nowhere
+};
+
+}  // namespace corvane

@@ -1,0 +1,364 @@
+// "Area (Correlation Coeff)" from its form to its files.
+
+#include <new>
+
+#include "StereoPair/GridFixture.h"
+#include "StereoPair/GridMatching.h"
+#include "TIN/TINPoints.h"
+
+namespace corvane {
+
+namespace {
+
+class AreaCorrelationTest : public GridMethodTest {
+ protected:
+  // Runs the method and the plain one on the same pair, and compares their pair files.
+  std::vector<PlainPair> ExpectAsPlain(const PlainImage& left, const PlainImage& right,
+                                       const PlainSettings& settings) {
+    const auto score = PlainCorrelation(left, right, settings.width, settings.height);
+    const auto expected =
+        PlainGrid(left, right, settings, [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
+          return PlainBest(score, l, r, rect);
+        });
+    Store(left, right);
+    Answer(settings);
+    EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+    EXPECT_EQ(ReadFileBytes("l_GridMatchPair.txt"), PairText(expected));
+    return expected;
+  }
+};
+
+TEST_F(AreaCorrelationTest, ShiftedImageGivesItsShiftEverywhere) {
+  const PlainImage left = RandomImage(90, 60, 1);
+  const auto pairs = ExpectAsPlain(left, Shifted(left, 12, 0, 2), {.range = 8});
+  ASSERT_EQ(pairs.size(), 42U);  // columns 23 to 83 and 3 and 13, of which the first two lack a partner
+  for (const PlainPair& pair : pairs) {
+    EXPECT_EQ(pair.left.col - pair.right.col, 12);
+    EXPECT_EQ(pair.left.row, pair.right.row);
+  }
+  ExpectGround(pairs);
+  EXPECT_EQ(LastStatus(),
+            "42 of 54 places matched. Written: GroundPts.log, out.pts (42 points), "
+            "l_GridMatchPair.txt.");
+}
+
+TEST_F(AreaCorrelationTest, AsksForFormThenOffset) {
+  const PlainImage left = RandomImage(60, 40, 3);
+  ExpectAsPlain(left, left, {.range = 3, .offset = 0});
+  ASSERT_EQ(ui_.shownForms.size(), 1U);
+  EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.75);
+  EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
+  EXPECT_EQ(ui_.shownForms[0].GetInteger("windowWidth"), 19);
+  EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
+  EXPECT_EQ(ui_.waitDepth, 0);
+  EXPECT_EQ(pair_.leftPhoto, nullptr);
+  EXPECT_EQ(pair_.leftImage, nullptr);
+}
+
+TEST_F(AreaCorrelationTest, CancelOfFormLeavesNothing) {
+  ui_.forms.push_back([](Form&) { return false; });
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kCancelled);
+  EXPECT_EQ(ui_.events, std::vector<std::string>{"form: MatchInput"});
+  EXPECT_FALSE(FileExists("GroundPts.log"));
+  EXPECT_EQ(pair_.matchThreshold, 0.75);
+  EXPECT_EQ(pair_.maxDisparity, 55);
+}
+
+TEST_F(AreaCorrelationTest, CancelOfOffsetGoesOnWithMinusTen) {
+  const PlainImage left = RandomImage(80, 40, 4);
+  Store(left, Shifted(left, 10, 0, 5));
+  Answer({.range = 1});
+  ui_.values.clear();
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+  EXPECT_EQ(pair_.columnOffset, -10);
+  EXPECT_FALSE(pair_.matchPairs.empty());
+}
+
+TEST_F(AreaCorrelationTest, OffsetIsCutToWholeColumns) {
+  const PlainImage left = RandomImage(60, 40, 6);
+  Store(left, left);
+  Answer({.range = 3});
+  ui_.values = {-7.9};
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+  EXPECT_EQ(pair_.columnOffset, -7);
+}
+
+TEST_F(AreaCorrelationTest, FewGreysAreFullOfTies) {
+  const PlainImage left = RandomImage(70, 40, 7, 2);
+  ExpectAsPlain(left, Shifted(left, 9, 1, 8), {.width = 3, .height = 3, .step = 7.0, .threshold = 0.5});
+  ExpectAsPlain(left, left,
+                {.width = 3, .height = 3, .step = 4.0, .threshold = 0.3, .range = 0, .offset = 0});
+}
+
+TEST_F(AreaCorrelationTest, FlatWindowsMatchWithOne) {
+  const PlainImage flat{60, 40, std::vector<std::uint8_t>(60 * 40, 9)};
+  const auto pairs = ExpectAsPlain(flat, flat, {.range = 4, .offset = 0});
+  ASSERT_FALSE(pairs.empty());
+  EXPECT_EQ(pairs[0].score, 1.0);
+  EXPECT_EQ(pairs[1].right.col, pairs[1].left.col);  // the start comes first
+  EXPECT_TRUE(ExpectAsPlain(RandomImage(60, 40, 9), flat, {.range = 4}).empty());
+}
+
+TEST_F(AreaCorrelationTest, EvenAndUnequalWindows) {
+  const PlainImage left = RandomImage(80, 50, 10);
+  ExpectAsPlain(left, Shifted(left, 10, -1, 11), {.width = 6, .height = 4, .step = 7.3, .range = 5});
+  ExpectAsPlain(left, Shifted(left, 10, 1, 12), {.width = 5, .height = 12, .step = 3.7, .range = 2});
+}
+
+TEST_F(AreaCorrelationTest, RangeOfZeroAndNegativeRange) {
+  const PlainImage left = RandomImage(60, 40, 13);
+  ExpectAsPlain(left, Shifted(left, 10, 0, 14), {.range = 0});
+  ExpectAsPlain(left, Shifted(left, 10, 0, 14), {.range = -3});
+}
+
+TEST_F(AreaCorrelationTest, ImagesOfDifferentSizes) {
+  const PlainImage left = RandomImage(80, 60, 15);
+  const PlainImage small = RandomImage(30, 20, 16, 3);
+  ExpectAsPlain(left, small, {.width = 3, .height = 3, .threshold = 0.4, .range = 20});
+  ExpectAsPlain(small, left, {.width = 3, .height = 3, .step = 4.0, .threshold = 0.4});
+}
+
+TEST_F(AreaCorrelationTest, WindowsAtLeftAndRightClip) {
+  const PlainImage left = RandomImage(60, 40, 17);
+  for (const long offset : {-63L, -57L, -30L, 30L, 57L, 60L, 63L, 64L}) {
+    ExpectAsPlain(left, Shifted(left, 3, 0, 18),
+                  {.step = 6.0, .threshold = 0.1, .range = 6, .offset = offset});
+  }
+}
+
+TEST_F(AreaCorrelationTest, WindowLargerThanRightImage) {
+  const PlainImage left = RandomImage(40, 40, 19);
+  const PlainImage tiny = RandomImage(4, 3, 20);
+  ExpectAsPlain(left, tiny, {.width = 9, .height = 9, .threshold = 0.0});
+}
+
+TEST_F(AreaCorrelationTest, WindowLargerThanLeftImageHasNoPlaces) {
+  const PlainImage tiny = RandomImage(5, 5, 21);
+  EXPECT_TRUE(ExpectAsPlain(tiny, RandomImage(40, 40, 22), {.width = 9, .height = 9}).empty());
+  EXPECT_EQ(LastStatus(),
+            "There is no place to match in the left image. Written: GroundPts.log, l_GridMatchPair.txt.");
+  EXPECT_FALSE(FileExists("out.pts"));
+}
+
+TEST_F(AreaCorrelationTest, SpacingThatIsNoPositiveNumberEndsWithoutPoints) {
+  const PlainImage left = RandomImage(40, 40, 23);
+  Store(left, left);
+  for (const double spacing : {0.0, -1.0, std::nan("")}) {
+    Answer({});
+    Change([spacing](Form& form) { form.Find("groundSpacing")->value = spacing; });
+    EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+    EXPECT_TRUE(pair_.matchPairs.empty());
+  }
+}
+
+TEST_F(AreaCorrelationTest, HugeOffsetsAndRanges) {
+  const PlainImage left = RandomImage(40, 30, 24);
+  const long huge = 2000000000;
+  for (const long offset : {-huge, -10L, huge}) {
+    for (const long range : {-huge, 3L, huge, 2147483647L}) {
+      const PlainSettings settings{.threshold = 0.2, .range = range, .offset = offset};
+      const auto pairs = ExpectAsPlain(left, Shifted(left, 4, 0, 25), settings);
+      EXPECT_EQ(pairs.empty(), offset == -10 ? range < 0 : range < huge);
+    }
+  }
+}
+
+TEST_F(AreaCorrelationTest, OffsetBeyond32BitsIsHeldThere) {
+  const PlainImage left = RandomImage(40, 30, 26);
+  Store(left, left);
+  for (const double offset : {1e300, -1e300}) {
+    Answer({});
+    ui_.values = {offset};
+    EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+    EXPECT_EQ(pair_.columnOffset, offset > 0.0 ? INT32_MAX : INT32_MIN);
+    EXPECT_TRUE(pair_.matchPairs.empty());
+  }
+}
+
+TEST_F(AreaCorrelationTest, ScoreEqualToThresholdIsRejected) {
+  const PlainImage flat{40, 30, std::vector<std::uint8_t>(40 * 30, 9)};
+  EXPECT_TRUE(ExpectAsPlain(flat, flat, {.threshold = 1.0, .offset = 0}).empty());
+  EXPECT_EQ(LastStatus(), "0 of 12 places matched. Written: GroundPts.log, l_GridMatchPair.txt.");
+  EXPECT_EQ(ReadFileBytes("GroundPts.log"), "");
+}
+
+TEST_F(AreaCorrelationTest, GroundPointsHaveTheOriginsAndPairsDoNot) {
+  const PlainImage left = RandomImage(60, 40, 27);
+  const PlainImage right = Shifted(left, 10, 0, 28);
+  Store(left, right, 10.0, {.x = 30, .y = 20}, {.x = 25, .y = 20});
+  Answer({.range = 2});
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+  std::vector<PlainPair> pairs;
+  for (const MatchPair& pair : pair_.matchPairs) {
+    EXPECT_EQ(pair.left.x - pair.right.x, 10.0);
+    const auto col = static_cast<long>(pair.left.x);
+    const auto row = static_cast<long>(pair.left.y);
+    pairs.push_back({{col, row}, {col - 10, row}, 1.0});
+  }
+  ASSERT_FALSE(pairs.empty());
+  ExpectGround(pairs, 10.0, {.x = 30, .y = 20}, {.x = 25, .y = 20});
+}
+
+TEST_F(AreaCorrelationTest, SecondRunAppendsPointsWithIdsFromZero) {
+  const PlainImage left = RandomImage(60, 40, 29);
+  const auto pairs = ExpectAsPlain(left, Shifted(left, 10, 0, 30), {.range = 2});
+  ASSERT_FALSE(pairs.empty());
+  const auto n = static_cast<std::int32_t>(pairs.size());
+  EXPECT_EQ(pair_.groundPoints->GetCount(), n);
+  ExpectAsPlain(left, Shifted(left, 10, 0, 30), {.range = 2});
+  ASSERT_EQ(pair_.groundPoints->GetCount(), 2 * n);
+  const auto ids = SortedIds();
+  for (std::size_t i = 0; i < ids.size(); ++i) EXPECT_EQ(ids[i], static_cast<std::int32_t>(i / 2));
+  EXPECT_EQ(pair_.matchPairs.size(), pairs.size());
+  TINPoints written;
+  EXPECT_EQ(written.Read("out.pts"), 1);
+  EXPECT_EQ(written.GetCount(), 2 * n);
+}
+
+TEST_F(AreaCorrelationTest, ThresholdAndRangeAreSetAgainOthersStay) {
+  const PlainImage left = RandomImage(60, 40, 31);
+  ExpectAsPlain(left, left, {.width = 9, .height = 5, .threshold = 0.6, .range = 3});
+  EXPECT_EQ(pair_.matchThreshold, 0.6);
+  EXPECT_EQ(pair_.maxDisparity, 3);
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kCancelled);
+  ASSERT_EQ(ui_.shownForms.size(), 2U);
+  EXPECT_EQ(ui_.shownForms[1].GetReal("matchThreshold"), 0.75);
+  EXPECT_EQ(ui_.shownForms[1].GetInteger("maxDisparity"), 55);
+  EXPECT_EQ(ui_.shownForms[1].GetInteger("windowWidth"), 9);
+  EXPECT_EQ(ui_.shownForms[1].GetInteger("windowHeight"), 5);
+  EXPECT_EQ(ui_.shownForms[1].GetReal("groundSpacing"), 1.0);
+}
+
+TEST_F(AreaCorrelationTest, TellsProgressOnceARow) {
+  const PlainImage left = RandomImage(60, 40, 32);
+  pair_.progressWindow = &ui_;
+  ExpectAsPlain(left, left, {.range = 2});
+  const std::vector<std::string> expected = {"status 0: Done 0% ...", "status 0: Done 25% ...",
+                                             "status 0: Done 50% ...", "status 0: Done 75% ..."};
+  EXPECT_EQ(ui_.EventsWith("status 0: Done"), expected);  // (40 - 7 - 2) / 10 + 1 rows
+}
+
+TEST_F(AreaCorrelationTest, ProgressWindowMayBeNull) {
+  const PlainImage left = RandomImage(60, 40, 33);
+  ExpectAsPlain(left, left, {.range = 2});
+  EXPECT_TRUE(ui_.EventsWith("status 0: Done").empty());
+}
+
+TEST_F(AreaCorrelationTest, WiderPixelsAreTakenAsBytes) {
+  const PlainImage left = RandomImage(40, 30, 34);
+  for (const std::uint16_t packType : {kPackUInt16, kPackFloat}) {
+    VerticalPair made(40, 30, left.bytes, left.bytes);
+    ErdasHeader header = *made.left.image.GetHeader();
+    header.packType = packType;
+    made.left.image.Create(header, false);
+    const auto band = made.left.image.GetBands().GetBand(0);
+    for (std::size_t i = 0; i < band.size(); ++i) band[i] = static_cast<std::uint8_t>(i * 37 % 251);
+    const PlainImage asBytes{40, 30, {band.begin(), band.begin() + 40 * 30}};
+    StorePhoto(made.left, "l");
+    StorePhoto(made.right, "r");
+    const PlainSettings settings{.step = 5.0, .threshold = 0.1};
+    const auto score = PlainCorrelation(asBytes, left, 7, 7);
+    const auto expected =
+        PlainGrid(asBytes, left, settings, [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
+          return PlainBest(score, l, r, rect);
+        });
+    Answer(settings);
+    EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+    EXPECT_EQ(ReadFileBytes("l_GridMatchPair.txt"), PairText(expected));
+  }
+}
+
+TEST_F(AreaCorrelationTest, DiffCheckRejectsUnlikeWindows) {
+  const PlainImage left = RandomImage(60, 40, 35, 128);
+  PlainImage right = Shifted(left, 10, 0, 36);
+  for (auto& byte : right.bytes) byte = static_cast<std::uint8_t>(byte % 128 * 2);  // correlates fully
+  Store(left, right);
+  for (const bool checks : {false, true}) {
+    pair_.useDiffCheck = checks;
+    Answer({.range = 1});
+    EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+    EXPECT_EQ(pair_.matchPairs.empty(), checks);
+  }
+  EXPECT_FALSE(ui_.EventsWith("trace: CCC: ").empty());
+}
+
+TEST_F(AreaCorrelationTest, ResultThatIsAnInputIsRefused) {
+  const PlainImage left = RandomImage(60, 40, 37);
+  Store(left, left);
+  const std::string before = ReadFileBytes("r.lan");
+  Answer({});
+  Change([](Form& form) { form.Find("matchedPoints")->value = std::string("r.lan"); });
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kNotWritten);
+  EXPECT_EQ(ui_.EventsWith("message"),
+            std::vector<std::string>{"message warning: Write file r.lan error!\n"
+                                     "It is one of the files that the command reads."});
+  EXPECT_TRUE(ui_.EventsWith("value: ").empty());
+  EXPECT_EQ(ReadFileBytes("r.lan"), before);
+  EXPECT_FALSE(FileExists("GroundPts.log"));
+  EXPECT_EQ(pair_.leftPhoto, nullptr);
+  EXPECT_EQ(ui_.waitDepth, 0);
+}
+
+TEST_F(AreaCorrelationTest, UnwritableResultFailsAfterTheOthers) {
+  const PlainImage left = RandomImage(60, 40, 38);
+  Store(left, left);
+  Answer({.range = 2, .offset = 0});
+  Change([](Form& form) { form.Find("matchedPoints")->value = std::string("no/such/folder.pts"); });
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kNotWritten);
+  EXPECT_EQ(ui_.EventsWith("message"),
+            std::vector<std::string>{"message warning: Write file no/such/folder.pts error!"});
+  EXPECT_EQ(LastStatus(), "24 of 24 places matched. Written: GroundPts.log, l_GridMatchPair.txt.");
+  EXPECT_FALSE(ReadFileBytes("l_GridMatchPair.txt").empty());
+}
+
+TEST_F(AreaCorrelationTest, MissingInputsAreNamed) {
+  const PlainImage left = RandomImage(60, 40, 39);
+  Store(left, left);
+  std::remove("r.orn");
+  Answer({});
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kNotLoaded);
+  EXPECT_EQ(ui_.EventsWith("message"),
+            std::vector<std::string>{"message message: Open Right Orientation Parameters File error!"});
+  EXPECT_TRUE(ui_.EventsWith("value: ").empty());
+  EXPECT_EQ(pair_.leftPhoto, nullptr);
+}
+
+TEST_F(AreaCorrelationTest, NoPointsPathNoPointsFile) {
+  const PlainImage left = RandomImage(60, 40, 40);
+  Store(left, left);
+  Answer({.range = 2, .offset = 0});
+  Change([](Form& form) { form.Find("matchedPoints")->value = std::string(); });
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+  EXPECT_EQ(LastStatus(), "24 of 24 places matched. Written: GroundPts.log, l_GridMatchPair.txt.");
+}
+
+TEST_F(AreaCorrelationTest, MemoryThatRunsOutEndsTheMethod) {
+  const PlainImage left = RandomImage(60, 40, 42);
+  Store(left, left);
+  Answer({});
+  const auto search = [](const Point2&, Point2&, const ImageRect&) -> double { throw std::bad_alloc(); };
+  EXPECT_EQ(RunGridMethod(pair_, 0.75, true, search), StereoPair::kNoInput);
+  EXPECT_EQ(ui_.EventsWith("message"),
+            std::vector<std::string>{"message warning: There is no memory for the matches."});
+  EXPECT_EQ(pair_.leftPhoto, nullptr);
+  EXPECT_FALSE(FileExists("GroundPts.log"));
+  EXPECT_EQ(ui_.waitDepth, 0);
+}
+
+TEST_F(AreaCorrelationTest, GridOnAnOpenPairAppends) {
+  const PlainImage left = RandomImage(60, 40, 41);
+  VerticalPair made(60, 40, left.bytes, left.bytes);
+  made.pair.targetWidth = 7;
+  made.pair.targetHeight = 7;
+  made.pair.matchPairs.push_back(MatchPair());
+  EXPECT_EQ(made.pair.CorrelateGrid(false), 1);
+  EXPECT_EQ(made.pair.matchPairs.size(), 25U);
+  EXPECT_EQ(made.pair.matchPairs[1].id, 0);
+  EXPECT_EQ(made.pair.groundPoints, nullptr);
+  EXPECT_EQ(made.pair.CorrelateGrid(true), 1);
+  EXPECT_EQ(made.pair.groundPoints->GetCount(), 24);
+}
+
+}  // namespace
+
+}  // namespace corvane

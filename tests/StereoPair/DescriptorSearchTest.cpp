@@ -1,0 +1,242 @@
+// The search for the best descriptor against a plain one, and "Structural Descriptor CC".
+
+#include "StereoPair/DescriptorSearch.h"
+
+#include "ImgProcess/ImgProcess.h"
+#include "StereoPair/GridFixture.h"
+#include "numerics/SimdVersion.h"
+
+namespace corvane {
+
+namespace {
+
+// The descriptor by its definition: on the ring at distance k each pixel less the one next to it on the ring
+// at k - 1. Empty without a window in the image.
+std::vector<double> PlainDescriptor(const PlainImage& image, const PlainPlace& place, long size) {
+  const long half = size / 2;
+  if (size % 2 == 0 || place.col < half || place.row < half || place.col + half >= image.cols ||
+      place.row + half >= image.rows) {
+    return {};
+  }
+  std::vector<double> values;
+  for (long dy = -half; dy <= half; ++dy) {
+    for (long dx = -half; dx <= half; ++dx) {
+      const long k = std::max(std::labs(dy), std::labs(dx));
+      if (k == 0) continue;
+      const long innerY = std::max(-k + 1, std::min(dy, k - 1));
+      const long innerX = std::max(-k + 1, std::min(dx, k - 1));
+      values.push_back(image.At(place.row + dy, place.col + dx) -
+                       image.At(place.row + innerY, place.col + innerX));
+    }
+  }
+  return values;
+}
+
+// Places without a descriptor never win.
+PlainScore PlainLikeness(const PlainImage& left, const PlainImage& right, long size) {
+  return [&left, &right, size](const PlainPlace& l, const PlainPlace& r) {
+    const auto a = PlainDescriptor(left, l, size);
+    const auto b = PlainDescriptor(right, r, size);
+    return a.empty() || b.empty() ? 0.0 : PlainCoefficient(a, b);
+  };
+}
+
+struct Found {
+  double score;
+  Point2 place;
+};
+
+Found FindIn(const PlainImage& left, const PlainImage& right, const PlainPlace& from, const PlainPlace& start,
+             std::int32_t size, const ImageRect& rect) {
+  ErdasImg leftImage, rightImage;
+  SetBytes(leftImage, static_cast<std::int32_t>(left.cols), static_cast<std::int32_t>(left.rows), left.bytes);
+  SetBytes(rightImage, static_cast<std::int32_t>(right.cols), static_cast<std::int32_t>(right.rows),
+           right.bytes);
+  Found found{0.0, {static_cast<double>(start.col), static_cast<double>(start.row)}};
+  DescriptorSearch search;
+  found.score =
+      search.Find(leftImage, rightImage, {static_cast<double>(from.col), static_cast<double>(from.row)},
+                  found.place, size, rect);
+  return found;
+}
+
+void ExpectAsPlain(const PlainImage& left, const PlainImage& right, const PlainPlace& from, PlainPlace start,
+                   std::int32_t size, const ImageRect& rect) {
+  const Found found = FindIn(left, right, from, start, size, rect);
+  const double expected = PlainBest(PlainLikeness(left, right, size), from, start,
+                                    {rect.left, rect.top, rect.right, rect.bottom});
+  EXPECT_EQ(found.score, expected);
+  EXPECT_EQ(found.place, (Point2{static_cast<double>(start.col), static_cast<double>(start.row)}));
+}
+
+TEST(DescriptorSearchTest, RandomSearchesAreThePlainOnesBitForBit) {
+  std::mt19937 random(1);
+  const auto upTo = [&random](int n) {
+    return static_cast<std::int32_t>(random() % static_cast<unsigned>(n));
+  };
+  for (const SimdVersion version : AvailableSimdVersions()) {
+    const ForcedSimdVersion forced(version);
+    for (unsigned i = 0; i < 60; ++i) {
+      const int nGreys = i % 3 == 0 ? 2 : 256;  // with few there are ties
+      const PlainImage left = RandomImage(40, 40, i, nGreys);
+      const PlainImage right = RandomImage(60, 35, i + 1000, nGreys);
+      const std::int32_t firstCol = upTo(60) - 5;
+      const std::int32_t firstRow = upTo(35) - 5;
+      // The start in the rectangle or beside it, where its place does not lie in the image, or anywhere.
+      const PlainPlace start =
+          i % 2 == 0 ? PlainPlace{firstCol + upTo(20), firstRow + upTo(3)} : PlainPlace{upTo(60), upTo(35)};
+      const double score = PlainLikeness(left, right, 7)({20, 20}, start);
+      if (score < 0.0) continue;  // see StartMayBeNegative
+      ExpectAsPlain(left, right, {20, 20}, start, 7,
+                    {firstCol, firstRow, firstCol + upTo(40), firstRow + upTo(4)});
+    }
+  }
+}
+
+TEST(DescriptorSearchTest, WindowsOfAllOddSizes) {
+  const PlainImage left = RandomImage(60, 60, 2);
+  const PlainImage right = Shifted(left, 4, 1, 3);
+  for (const std::int32_t size : {3, 5, 9, 19, 41}) {
+    ExpectAsPlain(left, right, {30, 30}, {29, 28}, size, {20, 27, 36, 31});
+    EXPECT_EQ(FindIn(left, right, {30, 30}, {29, 28}, size, {20, 27, 36, 31}).place, (Point2{26.0, 29.0}));
+  }
+}
+
+TEST(DescriptorSearchTest, LargestDifferencesDoNotOverflow) {
+  // A board of 0 and 255 has differences of 255 on all sides.
+  PlainImage board{220, 220};
+  for (long i = 0; i < 220 * 220; ++i) {
+    board.bytes.push_back((i / 220 + i % 220) % 2 == 0 ? 255 : 0);
+  }
+  ExpectAsPlain(board, board, {110, 110}, {110, 110}, 201, {107, 109, 112, 111});
+}
+
+TEST(DescriptorSearchTest, DescriptorIsThatOfStructuralFeature) {
+  const PlainImage image = RandomImage(30, 30, 4);
+  ErdasImg held;
+  SetBytes(held, 30, 30, image.bytes);
+  FeaturePoint feature;
+  ImgProcess process;
+  ASSERT_EQ(process.StructuralFeature(held, 14.0, 15.0, 9, feature, false), 1);
+  std::vector<double> plain = PlainDescriptor(image, {14, 15}, 9);
+  std::sort(plain.begin(), plain.end());
+  std::sort(feature.values.begin(), feature.values.end());
+  EXPECT_EQ(feature.values, plain);
+}
+
+TEST(DescriptorSearchTest, CoefficientIsThatOfStructuralFeatures) {
+  const PlainImage left = RandomImage(30, 30, 5);
+  const PlainImage right = Shifted(left, 2, 0, 6);
+  ErdasImg leftImage, rightImage;
+  SetBytes(leftImage, 30, 30, left.bytes);
+  SetBytes(rightImage, 30, 30, right.bytes);
+  ImgProcess process;
+  FeaturePoint a, b;
+  ASSERT_EQ(process.StructuralFeature(leftImage, 14.0, 15.0, 9, a, false), 1);
+  for (std::int32_t col = 6; col < 20; ++col) {
+    ASSERT_EQ(process.StructuralFeature(rightImage, col, 15.0, 9, b, false), 1);
+    const double expected = PlainCoefficient(a.values, b.values);
+    const Found found = FindIn(left, right, {14, 15}, {0, 0}, 9, {col, 15, col, 15});
+    EXPECT_EQ(found.score, std::max(expected, 0.0));
+  }
+}
+
+TEST(DescriptorSearchTest, NoDescriptorNoMatch) {
+  const PlainImage image = RandomImage(30, 30, 7);
+  const PlainPlace start{14, 15};
+  const ImageRect rect = {10, 14, 20, 16};
+  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 8, rect).score, 0.0);   // an even size
+  EXPECT_EQ(FindIn(image, image, {3, 15}, start, 9, rect).score, 0.0);    // the left window leaves the image
+  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 31, rect).score, 0.0);  // larger than the image
+  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 0, rect).score, 0.0);
+  EXPECT_EQ(FindIn(image, image, {14, 15}, start, -3, rect).score, 0.0);
+  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 9, {26, 14, 40, 16}).score, 0.0);
+  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 8, rect).place, (Point2{14.0, 15.0}));
+  const PlainImage flat{30, 30, std::vector<std::uint8_t>(900, 5)};
+  EXPECT_EQ(FindIn(flat, flat, {14, 15}, {27, 15}, 9, {26, 14, 40, 16}).score, 0.0);
+  EXPECT_EQ(FindIn(flat, flat, {14, 15}, start, 9, rect).score, 1.0);
+}
+
+TEST(DescriptorSearchTest, StartMayBeNegative) {
+  const PlainImage left = RandomImage(9, 9, 8);
+  PlainImage right = left;
+  for (auto& byte : right.bytes) byte = static_cast<std::uint8_t>(255 - byte);
+  const Found found = FindIn(left, right, {4, 4}, {4, 4}, 9, {0, 0, 8, 8});
+  EXPECT_EQ(found.score, -1.0);  // the only place with a descriptor
+  EXPECT_EQ(found.place, (Point2{4.0, 4.0}));
+}
+
+TEST(DescriptorSearchTest, StartOnTheRightOrBottomEdgeIsPassedOver) {
+  const PlainImage image = RandomImage(30, 30, 9);
+  EXPECT_LT(FindIn(image, image, {14, 15}, {14, 15}, 7, {10, 13, 14, 17}).score, 0.9);
+  EXPECT_LT(FindIn(image, image, {14, 15}, {14, 15}, 7, {10, 13, 18, 15}).score, 0.9);
+  EXPECT_EQ(FindIn(image, image, {14, 15}, {14, 15}, 7, {14, 15, 18, 17}).score, 1.0);
+}
+
+class StructuralDescriptorTest : public GridMethodTest {
+ protected:
+  std::vector<PlainPair> ExpectGridAsPlain(const PlainImage& left, const PlainImage& right,
+                                           const PlainSettings& settings) {
+    const auto likeness = PlainLikeness(left, right, settings.width);
+    const auto expected =
+        PlainGrid(left, right, settings, [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
+          return PlainBest(likeness, l, r, rect);
+        });
+    Store(left, right);
+    Answer(settings);
+    EXPECT_EQ(pair_.MatchStructuralDescriptor(), StereoPair::kDone);
+    EXPECT_EQ(ReadFileBytes("l_GridMatchPair.txt"), PairText(expected));
+    return expected;
+  }
+};
+
+TEST_F(StructuralDescriptorTest, ShiftedImageGivesItsShift) {
+  const PlainImage left = RandomImage(90, 60, 10);
+  const auto pairs = ExpectGridAsPlain(left, Shifted(left, 12, 0, 11), {.threshold = 0.9, .range = 8});
+  EXPECT_EQ(pairs.size(), 42U);
+  ExpectGround(pairs);
+  EXPECT_EQ(LastStatus(),
+            "42 of 54 places matched. Written: GroundPts.log, out.pts (42 points), "
+            "l_GridMatchPair.txt.");
+  EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.5);
+  EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
+  EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
+}
+
+TEST_F(StructuralDescriptorTest, NoiseAndEdges) {
+  const PlainImage left = RandomImage(70, 50, 12, 3);
+  ExpectGridAsPlain(left, RandomImage(60, 45, 13, 3),
+                    {.width = 5, .height = 4, .step = 5.5, .threshold = 0.2});
+  ExpectGridAsPlain(left, Shifted(left, 40, 1, 14), {.threshold = 0.1, .range = 12, .offset = -40});
+}
+
+TEST_F(StructuralDescriptorTest, EvenWindowsMatchNothing) {
+  const PlainImage left = RandomImage(70, 50, 15);
+  EXPECT_TRUE(
+      ExpectGridAsPlain(left, left, {.width = 6, .height = 7, .threshold = 0.0, .offset = 0}).empty());
+}
+
+TEST_F(StructuralDescriptorTest, HugeOffsetsAndRanges) {
+  const PlainImage left = RandomImage(40, 30, 16);
+  for (const long range : {-2000000000L, 2000000000L}) {
+    for (const long offset : {-2000000000L, 0L, 2000000000L}) {
+      ExpectGridAsPlain(left, Shifted(left, 5, 0, 17), {.threshold = 0.1, .range = range, .offset = offset});
+    }
+  }
+}
+
+TEST_F(StructuralDescriptorTest, TellsProgressOnceARow) {
+  const PlainImage left = RandomImage(60, 30, 18);
+  pair_.progressWindow = &ui_;
+  ExpectGridAsPlain(left, left, {.range = 2});
+  EXPECT_EQ(ui_.EventsWith("status 0: Done").size(), 3U);
+}
+
+TEST_F(StructuralDescriptorTest, CancelOfFormLeavesNothing) {
+  EXPECT_EQ(pair_.MatchStructuralDescriptor(), StereoPair::kCancelled);
+  EXPECT_EQ(ui_.events, std::vector<std::string>{"form: MatchInput"});
+}
+
+}  // namespace
+
+}  // namespace corvane
