@@ -3,6 +3,7 @@
 #include "TIN/PointsHeader.h"
 #include "TIN/TINPoints.h"
 #include "commands/Choosers.h"
+#include "commands/MatchingRun.h"
 #include "forms/ExtentInput.h"
 #include "forms/ValueInput.h"
 #include "shell/CommandShapes.h"
@@ -75,8 +76,17 @@ CommandResult OnPointsHead(CCorvaneView&) {
   return CommandResult::Failed;
 }
 
-// The routine on trial reads match pairs, which there are none of as long as no photos can be matched.
+CommandResult OnSpaceIntersection(CCorvaneView& view) {
+  return RunMatching(view, &StereoPair::IntersectPairFile);
+}
+
+// The routine on trial reads match pairs, from a file that few have.
 CommandResult OnTest(CCorvaneView&) {
+  constexpr const char* kPath = "matchPt.txt";
+  std::vector<MatchPair> pairs;
+  if (StereoPair::ReadPairs(kPath, pairs) > 0) {
+    Ui().SetStatusText(0, std::string(kPath) + ": " + std::to_string(pairs.size()) + " pairs.");
+  }
   return CommandResult::Done;
 }
 

@@ -53,6 +53,9 @@ CommandResult OnDifferenceImage(CCorvaneView& view);
 // Reads an image and writes it again under another name.
 CommandResult OnImageIoTest(CCorvaneView& view);
 
+// Turns match pairs of two photos into points on the ground.
+CommandResult OnSpaceIntersection(CCorvaneView& view);
+
 // Shows the header of a points file and changes its spacing.
 CommandResult OnPointsHead(CCorvaneView& view);
 

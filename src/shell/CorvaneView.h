@@ -3,6 +3,7 @@
 #include <span>
 #include <vector>
 
+#include "StereoPair/StereoPair.h"
 #include "TIN/TIN.h"
 #include "erdasimg/ErdasImg.h"
 #include "numerics/Point3.h"
@@ -13,8 +14,7 @@
 
 namespace corvane {
 
-// The window on a TIN: paints its triangles, north up, and carries what the commands keep between runs. What
-// belongs to the matching of photos joins it with those commands.
+// The window on a TIN: paints its triangles, north up, and carries what the commands keep between runs.
 class CCorvaneView : public CView {
  public:
   explicit CCorvaneView(CCorvaneDoc& document);
@@ -58,6 +58,7 @@ class CCorvaneView : public CView {
   bool paintEnabled = true;
   CStatusBar* statusBar = nullptr;  // the frame's, taken at the first update
   CNTGraph graph;                   // covers the drawing once something has been plotted
+  StereoPair stereoPair;            // keeps what matching methods leave for the next one
   ErdasImg profileImage;            // of "Image Profile", kept from one row to the next
   Point3 examPoint;                 // ground point of "Matching Exam"
   Point3 examStep;                  // how far a key moves it
