@@ -141,14 +141,14 @@ struct MakeScores {
     const double n = left->n;
     const double a = left->a;
     const double varianceA = left->aa - a * a / n;
-    const double ofFlat = varianceA == 0.0 ? 1.0 : 0.0;
+    if (varianceA == 0.0) {
+      for (std::ptrdiff_t k = 0; k < nPlaces; ++k) scores[k] = bb[k] - b[k] * b[k] / n == 0.0 ? 1.0 : 0.0;
+      return;
+    }
     for (std::ptrdiff_t k = 0; k < nPlaces; ++k) {
       const double varianceB = bb[k] - b[k] * b[k] / n;
       const double score = (ab[k] - a * b[k] / n) / std::sqrt(varianceA * varianceB);
-      scores[k] = varianceB == 0.0 ? ofFlat : score;
-    }
-    for (std::ptrdiff_t k = 0; varianceA == 0.0 && k < nPlaces; ++k) {
-      scores[k] = bb[k] - b[k] * b[k] / n == 0.0 ? 1.0 : 0.0;
+      scores[k] = varianceB == 0.0 ? 0.0 : score;
     }
   }
 };
@@ -158,11 +158,9 @@ struct MakeScores {
 void WindowScores::SetLeft(std::span<const std::uint8_t> pixels, std::int32_t width, std::int32_t height) {
   width_ = width;
   height_ = height;
+  left_ = pixels;
   leftSums_ = SumPixels(pixels, pixels);
-  if (!IsStripped()) {
-    leftPixels_.assign(pixels.begin(), pixels.end());
-    return;
-  }
+  if (!IsStripped()) return;
   leftPairs_.resize(static_cast<std::size_t>(height) * ((static_cast<std::size_t>(width) + 1) / 2));
   std::uint32_t* to = leftPairs_.data();
   const std::uint8_t* from = pixels.data();
@@ -234,7 +232,7 @@ std::span<double> WindowScores::ScoreRow(const ErdasImg& right, const Part& part
 void WindowScores::ScoreCutWindows(const ErdasImg& right, const Part& part, std::int64_t i) {
   for (std::int64_t k = 0; k < part.nCols; ++k) {
     const bool isCut = CutWindow(right, {part.col + k, part.row + i}, width_, height_, cut_);
-    scores_[static_cast<std::size_t>(k)] = isCut ? CorrelationCoefficient(leftPixels_, cut_) : -1.0;
+    scores_[static_cast<std::size_t>(k)] = isCut ? CorrelationCoefficient(left_, cut_) : -1.0;
   }
 }
 

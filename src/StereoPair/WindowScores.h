@@ -24,7 +24,7 @@ class WindowScores {
  public:
   static constexpr std::int64_t kMaxStripped = 65536;  // pixels of a window
 
-  // Takes the left window, which has width * height pixels.
+  // Takes the left window, which has width * height pixels, and stays where it is as long as it is compared.
   void SetLeft(std::span<const std::uint8_t> pixels, std::int32_t width, std::int32_t height);
 
   // Calls take(row, col, scores) with places of the runs, the first row and column of a part of a row of them
@@ -52,8 +52,8 @@ class WindowScores {
 
   std::int32_t width_ = 0;
   std::int32_t height_ = 0;
-  CorrelationSums leftSums_;              // n, a, aa
-  std::vector<std::uint8_t> leftPixels_;  // of a window that is not stripped
+  CorrelationSums leftSums_;  // n, a, aa
+  std::span<const std::uint8_t> left_;
   std::vector<std::uint32_t> leftPairs_;  // height x (width + 1) / 2: columns 0 and 1, 2 and 3, ...
   std::vector<std::uint32_t> strip_;
   std::vector<std::uint8_t> cut_;  // pixels of a strip that is not wholly in the image, or of a window
