@@ -8,7 +8,6 @@
 
 #include "StereoPair/DenseMaps.h"
 #include "StereoPair/GridMatching.h"
-#include "StereoPair/RowSearch.h"
 #include "StereoPair/StereoPair.h"
 #include "forms/ValueInput.h"
 #include "numerics/Truncate.h"
@@ -21,56 +20,27 @@ namespace {
 constexpr double kThreshold = 0.75;
 constexpr double kStartOffset = -10.0;
 
-// Kept: where CompareWindows leaves its windows in files.
-constexpr std::int32_t kDumpedCol = 272;
-constexpr std::int32_t kDumpedRow = 866;
-
 // The search of "Area Correlation" in the columns of one pair.
 class DenseSearch {
  public:
   DenseSearch(StereoPair& pair, const DensePlaces& cols)
       : pair_(pair), cols_(cols), halfRange_(pair.dem ? std::trunc(pair.demAccuracy) : pair.maxDisparity) {
     if (pair.dem) demRow_.resize(static_cast<std::size_t>(pair.leftImage->GetSize().cx));
-    searchesRows_ = !pair.dem && !pair.useDiffCheck && cols.step == 1 && Takes(*pair.leftImage) &&
-                    Takes(*pair.rightImage);
   }
 
   // Fills the maps in a row. Returns at how many places the score is not below the threshold.
   std::int64_t MatchRow(std::int32_t row) {
     std::fill(demRow_.begin(), demRow_.end(), std::numeric_limits<double>::quiet_NaN());
     if (pair_.dem) pair_.dem->GetPixelRow(0, row, 0, demRow_);
-    const bool isSearched = searchesRows_ && SearchRow(row);
     std::int64_t nMatched = 0;
-    for (std::int64_t i = cols_.first; i < cols_.end; i += cols_.step) {
-      const auto col = static_cast<std::int32_t>(i);
-      if (isSearched && !(row == kDumpedRow && col == kDumpedCol)) {
-        nMatched += Store(row, col, -rowSearch_.GetShift(col), rowSearch_.GetScore(col));
-      } else {
-        nMatched += Match(row, col);
-      }
+    for (std::int64_t col = cols_.first; col < cols_.end; col += cols_.step) {
+      nMatched += Match(row, static_cast<std::int32_t>(col));
     }
     return nMatched;
   }
 
  private:
-  bool Takes(const ErdasImg& image) const {
-    return RowSearch::Takes(pair_.targetWidth, pair_.targetHeight, image.GetSize().cx);
-  }
-
-  // Does for the whole row what Match does, where all places begin at one disparity. False if there are no
-  // windows in the right image.
-  bool SearchRow(std::int32_t row) {
-    const std::int32_t half = pair_.targetHeight / 2;
-    if (row - 1 >= pair_.rightImage->GetSize().cy - half) return false;
-    rowSearch_.SetRows(*pair_.leftImage, row - half, *pair_.rightImage, row - 1 - half, pair_.targetWidth,
-                       pair_.targetHeight);
-    const std::int64_t start = -DisparityToBeginWith(0);
-    rowSearch_.Search(
-        cols_.first, cols_.end,
-        {.first = start - pair_.maxDisparity, .last = start + pair_.maxDisparity, .leftOut = start});
-    return true;
-  }
-
+  // Fills the maps at a place. Whether its score is not below the threshold.
   // Kept: the start is one row up, and there is no range of rows, so that row r is compared with row r - 1.
   // Kept: so the start lies on the bottom edge of its rectangle, and is never compared itself.
   bool Match(std::int32_t row, std::int32_t col) {
@@ -80,13 +50,8 @@ class DenseSearch {
     const Point2 left = {static_cast<double>(col), static_cast<double>(row)};
     const double score =
         pair_.SearchCorrelation(left, right, pair_.targetWidth, pair_.targetHeight, rect, pair_.useDiffCheck);
-    return Store(row, col, left.x - right.x, score);
-  }
-
-  // Whether the score is not below the threshold.
-  bool Store(std::int32_t row, std::int32_t col, double disparity, double score) {
     const bool isBelow = score < pair_.matchThreshold;
-    pair_.disparityMap->SetPixel(0, row, col, isBelow ? StereoPair::kNoDisparity : disparity);
+    pair_.disparityMap->SetPixel(0, row, col, isBelow ? StereoPair::kNoDisparity : left.x - right.x);
     pair_.measureMap->SetPixel(0, row, col, score);
     return !isBelow;
   }
@@ -103,8 +68,6 @@ class DenseSearch {
   StereoPair& pair_;
   DensePlaces cols_;
   double halfRange_;            // columns
-  bool searchesRows_ = false;   // whether whole rows are searched at once, which is faster
-  RowSearch rowSearch_;         // of the present row
   std::vector<double> demRow_;  // the DEM's disparities in it; not a number where it has none
 };
 
