@@ -106,7 +106,7 @@ void PhotoProject::DumpGroundPoints(std::string& text) const {
   for (const GroundPoint& point : groundPoints) {
     const bool isThere = point.type == kControlPoint || point.type == kPassPoint;
     text += point.name + ", " + (isThere ? std::string(1, point.type) : "This point was deleted") + "\n";
-    AppendNumbers(text, {PlainNaN(point.x), PlainNaN(point.y), PlainNaN(point.z)}, kStreamPrecision);
+    AppendNumbers(text, {point.x, point.y, point.z}, kStreamPrecision);
     text += '\n';
     for (std::size_t i = 0; i < point.stripIndices.size(); ++i) {
       AppendInt(text, point.stripIndices[i] + 1);

@@ -266,7 +266,7 @@ void StorePassPoints(PhotoProject& project) {
   std::string text;
   for (const ImageMeasurement& measurement : project.passPoints) {
     text += measurement.name + ", ";
-    AppendNumbers(text, {PlainNaN(measurement.col), PlainNaN(measurement.row)}, kPrecision);
+    AppendNumbers(text, {measurement.col, measurement.row}, kPrecision);
     text += '\n';
   }
   const std::string path = project.name + "_PassPt.txt";

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <cmath>
 #include <exception>
 #include <initializer_list>
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -20,11 +18,6 @@ bool ScanReals(TextScanner& text, std::initializer_list<double*> numbers);
 // A fiducial's number, x and y into its place in the table; one whose number is not in it is dropped. False
 // at the first field that is no number.
 bool ScanFiducial(TextScanner& text, Fiducials& fiducials);
-
-// The number, but of a NaN the one without a sign, as texts of matrices have it.
-inline double PlainNaN(double number) {
-  return std::isnan(number) ? std::numeric_limits<double>::quiet_NaN() : number;
-}
 
 // Tells in the message pane that there is no memory for a file.
 void TellNoMemory(const std::string& path);

@@ -14,7 +14,14 @@ namespace {
 // The digits before the point of the largest double, sign, point, exponent and some room.
 constexpr std::size_t kMaxIntegerPart = 340;
 
+// The sign of what is no number depends on the machine that made it.
+constexpr const char* kNaNText = "nan";
+
 void AppendReal(std::string& text, double value, std::chars_format format, int precision) {
+  if (std::isnan(value)) {
+    text += kNaNText;
+    return;
+  }
   char buffer[kMaxIntegerPart + 64];
   auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, value, format, precision);
   if (error == std::errc()) {
@@ -28,6 +35,7 @@ void AppendReal(std::string& text, double value, std::chars_format format, int p
 
 template <typename T>
 std::string Shortest(T value) {
+  if (std::isnan(value)) return kNaNText;
   char buffer[64];
   return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
 }

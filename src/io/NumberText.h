@@ -8,7 +8,8 @@
 
 namespace corvane {
 
-// Numbers as text and back, always in the "C" locale.
+// Numbers as text and back, always in the "C" locale. What is no number is "nan", without the sign that it
+// may have: which one a computation leaves is the machine's affair.
 
 // Appends printf's "%.<decimals>f".
 void AppendFixed(std::string& text, double value, int decimals = 6);

@@ -12,7 +12,9 @@
 namespace corvane {
 namespace {
 
+// Of NaN the sign is left out.
 std::string Printed(const char* format, int precision, double value) {
+  if (std::isnan(value)) value = std::fabs(value);
   char text[2048];
   std::snprintf(text, sizeof text, format, precision, value);
   return text;
@@ -43,6 +45,21 @@ TEST(NumberText, SpecialNumbersAreWhatPrintfWrites) {
       EXPECT_EQ(GeneralText(value, precision), Printed("%.*g", precision, value));
       EXPECT_EQ(FixedText(value, precision), Printed("%.*f", precision, value));
     }
+  }
+}
+
+TEST(NumberText, NaNHasNoSign) {
+  const double nan = std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0);
+  ASSERT_TRUE(std::signbit(nan));
+  for (const double value : {nan, -nan}) {
+    EXPECT_EQ(FixedText(value), "nan");
+    EXPECT_EQ(GeneralText(value, 15), "nan");
+    EXPECT_EQ(GeneralText(value, 400), "nan");
+    EXPECT_EQ(ShortestText(value), "nan");
+    EXPECT_EQ(ShortestText(static_cast<float>(value)), "nan");
+    std::string text = "x ";
+    AppendNumbers(text, {value, 1.0, value}, 6);
+    EXPECT_EQ(text, "x nan, 1, nan");
   }
 }
 
