@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 #include <span>
+#include <utility>
 
 namespace corvane {
 
@@ -62,7 +63,16 @@ struct SimdPack {
 
   [[gnu::always_inline]] void Load(const T* from) { std::memcpy(&lanes, from, width); }
   [[gnu::always_inline]] void Store(T* to) const { std::memcpy(to, &lanes, width); }
-  [[gnu::always_inline]] void Fill(T value) { lanes = value - Lanes{}; }  // minus +0 keeps -0
+  [[gnu::always_inline]] void Fill(T value) { Spread(value, std::make_index_sequence<kLanes>()); }
+
+ private:
+  // A shuffle copies the bits, and is two instructions for a value that is known only while the program runs.
+  template <std::size_t... lane>
+  [[gnu::always_inline]] void Spread(T value, std::index_sequence<lane...>) {
+    Lanes first{};
+    first[0] = value;
+    lanes = __builtin_shufflevector(first, first, static_cast<int>(0 * lane)...);
+  }
 };
 
 namespace simd {

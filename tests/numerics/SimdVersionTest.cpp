@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
 
 namespace corvane {
 namespace {
@@ -26,6 +29,28 @@ struct Halve {
   }
 };
 
+template <typename T>
+struct FillAll {
+  template <std::size_t width>
+  [[gnu::always_inline]] static inline std::size_t Run(T value, T* to) {
+    SimdPack<T, width> pack;
+    pack.Fill(value);
+    pack.Store(to);
+    return pack.kLanes;
+  }
+};
+
+// All lanes of a pack take the bits of the value.
+template <typename T>
+void ExpectFill(T value) {
+  for (const SimdVersion version : AvailableSimdVersions()) {
+    const ForcedSimdVersion forced(version);
+    T lanes[64 / sizeof(T)];
+    const std::size_t nLanes = RunSimd<FillAll<T>>(value, lanes);
+    for (std::size_t i = 0; i < nLanes; ++i) EXPECT_EQ(std::memcmp(&lanes[i], &value, sizeof value), 0);
+  }
+}
+
 TEST(SimdVersion, TakesTheBestAvailableOne) {
   EXPECT_EQ(AvailableSimdVersions().front(), SimdVersion::Baseline);
   EXPECT_EQ(AvailableSimdVersions().back(), GetSimdVersion());
@@ -39,6 +64,18 @@ TEST(SimdVersion, IsForcedForALifetime) {
     EXPECT_EQ(RunSimd<RegisterWidth>(), widths[static_cast<int>(version)]);
   }
   EXPECT_EQ(GetSimdVersion(), before);
+}
+
+TEST(SimdVersion, PacksAreFilledBitForBit) {
+  for (const double value :
+       {0.0, -0.0, 1.5, std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::quiet_NaN()}) {
+    ExpectFill(value);
+    ExpectFill(static_cast<float>(value));
+  }
+  ExpectFill(std::uint8_t{201});
+  ExpectFill(std::int16_t{-2});
+  ExpectFill(std::uint32_t{0x80000001});
+  ExpectFill(std::int64_t{-3});
 }
 
 TEST(SimdVersion, PacksHoldAnyType) {
