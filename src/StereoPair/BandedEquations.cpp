@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "numerics/RowKernels.h"
 
@@ -23,17 +24,21 @@ void BandedEquations::Clear() {
 void BandedEquations::Add(std::span<const std::size_t> unknowns, std::span<const double> factors, double l,
                           double weight) {
   for (std::size_t s = 0; s < unknowns.size(); ++s) {
+    if (factors[s] == 0.0) continue;  // whatever it is multiplied by
     double* const column = GetColumn(unknowns[s]);
     for (std::size_t t = s; t < unknowns.size(); ++t) {
-      column[unknowns[t] - unknowns[s]] += factors[s] * factors[t] * weight;
+      if (factors[t] != 0.0) column[unknowns[t] - unknowns[s]] += factors[s] * factors[t] * weight;
     }
-    vector_[unknowns[s]] += factors[s] * l * weight;
+    if (l != 0.0) vector_[unknowns[s]] += factors[s] * l * weight;
   }
 }
 
 void BandedEquations::Solve(double* x) {
   std::copy_n(vector_.get(), n_, x);
-  if (Decompose()) Substitute(x);
+  if (!Decompose()) return;
+  Substitute(x);
+  const bool areFinite = std::all_of(x, x + n_, [](double unknown) { return std::isfinite(unknown); });
+  if (!areFinite) std::fill_n(x, n_, std::numeric_limits<double>::quiet_NaN());
 }
 
 bool BandedEquations::Decompose() {

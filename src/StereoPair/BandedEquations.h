@@ -10,12 +10,15 @@ namespace corvane {
 
 // Normal equations of observations that each tie a few neighbouring unknowns: the matrix is zero but for a
 // band around its diagonal. The same sums and the same solution, bit for bit, as WeightedLeastSquaresCholesky
-// makes of the observations in the same order, as long as all numbers are finite: what is left out are
-// products with zeros.
+// makes of the observations in the same order: what is left out are products with zeros. If one of the
+// unknowns is not finite all are NaN, as those products would make them.
 //
 // Cost: n band^2 operations for a solution, where the full matrix takes n^3 / 3.
 class BandedEquations {
  public:
+  // How many numbers it holds for n unknowns.
+  static double CountNumbers(double n, double band) { return n * (2.0 * band + 3.0); }
+
   // For n unknowns of which no observation ties two that are more than `band` apart. Without memory
   // HasRoom() is false.
   BandedEquations(std::size_t n, std::size_t band);

@@ -48,13 +48,13 @@ bool CorrectDisparities(std::span<const double> corrections, const DisparityLimi
     match = {LsmOutcome::Diverge, 0.0};
     return false;
   }
-  std::string line;
+  std::string line = "\n";
   AppendGeneral(line, match.score, 15);
   line += ' ';
-  AppendGeneral(line, *least, 15);
+  AppendGeneral(line, *least + 0.0, 15);  // without the sign of a zero
   line += ' ';
-  AppendGeneral(line, *most, 15);
-  Ui().Trace(line + '\n');
+  AppendGeneral(line, *most + 0.0, 15);
+  Ui().Trace(line);
   return true;
 }
 

@@ -52,7 +52,8 @@ struct DisparityMatch {
 };
 
 // Adds the corrections to the disparities. Returns whether the match goes on to another pass; the debug
-// stream then gets the score, and the smallest and largest correction.
+// stream then gets "\n" with the score, the smallest and the largest correction. As the outcome does, the
+// line begins with its newline and ends without one.
 bool CorrectDisparities(std::span<const double> corrections, const DisparityLimits& limits,
                         std::span<double> disparities, DisparityMatch& match);
 
@@ -62,7 +63,8 @@ bool CorrectDisparities(std::span<const double> corrections, const DisparityLimi
 // until the outcome. Converged, with one pass more for the score, when no correction reaches 1.5 pixels and
 // the score is above the threshold; Irregular in pass 19, or with the iterations; Diverge, with the score
 // 0.0, when a disparity is beyond its limit or no number. `corrections` is room for as many as there are
-// disparities. False without memory.
+// disparities. The score is that of the last samples: where the iterations end the passes they were taken
+// before the last corrections, and without any pass it is 0.0. False without memory.
 template <typename Model>
 bool RunDisparityPasses(Model& model, const DisparityLimits& limits, std::span<double> disparities,
                         std::span<double> corrections, DisparityMatch& match) {

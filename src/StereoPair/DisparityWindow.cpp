@@ -9,9 +9,12 @@
 
 namespace corvane {
 
-bool FitsDenseEquations(double m, double n) {
-  const double bytes = static_cast<double>(sizeof(double)) * (m * (n + 3.0) + n * (n + 3.0));
-  return m <= INT_MAX && n <= INT_MAX && bytes <= 0.5 * static_cast<double>(BytesOfMachine());
+bool FitNumbers(double n) {
+  return static_cast<double>(sizeof(double)) * n <= 0.5 * static_cast<double>(BytesOfMachine());
+}
+
+bool FitsDenseEquations(double m, double n, double nBeside) {
+  return n <= kMostDenseUnknowns && m <= INT_MAX && FitNumbers((m + n) * (n + 3.0) + nBeside);
 }
 
 double StartDisparity(const ErdasImg* map, std::int64_t row, std::int64_t col, double otherwise) {

@@ -12,9 +12,16 @@
 
 namespace corvane {
 
-// Whether the dense equations of m observations of n unknowns, and their normal equations, fit half of the
-// machine's memory, and their counts 32 bits.
-bool FitsDenseEquations(double m, double n);
+// Whether as many numbers, each a double, fit half of the machine's memory.
+bool FitNumbers(double n);
+
+// Dense equations take n^2 operations an observation, and n^3 for their solution: with more unknowns than
+// these, minutes.
+constexpr double kMostDenseUnknowns = 4096.0;
+
+// Whether the dense equations of m observations of n unknowns can be solved: no more unknowns than those, and
+// the design, the normal equations and `nBeside` numbers fit.
+bool FitsDenseEquations(double m, double n, double nBeside);
 
 // The map's disparity at a pixel, or the other value where it has none.
 double StartDisparity(const ErdasImg* map, std::int64_t row, std::int64_t col, double otherwise);
@@ -28,6 +35,9 @@ class DisparityWindow {
 
   const DisparityLattice& GetLattice() const { return lattice_; }
   std::size_t GetCount() const { return pattern_.size(); }
+
+  // How many numbers a pixel takes, those of its disparities and their correction included.
+  static constexpr double kNumbersOfPixel = 12.0;
 
   // Samples the right image with the disparities; the values are gain * sample + shift. A place outside of it
   // has the left image's pixel as sample and value, and no gradient.

@@ -146,7 +146,9 @@ bool AreInside(const ErdasImg& image, std::span<const double> rows, std::span<co
   const double endCol = nCols - 2.0;
   bool areInside = true;
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    areInside &= (rows[i] >= 1.0) & (rows[i] < endRow) & (cols[i] >= 1.0) & (cols[i] < endCol);
+    const double row = rows[i];
+    const double col = cols[i];
+    areInside &= (row >= 1.0) & (row < endRow) & (col >= 1.0) & (col < endCol);
   }
   return areInside;
 }

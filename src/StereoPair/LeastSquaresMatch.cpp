@@ -1,7 +1,6 @@
 #include "StereoPair/LeastSquaresMatch.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 #include "StereoPair/LeastSquaresPasses.h"
@@ -14,26 +13,6 @@
 namespace corvane {
 
 namespace {
-
-// The shifts of the last four passes, that of a pass in slot pass mod 4; 0 where there is none yet.
-struct ShiftRing {
-  std::array<double, 4> a0 = {};
-  std::array<double, 4> b0 = {};
-
-  void Store(int pass, const LsmParameters& parameters) {
-    const auto slot = static_cast<std::size_t>(pass % 4);
-    a0[slot] = parameters.a0;
-    b0[slot] = parameters.b0;
-  }
-
-  // Whether the patch jumps between two places: every other one is the same, neighbours are not.
-  bool Swings() const {
-    const bool repeats =
-        LsmStep{a0[2] - a0[0], b0[2] - b0[0]}.IsSmall() && LsmStep{a0[3] - a0[1], b0[3] - b0[1]}.IsSmall();
-    const double limit = 2.0 * kLsmTolerance;
-    return repeats && (std::fabs(a0[2] - a0[3]) > limit || std::fabs(b0[2] - b0[3]) > limit);
-  }
-};
 
 // Takes the unknowns as corrections that come before the parameters' own transformation.
 LsmStep Compose(LsmParameters& p, const double* x) {
@@ -133,26 +112,13 @@ struct TemplateMatch {
   void MovePosition(const LsmParameters& parameters, double centreX, Point2& position) const;
 };
 
-// The one that is smaller in magnitude; the second of equal ones.
-double SmallerOf(double a, double b) {
-  return std::fabs(a) < std::fabs(b) ? a : b;
-}
-
 void TemplateMatch::MovePosition(const LsmParameters& parameters, double centreX, Point2& position) const {
   if (hasConverged || pass == kLastLsmPass) {
     position.x += parameters.a0;
     position.y += parameters.b0;
   } else if (oscillates) {
-    // Kept: two additions to the column, and none to the row.
-    position.x += SmallerOf(ring.a0[3], centreX);
-    position.x += SmallerOf(ring.b0[3], ring.a0[0]);
+    ring.MovePosition(centreX, position);
   }
-}
-
-// A step that converges is never too far.
-bool HasDiverged(const LsmParameters& parameters, const LsmStep& step) {
-  const LsmStep shift = {parameters.a0, parameters.b0};
-  return !AreFinite(parameters) || !(step.IsSmall() || (step.IsBounded() && shift.IsBounded()));
 }
 
 TemplateMatch RunPasses(LeastSquaresPatch& patch, const ErdasImg& pattern, const Point2& position,

@@ -23,8 +23,8 @@ struct MatchRegion;
 //                0.15 pixel in each direction;
 //   Oscillating  likewise: when the patch jumps to and fro between two places;
 //   Irregular    in pass 19, whose score it is;
-//   Diverge      at once, with the score 0.0: when shift or step exceed 10.0 pixels, or a parameter is not
-//   finite.
+//   Diverge      at once, with the score 0.0: when shift or step exceed 10.0 pixels in a pass that does not
+//                converge, or a parameter is not finite.
 // All but Diverge move the position, and the caller asks whether the score is above its threshold.
 //
 // Pixels that come to lie outside of the search image, beyond [0, cols) x [0, rows), count as fitting: their
@@ -38,7 +38,7 @@ enum class LsmOutcome { Converged, Oscillating, Irregular, Diverge };
 // "Converged", and so on.
 const char* LsmOutcomeName(LsmOutcome outcome);
 
-// The correlation coefficient of a template with samples, whose number is that of both together:
+// The correlation coefficient of the first n numbers of template and samples, n being the smaller count:
 // (p - s S / n) / sqrt((Q - S^2 / n) (q - s^2 / n)), S and Q being the template's sum and sum of squares, s,
 // q and p the sums of samples, their squares and products with the template, from the first to the last. 1.0
 // if both variances are 0, 0.0 if one is. Samples that differ by rounding alone have the variance 0.
@@ -86,7 +86,10 @@ using RegionPixels = std::vector<RegionPixel>;
 enum class RegionMode {
   All = 1,        // those of its runs; fewer than 8 are too few
   ScanLines = 2,  // the same, from the cache; made there, if it is empty
-  Rectangle = 3,  // its bounding box, grown to odd numbers of columns and rows around its centre
+  // Its bounding box, grown to odd numbers of columns and rows around its centre: columns trunc(centerX) -
+  // half to trunc(centerX) + half, with half = ceil((rightBound - leftBound - 1) / 2), not below 0; rows
+  // likewise.
+  Rectangle = 3,
 };
 
 // Matches the pixels of a region of the left image. The integer part of `position` is where offsets count
@@ -96,7 +99,10 @@ enum class RegionMode {
 //
 // As LeastSquaresMatchTemplate, but with dx, dy in the columns; only the steps of a0 and b0 are held against
 // 10.0, not a0 and b0 themselves; and there is no "Oscillating". A row-locked match leaves the b alone, and
-// each pixel in its row. "\nRegion ID: " with the id goes to the debug stream, and the outcome.
+// each pixel in its row. "\nRegion ID: ", the id and a newline go to the debug stream, and the outcome at the
+// end.
+//
+// Rows, runs, centres and bounds that are not finite have no pixels.
 //
 // Returns the score; -1.0, with nothing changed, as LeastSquaresMatch, and without pixels, or enough of them.
 double LeastSquaresMatchRegion(const ErdasImg& left, const ErdasImg& search, const MatchRegion& region,

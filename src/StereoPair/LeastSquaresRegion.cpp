@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <new>
+#include <span>
+#include <vector>
 
 #include "StereoPair/LeastSquaresMatch.h"
 #include "StereoPair/LeastSquaresPasses.h"
@@ -18,28 +21,44 @@ namespace {
 
 constexpr std::size_t kFewestPixels = 8;  // in RegionMode::All
 
-// Adds the pixels of a row from `first` to before `end`, as far as they are on the image. More of them than a
-// match has memory for are as bad as no memory.
-void AddRun(const ErdasImg& image, std::int64_t row, std::int64_t first, std::int64_t end,
-            RegionPixels& pixels) {
-  const auto [cols, rows] = image.GetSize();
-  first = std::max<std::int64_t>(first, 0);
-  end = std::min<std::int64_t>(end, cols);
-  if (row < 0 || row >= rows || first >= end) return;
-  const auto nHeld = static_cast<std::int64_t>(pixels.size());
-  if (nHeld + end - first > LeastSquaresPatch::MostPixels()) throw std::bad_alloc();
-  std::vector<std::uint8_t> values(static_cast<std::size_t>(end - first));
-  CopyBytes(image, row, first, values);
-  for (const std::uint8_t value : values) {
-    pixels.push_back({static_cast<std::int32_t>(first++), static_cast<std::int32_t>(row), value});
-  }
+bool AllFinite(std::initializer_list<double> numbers) {
+  return std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); });
 }
 
+// Takes the pixels of a region from the image, run by run.
+class RunReader {
+ public:
+  RunReader(const ErdasImg& image, RegionPixels& pixels) : image_(image), pixels_(pixels) {}
+
+  // Adds the pixels of a row from `first` to before `end`, as far as they are on the image. More of them than
+  // a match has memory for are as bad as no memory.
+  void Add(std::int64_t row, std::int64_t first, std::int64_t end) {
+    const auto [cols, rows] = image_.GetSize();
+    first = std::max<std::int64_t>(first, 0);
+    end = std::min<std::int64_t>(end, cols);
+    if (row < 0 || row >= rows || first >= end) return;
+    const auto nHeld = static_cast<std::int64_t>(pixels_.size());
+    if (nHeld + end - first > LeastSquaresPatch::MostPixels()) throw std::bad_alloc();
+    values_.resize(static_cast<std::size_t>(end - first));
+    CopyBytes(image_, row, first, values_);
+    for (const std::uint8_t value : values_) {
+      pixels_.push_back({static_cast<std::int32_t>(first++), static_cast<std::int32_t>(row), value});
+    }
+  }
+
+ private:
+  const ErdasImg& image_;
+  RegionPixels& pixels_;
+  std::vector<std::uint8_t> values_;  // of a run
+};
+
 void AddScanLines(const ErdasImg& image, const ScanRegion& region, RegionPixels& pixels) {
+  RunReader reader(image, pixels);
   for (const ScanRow& row : region.GetRows()) {
     const auto crossings = row.GetCrossings();
     for (std::size_t k = 0; k + 1 < crossings.size(); k += 2) {
-      AddRun(image, TruncateTo64(row.y), TruncateTo64(crossings[k]), TruncateTo64(crossings[k + 1]), pixels);
+      if (!AllFinite({row.y, crossings[k], crossings[k + 1]})) continue;
+      reader.Add(TruncateTo64(row.y), TruncateTo64(crossings[k]), TruncateTo64(crossings[k + 1]));
     }
   }
 }
@@ -50,20 +69,20 @@ std::int64_t HalfOf(double length) {
 }
 
 void AddRectangle(const ErdasImg& image, const MatchRegion& region, RegionPixels& pixels) {
+  if (!AllFinite({region.centerX, region.centerY})) return;
+  if (!AllFinite({region.leftBound, region.topBound, region.rightBound, region.bottomBound})) return;
   const std::int64_t col = TruncateSaturated(region.centerX);
   const std::int64_t row = TruncateSaturated(region.centerY);
   const std::int64_t halfW = HalfOf(region.rightBound - region.leftBound);
   const std::int64_t halfH = HalfOf(region.bottomBound - region.topBound);
   const std::int64_t first = std::max<std::int64_t>(row - halfH, 0);
   const std::int64_t last = std::min<std::int64_t>(row + halfH, image.GetSize().cy - 1);
-  for (std::int64_t line = first; line <= last; ++line) {
-    AddRun(image, line, col - halfW, col + halfW + 1, pixels);
-  }
+  RunReader reader(image, pixels);
+  for (std::int64_t line = first; line <= last; ++line) reader.Add(line, col - halfW, col + halfW + 1);
 }
 
-// The pixels of the region, which are those of the cache if they are there. Empty without enough of them.
-RegionPixels PixelsOf(const ErdasImg& left, const MatchRegion& region, RegionMode mode, RegionPixels* cache) {
-  if (mode == RegionMode::ScanLines && cache && !cache->empty()) return *cache;
+// The pixels of the region; none without enough of them.
+RegionPixels MakePixels(const ErdasImg& left, const MatchRegion& region, RegionMode mode) {
   RegionPixels pixels;
   if (mode == RegionMode::Rectangle) {
     AddRectangle(left, region, pixels);
@@ -71,7 +90,6 @@ RegionPixels PixelsOf(const ErdasImg& left, const MatchRegion& region, RegionMod
     AddScanLines(left, region.scanRegion, pixels);
   }
   if (mode == RegionMode::All && pixels.size() < kFewestPixels) pixels.clear();
-  if (mode == RegionMode::ScanLines && cache) *cache = pixels;
   return pixels;
 }
 
@@ -81,7 +99,7 @@ struct PatternSums {
   double sumSq = 0.0;
 };
 
-PatternSums TakePixels(const RegionPixels& pixels, const Point2& origin, LeastSquaresPatch& patch) {
+PatternSums TakePixels(std::span<const RegionPixel> pixels, const Point2& origin, LeastSquaresPatch& patch) {
   PatternSums sums;
   for (std::size_t i = 0; i < pixels.size(); ++i) {
     const auto [col, row, value] = pixels[i];
@@ -122,8 +140,9 @@ RegionMatch RunPasses(LeastSquaresPatch& patch, const PatternSums& sums, const P
   }
 }
 
-double MatchPixels(const RegionPixels& pixels, const ErdasImg& search, std::int32_t id, Point2& position,
-                   LsmParameters& parameters, bool isRowLocked) {
+double MatchPixels(std::span<const RegionPixel> pixels, const ErdasImg& search, std::int32_t id,
+                   Point2& position, LsmParameters& parameters, bool isRowLocked) {
+  if (pixels.empty()) return -1.0;
   LeastSquaresPatch patch(search, static_cast<std::int64_t>(pixels.size()));
   if (!patch.HasRoom()) return -1.0;
   Ui().Trace("\nRegion ID: " + std::to_string(id) + "\n");
@@ -144,8 +163,10 @@ double LeastSquaresMatchRegion(const ErdasImg& left, const ErdasImg& search, con
                                RegionPixels* cache) {
   if (!CanMatchAt(search, position) || !left.HasPixels()) return -1.0;
   try {
-    const RegionPixels pixels = PixelsOf(left, region, mode, cache);
-    if (pixels.empty()) return -1.0;
+    RegionPixels own;
+    const bool isCached = mode == RegionMode::ScanLines && cache;
+    RegionPixels& pixels = isCached ? *cache : own;
+    if (pixels.empty()) pixels = MakePixels(left, region, mode);
     return MatchPixels(pixels, search, region.id, position, parameters, isRowLocked);
   } catch (const std::bad_alloc&) {
     return -1.0;

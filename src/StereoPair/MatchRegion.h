@@ -20,7 +20,9 @@ struct MatchRegion {
   double rowDisparity = 0.0;
   LsmParameters lsmParameters;
   double score = 0.0;
-  double leftBound = 0.0;  // the bounding box
+  // The bounding box, along the edges of pixels: it begins with the pixel at (leftBound, topBound) and ends
+  // before the one at (rightBound, bottomBound).
+  double leftBound = 0.0;
   double topBound = 0.0;
   double rightBound = 0.0;
   double bottomBound = 0.0;

@@ -1,7 +1,6 @@
 // Least squares with a disparity a pixel.
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <new>
 #include <string>
@@ -20,42 +19,20 @@ namespace corvane {
 
 namespace {
 
-constexpr std::size_t kGainColumns = 2;  // shift and gain, behind the disparities
-
-// The whole design, a row a pixel and a row a difference, and the solution: of the disparities alone or, with
-// room in `x` for them, of shift and gain, too. False without memory.
-bool AdjustDense(const DisparityWindow& window, std::span<const double> disparities, std::span<double> x) {
-  const std::size_t n = window.GetCount();
-  const auto m = static_cast<std::int64_t>(3 * n);
-  const OwnedMatrix design(AllocMatrix(m, static_cast<std::int64_t>(x.size())));
-  const OwnedArray<double> observations = NewArray<double>(m);
-  const OwnedArray<double> weights = NewArray<double>(m);
-  if (!design || !observations || !weights) return false;
-  for (std::size_t i = 0; i < n; ++i) {
-    design[i][i] = window.GetFactor(i);
-    if (x.size() > n) {
-      design[i][n] = 1.0;
-      design[i][n + 1] = window.GetSample(i);
-    }
-    observations[i] = window.GetObservation(i);
-    weights[i] = kBrightnessWeight;
-  }
-  for (std::size_t k = 0; k < 2 * n; ++k) {
-    const DisparityDifference difference = window.GetLattice().GetDifference(k);
-    for (std::size_t j = 0; j < difference.count; ++j) {
-      design[n + k][difference.unknowns[j]] = difference.factors[j];
-    }
-    observations[n + k] = difference.GetObservation(disparities);
-    weights[n + k] = kSmoothnessWeight;
-  }
-  std::fill(x.begin(), x.end(), 0.0);
-  return WeightedLeastSquaresCholesky(design.get(), observations.get(), weights.get(), static_cast<int>(m),
-                                      static_cast<int>(x.size()), x.data()) > 0;
+// The disparities, row by row.
+DisparityLattice LatticeOf(int width, int height) {
+  return {static_cast<std::size_t>(width), static_cast<std::size_t>(height)};
 }
 
 // The disparities as the only unknowns.
 class PixelModel {
  public:
+  static bool Fits(const DisparityLattice& lattice) {
+    const auto n = static_cast<double>(lattice.GetCount());
+    return FitNumbers(BandedEquations::CountNumbers(n, static_cast<double>(lattice.GetBand())) +
+                      n * DisparityWindow::kNumbersOfPixel);
+  }
+
   explicit PixelModel(DisparityWindow& window)
       : window_(window), equations_(window.GetCount(), window.GetLattice().GetBand()) {}
 
@@ -68,44 +45,34 @@ class PixelModel {
 
   bool Adjust(std::span<const double> disparities, std::span<double> corrections) {
     equations_.Clear();
-    if (!AddPixels() || !AddDifferences(disparities)) return AdjustDense(window_, disparities, corrections);
+    for (std::size_t i = 0; i < window_.GetCount(); ++i) {
+      const double factor = window_.GetFactor(i);
+      equations_.Add({&i, 1}, {&factor, 1}, window_.GetObservation(i), kBrightnessWeight);
+    }
+    for (std::size_t k = 0; k < 2 * window_.GetCount(); ++k) {
+      const DisparityDifference difference = window_.GetLattice().GetDifference(k);
+      equations_.Add(std::span(difference.unknowns).first(difference.count), difference.factors,
+                     difference.GetObservation(disparities), kSmoothnessWeight);
+    }
     equations_.Solve(corrections.data());
     return true;
   }
 
  private:
-  // False, as are those below, if a number is not finite.
-  bool AddPixels() {
-    bool areFinite = true;
-    for (std::size_t i = 0; i < window_.GetCount(); ++i) {
-      const double factor = window_.GetFactor(i);
-      const double observation = window_.GetObservation(i);
-      areFinite &= std::isfinite(factor * factor) && std::isfinite(observation);
-      equations_.Add({&i, 1}, {&factor, 1}, observation, kBrightnessWeight);
-    }
-    return areFinite;
-  }
-
-  bool AddDifferences(std::span<const double> disparities) {
-    bool areFinite = true;
-    for (std::size_t k = 0; k < 2 * window_.GetCount(); ++k) {
-      const DisparityDifference difference = window_.GetLattice().GetDifference(k);
-      const double observation = difference.GetObservation(disparities);
-      areFinite &= std::isfinite(observation);
-      equations_.Add(std::span(difference.unknowns).first(difference.count), difference.factors, observation,
-                     kSmoothnessWeight);
-    }
-    return areFinite;
-  }
-
   DisparityWindow& window_;
   BandedEquations equations_;
 };
 
-// The same with grey values of the right image that are shifted and stretched.
+// The same with grey values of the right image that are shifted and stretched: two unknowns more, behind the
+// disparities.
 class GainModel {
  public:
-  explicit GainModel(DisparityWindow& window) : window_(window), x_(window.GetCount() + kGainColumns) {}
+  static bool Fits(const DisparityLattice& lattice) {
+    const auto n = static_cast<double>(lattice.GetCount());
+    return FitsDenseEquations(3.0 * n, n + 2.0, n * DisparityWindow::kNumbersOfPixel);
+  }
+
+  explicit GainModel(DisparityWindow& window) : window_(window), x_(window.GetCount() + 2) {}
 
   static bool HasRoom() { return true; }
 
@@ -115,19 +82,50 @@ class GainModel {
   }
 
   bool Adjust(std::span<const double> disparities, std::span<double> corrections) {
-    if (!AdjustDense(window_, disparities, x_)) return false;
-    std::copy_n(x_.begin(), corrections.size(), corrections.begin());
-    shift_ += x_[corrections.size()];
-    gain_ += x_[corrections.size() + 1];
+    if (!SolveDense(disparities)) return false;
+    const std::size_t n = corrections.size();
+    std::copy_n(x_.begin(), n, corrections.begin());
+    shift_ += x_[n];
+    gain_ += x_[n + 1];
     return true;
   }
 
  private:
+  bool SolveDense(std::span<const double> disparities);
+
   DisparityWindow& window_;
   std::vector<double> x_;
   double shift_ = 0.0;
   double gain_ = 1.0;
 };
+
+// By the whole design, a row a pixel and a row a difference. False without memory.
+bool GainModel::SolveDense(std::span<const double> disparities) {
+  const std::size_t n = window_.GetCount();
+  const auto m = static_cast<std::int64_t>(3 * n);
+  const OwnedMatrix design(AllocMatrix(m, static_cast<std::int64_t>(x_.size())));
+  const OwnedArray<double> observations = NewArray<double>(m);
+  const OwnedArray<double> weights = NewArray<double>(m);
+  if (!design || !observations || !weights) return false;
+  for (std::size_t i = 0; i < n; ++i) {
+    design[i][i] = window_.GetFactor(i);
+    design[i][n] = 1.0;
+    design[i][n + 1] = window_.GetSample(i);
+    observations[i] = window_.GetObservation(i);
+    weights[i] = kBrightnessWeight;
+  }
+  for (std::size_t k = 0; k < 2 * n; ++k) {
+    const DisparityDifference difference = window_.GetLattice().GetDifference(k);
+    for (std::size_t j = 0; j < difference.count; ++j) {
+      design[n + k][difference.unknowns[j]] = difference.factors[j];
+    }
+    observations[n + k] = difference.GetObservation(disparities);
+    weights[n + k] = kSmoothnessWeight;
+  }
+  std::fill(x_.begin(), x_.end(), 0.0);
+  return WeightedLeastSquaresCholesky(design.get(), observations.get(), weights.get(), static_cast<int>(m),
+                                      static_cast<int>(x_.size()), x_.data()) > 0;
+}
 
 // A window, and where it is looked for.
 struct WindowPlace {
@@ -137,10 +135,8 @@ struct WindowPlace {
   int height;
 
   bool IsUsable(const StereoPair& pair) const {
-    if (!pair.leftImage || !pair.rightImage || width <= 0 || height <= 0) return false;
-    const double n = static_cast<double>(width) * height;
-    return CanMatchAt(*pair.leftImage, left) && CanMatchAt(*pair.rightImage, right) &&
-           FitsDenseEquations(3.0 * n, n + static_cast<double>(kGainColumns));
+    return pair.leftImage && pair.rightImage && width > 0 && height > 0 &&
+           CanMatchAt(*pair.leftImage, left) && CanMatchAt(*pair.rightImage, right);
   }
 };
 
@@ -149,7 +145,7 @@ std::size_t SizeOfWindow(int width, int height) {
 }
 
 // Whether there is memory for as many pairs and their ground points, and a number for each.
-bool FitsMemory(std::size_t nPairs) {
+bool FitPairs(std::size_t nPairs) {
   constexpr double kBytes = sizeof(MatchPair) + sizeof(PointRecord);
   return nPairs <= INT32_MAX &&
          kBytes * static_cast<double>(nPairs) <= 0.25 * static_cast<double>(BytesOfMachine());
@@ -161,7 +157,7 @@ double MatchWindow(StereoPair& pair, const WindowPlace& place, const DisparityLi
                    const ErdasImg* startMap) {
   const auto& [left, right, width, height] = place;
   const WindowCorner corner(left, width, height);
-  const DisparityLattice lattice = {static_cast<std::size_t>(width), static_cast<std::size_t>(height)};
+  const DisparityLattice lattice = LatticeOf(width, height);
   DisparityWindow window(*pair.leftImage, *pair.rightImage, corner, lattice, left.y - right.y);
   Model model(window);
   if (!model.HasRoom()) return -1.0;
@@ -175,7 +171,7 @@ double MatchWindow(StereoPair& pair, const WindowPlace& place, const DisparityLi
   std::vector<double> corrections(lattice.GetCount());
   DisparityMatch match;
   if (!RunDisparityPasses(model, limits, disparities, corrections, match)) return -1.0;
-  pair.AddDisparityWindow(left, width, height, disparities, rowDisparities, match.score);
+  if (pair.AddDisparityWindow(left, width, height, disparities, rowDisparities, match.score) < 0) return -1.0;
   Ui().Trace(std::string("\n") + LsmOutcomeName(match.outcome));
   return match.score;
 }
@@ -184,7 +180,7 @@ template <typename Model>
 double TryWindow(StereoPair& pair, const WindowPlace& place, const DisparityLimits& limits,
                  std::vector<double>& disparities, std::vector<double>& rowDisparities,
                  const ErdasImg* startMap) {
-  if (!place.IsUsable(pair)) return -1.0;
+  if (!place.IsUsable(pair) || !Model::Fits(LatticeOf(place.width, place.height))) return -1.0;
   try {
     return MatchWindow<Model>(pair, place, limits, disparities, rowDisparities, startMap);
   } catch (const std::bad_alloc&) {
@@ -226,8 +222,9 @@ int StereoPair::AddDisparityNodes(const Point2& first, int nCols, int stepX, int
                                   std::span<const double> disparities, std::span<const double> rowDisparities,
                                   double score) {
   const std::size_t n = disparities.size();
-  if (!leftPhoto || !rightPhoto || nCols <= 0 || rowDisparities.size() < n) return -1;
-  if (!FitsMemory(matchPairs.size() + n)) return -1;
+  if (nCols <= 0 || rowDisparities.size() < n) return -1;
+  if (!leftPhoto || !rightPhoto) return 0;
+  if (!FitPairs(matchPairs.size() + n)) return -1;
   TINPoints& points = GetGroundPoints();
   try {
     for (std::size_t i = 0; i < n; ++i) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <new>
 #include <string>
@@ -71,6 +70,15 @@ struct NodePixel {
   double gradient = 0.0;  // along the row
 };
 
+// The left image's grey value at a pixel; 0 outside.
+double GreyAt(const ErdasImg& image, const Point2& pixel) {
+  const auto [cols, rows] = image.GetSize();
+  double value = 0.0;
+  const bool isInside = pixel.x >= 0.0 && pixel.x < cols && pixel.y >= 0.0 && pixel.y < rows;
+  if (isInside) image.GetPixelBilinear(0, pixel.y, pixel.x, value);
+  return value;
+}
+
 class NodeModel {
  public:
   NodeModel(const ErdasImg& left, const ErdasImg& right, const WindowCorner& corner, const NodeGrid& grid,
@@ -100,8 +108,7 @@ NodeModel::NodeModel(const ErdasImg& left, const ErdasImg& right, const WindowCo
     const std::size_t row = i / grid.x.length;
     const Point2 place = {static_cast<double>(corner.col) + static_cast<double>(col),
                           static_cast<double>(corner.row) + static_cast<double>(row)};
-    double value = 0.0;
-    left.GetPixelBilinear(0, place.y, place.x, value);
+    const double value = GreyAt(left, place);
     pixels_.push_back({NodeParts(grid, col, row), place, value});
     pattern_.push_back(value);
     sum_ += value;
@@ -164,12 +171,12 @@ bool NodeModel::Adjust(std::span<const double> disparities, std::span<double> co
                               static_cast<int>(n), corrections.data()) > 0;
 }
 
-// Whether the equations of the grid fit the memory.
+// Whether the equations of the grid can be solved.
 bool Fits(const NodeGrid& grid) {
   const double nPixels = static_cast<double>(grid.x.length) * static_cast<double>(grid.y.length);
   const double nNodes = static_cast<double>(grid.x.GetCount()) * static_cast<double>(grid.y.GetCount());
-  constexpr double kOfPixel = sizeof(NodePixel) / sizeof(double);  // beside its row of the design
-  return FitsDenseEquations(nPixels + 2.0 * nNodes, nNodes + kOfPixel);
+  constexpr double kNumbersOfPixel = sizeof(NodePixel) / sizeof(double) + 2.0;
+  return FitsDenseEquations(nPixels + 2.0 * nNodes, nNodes, nPixels * kNumbersOfPixel);
 }
 
 // Whether there are images, places in them, a window and steps.
@@ -205,8 +212,9 @@ double StereoPair::LeastSquaresDisparityGrid(const Point2& left, const Point2& r
     DisparityMatch match;
     if (!RunDisparityPasses(model, limits, disparities, corrections, match)) return -1.0;
     const Point2 first = {static_cast<double>(corner.col), static_cast<double>(corner.row)};
-    AddDisparityNodes(first, static_cast<int>(lattice.nCols), width, height, disparities, rowDisparities,
-                      match.score);
+    const int added = AddDisparityNodes(first, static_cast<int>(lattice.nCols), width, height, disparities,
+                                        rowDisparities, match.score);
+    if (added < 0) return -1.0;
     Ui().Trace(std::string("\n") + LsmOutcomeName(match.outcome));
     return match.score;
   } catch (const std::bad_alloc&) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+#include <span>
 #include <vector>
 
 #include "LsmScenes.h"
@@ -60,6 +63,44 @@ TEST(BandedEquations, LeaveTheVectorOfASystemWithoutASolutionAsTheDenseOnesDo) {
   EXPECT_EQ(x[0], 0.0);
   EXPECT_EQ(x[1], 60.0);
   EXPECT_EQ(x[2], 0.0);
+}
+
+// An observation that is not finite, or whose products are not, beside good ones. Where it leaves the dense
+// solution numbers, or keeps it from being one, there is no difference; otherwise no unknown is finite.
+void ExpectDenseFate(std::uint32_t seed, double factor, double l) {
+  Dice dice(seed);
+  constexpr std::size_t kCount = 30, kBand = 4, kRows = 2 * kCount;
+  BandedEquations equations(kCount, kBand);
+  const OwnedMatrix design(AllocMatrix(kRows, kCount));
+  std::vector<double> observations, weights(kRows, 1.0), x(kCount), dense(kCount);
+  const auto bad = static_cast<std::size_t>(dice.Between(0.0, kCount));
+  for (std::size_t k = 0; k < kRows; ++k) {
+    const std::size_t i = k % kCount;
+    const bool isPair = k >= kCount && i + kBand < kCount;
+    const std::size_t unknowns[] = {i, i + kBand};
+    const double factors[] = {k == bad ? factor : dice.Between(1.0, 3.0), -1.0};
+    design[k][i] = factors[0];
+    if (isPair) design[k][i + kBand] = factors[1];
+    observations.push_back(k == bad ? l : dice.Between(-9.0, 9.0));
+    equations.Add(std::span(unknowns).first(isPair ? 2 : 1), factors, observations.back(), 1.0);
+  }
+  equations.Solve(x.data());
+  WeightedLeastSquaresCholesky(design.get(), observations.data(), weights.data(), kRows, kCount,
+                               dense.data());
+  for (std::size_t i = 0; i < kCount; ++i) {
+    if (x[i] == dense[i]) continue;
+    EXPECT_TRUE(std::isnan(x[i]) && !std::isfinite(dense[i])) << seed << ' ' << factor << ' ' << l;
+  }
+}
+
+TEST(BandedEquations, OfNumbersThatAreNotFiniteHaveTheFateOfTheDenseOnes) {
+  const double nan = std::nan("");
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (std::uint32_t seed = 1; seed <= 40; ++seed) {
+    for (const double factor : {0.0, 1.0, -2.0, 1e200, nan, infinity, -infinity}) {
+      for (const double l : {0.0, 3.0, 1e200, nan, infinity, -infinity}) ExpectDenseFate(seed, factor, l);
+    }
+  }
 }
 
 TEST(BandedEquations, AreEmptyAfterClear) {

@@ -44,10 +44,10 @@ TEST(AddDisparityWindow, TakesOffTheRowDisparity) {
   EXPECT_EQ(scene.pair.matchPairs[1].right, (Point2{41.0, 40.5}));
 }
 
-TEST(AddDisparityWindow, FailsWithoutPhotosOrDisparities) {
+TEST(AddDisparityWindow, AddsNothingWithoutPhotosOrDisparities) {
   DisparityScene scene(0.0);
   StereoPair empty;
-  EXPECT_EQ(empty.AddDisparityWindow({5.0, 5.0}, 1, 1, Numbers{1.0}, Numbers{0.0}, 1.0), -1);
+  EXPECT_EQ(empty.AddDisparityWindow({5.0, 5.0}, 1, 1, Numbers{1.0}, Numbers{0.0}, 1.0), 0);
   EXPECT_EQ(scene.pair.AddDisparityWindow({5.0, 5.0}, 2, 2, Numbers{1.0}, Numbers{0.0}, 1.0), -1);
   EXPECT_EQ(scene.pair.AddDisparityWindow({5.0, 5.0}, 0, 2, {}, {}, 1.0), -1);
   EXPECT_TRUE(scene.pair.matchPairs.empty());

@@ -1,11 +1,135 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <set>
+#include <string>
 
 #include "DisparityScene.h"
+#include "PlainCoefficient.h"
+#include "numerics/LeastSquares.h"
+#include "support/TestFrontEnd.h"
 
 namespace corvane {
 namespace {
+
+// The form with nodes, as it is defined: with the whole design of each pass.
+struct PlainNodes {
+  const StereoPair& pair;
+  Point2 left;
+  Point2 right;
+  int stepX;
+  int stepY;
+  double limit;
+  int nCols = (pair.targetWidth - 1 + stepX - 1) / stepX + 1;
+  int nRows = (pair.targetHeight - 1 + stepY - 1) / stepY + 1;
+  Numbers d = Numbers(static_cast<std::size_t>(nCols * nRows), left.x - right.x);
+  double score = 0.0;
+  std::vector<std::string> traces = {};
+
+  void Run() {
+    bool converged = false;
+    Numbers x(d.size());
+    for (int pass = 1;; ++pass) {
+      RunPass(x);
+      if (converged || pass == 19) {
+        traces.push_back(converged ? "trace: \nConverged" : "trace: \nIrregular");
+        return;
+      }
+      const double least = *std::min_element(x.begin(), x.end());
+      const double most = *std::max_element(x.begin(), x.end());
+      converged = std::max(std::fabs(least), std::fabs(most)) < 1.5 && score > 0.75;
+      bool diverges = false;
+      for (std::size_t i = 0; i < d.size(); ++i) diverges |= std::fabs(d[i] += x[i]) > limit;
+      if (diverges) {
+        score = 0.0;
+        traces.push_back("trace: \nDiverge");
+        return;
+      }
+      char line[100];
+      std::snprintf(line, sizeof line, "trace: \n%.15g %.15g %.15g", score, least + 0.0, most + 0.0);
+      traces.push_back(line);
+    }
+  }
+
+  // Writes a pixel's row of the design; its observation is appended.
+  void AddPixel(int i, double* row, Numbers& l, Numbers& pattern, Numbers& samples) const {
+    const int dx = i % pair.targetWidth, dy = i / pair.targetWidth;
+    const int col = static_cast<int>(left.x - pair.targetWidth / 2) + dx;
+    const int line = static_cast<int>(left.y - pair.targetHeight / 2) + dy;
+    const bool isThere = col >= 0 && line >= 0 && col < kSceneCols && line < kSceneRows;
+    const double grey = isThere ? pair.leftImage->GetBands()[0][line * kSceneCols + col] : 0.0;
+    const double fx = static_cast<double>(dx % stepX) / stepX, fy = static_cast<double>(dy % stepY) / stepY;
+    const int first = dy / stepY * nCols + dx / stepX;
+    const int nodes[] = {first, first + 1, first + nCols, first + nCols + 1};
+    const double parts[] = {(1.0 - fx) * (1.0 - fy), fx * (1.0 - fy), (1.0 - fx) * fy, fx * fy};
+    double disparity = 0.0;
+    for (int k = 0; k < 4; ++k) {
+      if (parts[k] > 0.0) disparity += parts[k] * d[static_cast<std::size_t>(nodes[k])];
+    }
+    const double X = col - disparity, Y = line - (left.y - right.y);
+    double sample = grey, gCol = 0.0, gRow = 0.0;
+    if (X >= 0.0 && X < kSceneCols && Y >= 0.0 && Y < kSceneRows) {
+      pair.rightImage->GetPixelBilinear(0, Y, X, sample);
+      pair.rightImage->GetGradientBilinearFore(0, Y, X, gCol, gRow);
+    }
+    for (int k = 0; k < 4; ++k) {
+      if (parts[k] > 0.0) row[nodes[k]] = -(gCol * parts[k]);
+    }
+    l.push_back(grey - sample);
+    pattern.push_back(grey);
+    samples.push_back(sample);
+  }
+
+  void RunPass(Numbers& x) {
+    const int n = nCols * nRows, nPixels = pair.targetWidth * pair.targetHeight, m = nPixels + 2 * n;
+    const OwnedMatrix design(AllocMatrix(m, n));
+    Numbers l, pattern, samples, weights(static_cast<std::size_t>(nPixels), 1.0);
+    for (int i = 0; i < nPixels; ++i) AddPixel(i, design[i], l, pattern, samples);
+    for (int k = 0; k < 2 * n; ++k) {
+      const int i = k % n, place = k < n ? i % nCols : i / nCols, count = k < n ? nCols : nRows;
+      const int step = k < n ? 1 : nCols;
+      double* const row = design[nPixels + k];
+      if (count > 1 && place > 0) row[i - step] = -1.0;
+      if (count > 1 && place < count - 1) row[i + step] = place == 0 ? 1.0 : -1.0;
+      if (count > 1) row[i] = place == 0 ? -1.0 : place == count - 1 ? 1.0 : 2.0;
+      double sum = 0.0;
+      for (int j = 0; j < n; ++j) sum += row[j] * d[static_cast<std::size_t>(j)];
+      l.push_back(-sum);
+      weights.push_back(100.0);
+    }
+    score = PlainCoefficient(pattern, samples);
+    WeightedLeastSquares(design.get(), l.data(), weights.data(), m, n, x.data());
+  }
+};
+
+TEST(LeastSquaresDisparityGrid, IsThePlainOneBitForBitWithAllOutcomesAndTraces) {
+  std::set<std::string> words;
+  for (std::uint32_t seed = 1; seed <= 150; ++seed) {
+    Dice dice(seed);
+    DisparityScene scene([&](double x, double y) {
+      return seed % 2 == 0 ? TextureAt(x + 5.0 + 0.03 * y, y)
+                           : 40.0 + 0.3 * TextureAt(x, y) + dice.Byte() / 2;
+    });
+    const int stepX = 1 + static_cast<int>(seed % 4), stepY = 1 + static_cast<int>(seed % 3);
+    scene.pair.targetWidth = stepX + 2 + static_cast<int>(dice.Between(0.0, 9.0));
+    scene.pair.targetHeight = 1 + static_cast<int>(dice.Between(0.0, 9.0));
+    const Point2 left = {dice.Between(0.0, 95.0), dice.Between(0.0, 75.0)};
+    const Point2 right = {std::min(98.0, std::max(0.0, left.x - dice.Between(2.0, 8.0))), left.y};
+    const double limit = seed % 3 == 0 ? 8.0 : 30.0;
+    TestFrontEnd frontEnd;
+    const DisparityResult result =
+        MatchDisparities(scene.pair, left, right, stepX, stepY, limit, 20, nullptr, kDisparityForms[2]);
+    PlainNodes plain = {scene.pair, left, right, stepX, stepY, limit};
+    plain.Run();
+    EXPECT_EQ(result.disparities, plain.d) << seed;
+    EXPECT_EQ(result.score, plain.score) << seed;
+    EXPECT_EQ(frontEnd.events, plain.traces) << seed;
+    words.insert(plain.traces.back());
+  }
+  EXPECT_EQ(words, (std::set<std::string>{"trace: \nConverged", "trace: \nIrregular", "trace: \nDiverge"}));
+}
 
 TEST(LeastSquaresDisparityGrid, FindsDisparitiesAtNodes) {
   DisparityScene scene(6.4);
@@ -64,6 +188,52 @@ TEST(LeastSquaresDisparityGrid, SpreadsThePixelsOverTheNodes) {
       MatchDisparities(scene.pair, {50.0, 40.0}, {10.0, 40.0}, 2, 1, 100.0, 2, nullptr, kDisparityForms[2]);
   ASSERT_EQ(result.disparities.size(), 3u);
   for (const double disparity : result.disparities) EXPECT_NEAR(disparity, 40.0 - 8.0, 1e-9);
+}
+
+// Of the grey value x * x the halved forward gradient at column x is x + 1/2, the backward one x - 1/2. The
+// left image has what is at x + 1, so 2 x + 1 is lacking, and corrections of -2 fulfil everything.
+TEST(LeastSquaresDisparityGrid, TakesForwardGradients) {
+  DisparityScene scene(0.0);
+  scene.right.image = MakeImage(
+      kSceneCols, kSceneRows, [](double x, double) { return x * x; }, kPackDouble);
+  scene.left.image = MakeImage(
+      kSceneCols, kSceneRows, [](double x, double) { return (x - 39.0) * (x - 39.0); }, kPackDouble);
+  scene.pair.targetWidth = 5;
+  scene.pair.targetHeight = 1;
+  const DisparityResult result =
+      MatchDisparities(scene.pair, {50.0, 40.0}, {10.0, 40.0}, 2, 1, 100.0, 2, nullptr, kDisparityForms[2]);
+  ASSERT_EQ(result.disparities.size(), 3u);
+  for (const double disparity : result.disparities) EXPECT_NEAR(disparity, 40.0 - 2.0, 1e-9);
+}
+
+// The window has columns -2 to 2, and the right one 8 to 12.
+TEST(LeastSquaresDisparityGrid, CountsLeftPixelsOutsideAsZero) {
+  DisparityScene scene([](double x, double) { return x < 10.0 ? 0.0 : 100.0; });
+  scene.left.image = MakeImage(kSceneCols, kSceneRows, [](double, double) { return 100.0; });
+  scene.pair.targetWidth = 5;
+  scene.pair.targetHeight = 1;
+  TestFrontEnd frontEnd;
+  const DisparityResult result =
+      MatchDisparities(scene.pair, {0.0, 40.0}, {10.0, 40.0}, 2, 1, 16.0, 20, nullptr, kDisparityForms[2]);
+  EXPECT_EQ(result.score, 1.0);
+  EXPECT_EQ(result.disparities, Numbers(3, -10.0));
+  EXPECT_EQ(frontEnd.events, (std::vector<std::string>{"trace: \n1 0 0", "trace: \nConverged"}));
+  ASSERT_EQ(scene.pair.matchPairs.size(), 3u);
+  EXPECT_EQ(scene.pair.matchPairs[0].left, (Point2{-2.0, 40.0}));  // pairs may lie off the image
+}
+
+TEST(LeastSquaresDisparityGrid, TakesUpTo4096Nodes) {
+  DisparityScene scene(6.0);
+  const auto match = [&](int width, int height) {
+    scene.pair.targetWidth = width;
+    scene.pair.targetHeight = height;
+    return MatchDisparities(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 1, 1, 16.0, 1, nullptr,
+                            kDisparityForms[2]);
+  };
+  EXPECT_EQ(match(64, 64).score, 0.0);
+  const DisparityResult refused = match(17, 241);  // 4097
+  EXPECT_EQ(refused.score, -1.0);
+  EXPECT_TRUE(refused.disparities.empty());
 }
 
 TEST(LeastSquaresDisparityGrid, StartsFromTheMapAtTheNodes) {

@@ -98,7 +98,7 @@ struct PlainDisparities {
       l.push_back(-sum);
       weights.push_back(100.0);
     }
-    score = PlainCorrelation(pattern, values);
+    score = PlainCoefficient(pattern, values);
     WeightedLeastSquaresCholesky(design.get(), l.data(), weights.data(), 3 * n, static_cast<int>(x.size()),
                                  x.data());
   }
@@ -185,11 +185,40 @@ TEST(LeastSquaresDisparity, RunsPassesFrom1ToBeforeTheLimit) {
   EXPECT_EQ(LastEvent(frontEnd), "trace: \nIrregular");
 }
 
+// The score is that of the start, where the samples are pixels; the corrections that follow have no part in
+// it.
+TEST(LeastSquaresDisparity, HasTheScoreBeforeTheCorrectionsThatTheLimitCutsOff) {
+  DisparityScene scene(6.4);
+  const DisparityResult result = MatchDisparities(scene.pair, {50.0, 40.0}, {45.0, 40.0}, 9, 9, 16.0, 2);
+  Numbers left, right;
+  for (int i = 0; i < 81; ++i) {
+    const int first = (36 + i / 9) * kSceneCols + 46 + i % 9;
+    left.push_back(scene.pair.leftImage->GetBands()[0][first]);
+    right.push_back(scene.pair.rightImage->GetBands()[0][first - 5]);
+  }
+  EXPECT_EQ(result.score, PlainCoefficient(left, right));
+  EXPECT_NE(result.disparities, Numbers(81, 5.0));
+}
+
+TEST(LeastSquaresDisparity, WithoutAPassMakesPairsOfTheStart) {
+  for (const int iterations : {1, 0, -7}) {
+    DisparityScene scene(6.4);
+    TestFrontEnd frontEnd;
+    const DisparityResult result =
+        MatchDisparities(scene.pair, {50.0, 40.0}, {45.0, 40.0}, 1, 2, 16.0, iterations);
+    EXPECT_EQ(result.score, 0.0);
+    EXPECT_EQ(result.disparities, (Numbers{5.0, 5.0}));
+    EXPECT_EQ(frontEnd.events, std::vector<std::string>{"trace: \nIrregular"});
+    ASSERT_EQ(scene.pair.matchPairs.size(), 2u);
+    EXPECT_EQ(scene.pair.matchPairs[0], (MatchPair{0, {50.0, 39.0}, {45.0, 39.0}, 0.0}));
+  }
+}
+
 TEST(LeastSquaresDisparity, TellsScoreAndSmallestAndLargestCorrection) {
   DisparityScene scene(5.0);
   TestFrontEnd frontEnd;
   MatchDisparities(scene.pair, {50.0, 40.0}, {45.0, 40.0}, 9, 9);
-  EXPECT_EQ(frontEnd.events, (std::vector<std::string>{"trace: 1 0 0\n", "trace: \nConverged"}));
+  EXPECT_EQ(frontEnd.events, (std::vector<std::string>{"trace: \n1 0 0", "trace: \nConverged"}));
 }
 
 TEST(LeastSquaresDisparity, DivergesBeyondTheLimit) {
@@ -257,6 +286,41 @@ TEST(LeastSquaresDisparity, IsRefusedWithoutImagesWindowOrMemory) {
       -1.0);
 }
 
+TEST(LeastSquaresDisparity, FailsWithoutMemoryForThePairs) {
+  DisparityScene scene(6.0);
+  scene.pair.groundPoints = std::make_unique<TINPoints>();
+  scene.pair.groundPoints->nPoints = INT32_MAX;  // no more can be counted
+  scene.pair.groundPoints->capacity = INT32_MAX;
+  scene.pair.targetWidth = 9;
+  for (const DisparityForm form : kDisparityForms) {
+    EXPECT_EQ(MatchDisparities(scene.pair, {50.0, 40.0}, {45.0, 40.0}, 3, 3, 16.0, 20, nullptr, form).score,
+              -1.0);
+  }
+  scene.pair.groundPoints->nPoints = 0;
+  scene.pair.groundPoints->capacity = 0;
+  EXPECT_TRUE(scene.pair.matchPairs.empty());
+}
+
+// Of a narrow window the equations are a narrow band.
+TEST(LeastSquaresDisparity, TakesAWindowThatIsTooLargeForDenseEquations) {
+  DisparityScene scene(5.0);
+  const DisparityResult result = MatchDisparities(scene.pair, {50.0, 40.0}, {45.0, 40.0}, 9, 9001, 16.0, 3);
+  EXPECT_EQ(result.score, 1.0);
+  EXPECT_EQ(result.disparities.size(), 9u * 9001u);
+}
+
+TEST(LeastSquaresDisparityGain, TakesUpTo4096Unknowns) {
+  DisparityScene scene(6.0);
+  const auto match = [&](int width, int height) {
+    return MatchDisparities(scene.pair, {50.0, 40.0}, {44.0, 40.0}, width, height, 16.0, 1, nullptr,
+                            kDisparityForms[1]);
+  };
+  EXPECT_EQ(match(46, 89).score, 0.0);  // 4094 disparities, shift and gain
+  const DisparityResult refused = match(63, 65);
+  EXPECT_EQ(refused.score, -1.0);
+  EXPECT_TRUE(refused.disparities.empty());
+}
+
 TEST(LeastSquaresDisparity, OfAWindowThatLeavesTheImages) {
   DisparityScene scene(2.0);
   for (const DisparityForm form : kDisparityForms) {
@@ -286,6 +350,48 @@ TEST(LeastSquaresDisparityGain, FindsDisparitiesUnderAnotherGain) {
       MatchDisparities(scene.pair, {50.0, 40.0}, {45.5, 40.0}, 11, 9, 16.0, 20, nullptr, kDisparityForms[1]);
   EXPECT_GT(result.score, 0.999);
   for (const double disparity : result.disparities) EXPECT_NEAR(disparity, 6.4, 0.2);
+}
+
+// The end of a pass.
+
+// The outcome of two corrections to two disparities of 5.0, when more passes follow.
+LsmOutcome OutcomeOf(double first, double second, double score, double threshold) {
+  Numbers disparities(2, 5.0);
+  DisparityMatch match = {LsmOutcome::Irregular, score};
+  EXPECT_TRUE(CorrectDisparities(Numbers{first, second}, {16.0, 20, threshold}, disparities, match));
+  EXPECT_EQ(disparities, (Numbers{5.0 + first, 5.0 + second}));
+  EXPECT_EQ(match.score, score);
+  return match.outcome;
+}
+
+TEST(CorrectDisparities, OfExactlyOneAndAHalfPixelsHasNotConverged) {
+  const double below = std::nextafter(1.5, 0.0);
+  EXPECT_EQ(OutcomeOf(below, -below, 0.9, 0.75), LsmOutcome::Converged);
+  EXPECT_EQ(OutcomeOf(1.5, 0.0, 0.9, 0.75), LsmOutcome::Irregular);
+  EXPECT_EQ(OutcomeOf(0.0, -1.5, 0.9, 0.75), LsmOutcome::Irregular);
+}
+
+TEST(CorrectDisparities, WithExactlyTheThresholdAsScoreHasNotConverged) {
+  EXPECT_EQ(OutcomeOf(0.1, 0.1, 0.75, 0.75), LsmOutcome::Irregular);
+  EXPECT_EQ(OutcomeOf(0.1, 0.1, std::nextafter(0.75, 1.0), 0.75), LsmOutcome::Converged);
+}
+
+TEST(CorrectDisparities, TellsALineThatBeginsWithItsNewline) {
+  TestFrontEnd frontEnd;
+  OutcomeOf(0.5, -0.25, 0.875, 0.75);
+  EXPECT_EQ(frontEnd.events, std::vector<std::string>{"trace: \n0.875 -0.25 0.5"});
+}
+
+TEST(CorrectDisparities, BeyondTheLimitDivergesWithoutALine) {
+  TestFrontEnd frontEnd;
+  for (const double correction : {-21.5, 11.5, std::nan("")}) {
+    Numbers disparities(2, 5.0);
+    DisparityMatch match = {LsmOutcome::Irregular, 0.9};
+    EXPECT_FALSE(CorrectDisparities(Numbers{correction, 0.0}, {16.0, 20, 0.75}, disparities, match));
+    EXPECT_EQ(match.outcome, LsmOutcome::Diverge);
+    EXPECT_EQ(match.score, 0.0);
+  }
+  EXPECT_TRUE(frontEnd.events.empty());
 }
 
 // Differences.

@@ -94,10 +94,12 @@ TEST(LeastSquaresMatchTemplate, IsThePlainOneBitForBitWithAllOutcomes) {
 
 // The first scene with that outcome.
 RandomScene SceneWith(const std::string& word, const PlainForm& form) {
-  for (std::uint32_t seed = 1;; ++seed) {
+  for (std::uint32_t seed = 1; seed <= 1000; ++seed) {
     RandomScene scene(seed);
     if (MatchPlainly(scene.search, scene.pattern, scene.place, {}, form).word == word) return scene;
   }
+  ADD_FAILURE() << "no scene with " << word;
+  return RandomScene(1);
 }
 
 // The patch of a shape, found from (100, 80) in the texture.
@@ -301,6 +303,42 @@ TEST(LeastSquaresMatch, MovesAnOscillatingMatchTwiceAlongTheRowAndNeverDown) {
   EXPECT_TRUE(log.ends_with("\n\nOscillating\n"));
   EXPECT_EQ(position.y, scene.place.y);
   EXPECT_NE(position.x, scene.place.x + p.a0);
+}
+
+// Three passes, the third of which comes back to the first one. There is no pass 4 yet, and A[0] is 0:
+// |A[2] - A[0]| = 0.019, |A[3] - A[1]| = 0.115, |A[2] - A[3]| = 0.394. The column moves by A[3], -0.413,
+// which is smaller than the centre's 2, and by A[0].
+TEST(LeastSquaresMatch, CanOscillateWhileTheRingIsNotFilled) {
+  Dice dice(1036);
+  const ErdasImg search = MakeImage(30, 30, [&](double, double) { return double{0} + dice.Byte(); });
+  ErdasImg pattern = MakeImage(5, 5, [&](double col, double row) {
+    double value = 0.0;
+    search.GetPixelBilinear(0, 12.6 + row, 12.7 + col, value);
+    return value;
+  });
+  Point2 position = {15.0, 15.0};
+  LsmParameters p;
+  std::string log;
+  LeastSquaresMatch(search, pattern, position, p, &log);
+  EXPECT_EQ(CountOf(log, "\n\n"), 3u) << log;
+  EXPECT_TRUE(log.ends_with("\n\nOscillating\n"));
+  EXPECT_NEAR(p.a0, -0.4134, 1e-4);
+  EXPECT_EQ(position, (Point2{15.0 + p.a0, 15.0}));
+}
+
+// Whether a step is small is asked first: a0 may be beyond 10 then.
+TEST(LeastSquaresMatch, ConvergesBeyondTheLimitOfShifts) {
+  const ErdasImg search = MakeTexture(100, 100);
+  ErdasImg pattern = MakeTemplate(15, 13, {.x = 50.02, .y = 40.0});
+  Point2 position = {38.0, 40.0};
+  LsmParameters p = {.a0 = 12.0};
+  std::string log;
+  EXPECT_GT(LeastSquaresMatch(search, pattern, position, p, &log), 0.99);
+  EXPECT_EQ(CountOf(log, "\n\n"), 1u) << log;
+  EXPECT_TRUE(log.ends_with("\n\nConverged\n"));
+  EXPECT_GT(p.a0, 10.0);
+  EXPECT_EQ(position, (Point2{38.0 + p.a0, 40.0 + p.b0}));
+  EXPECT_NEAR(position.x, 50.02, 0.15);
 }
 
 TEST(LeastSquaresMatch, LeavesThePositionOfAMatchThatDiverges) {

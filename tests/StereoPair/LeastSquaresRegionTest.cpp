@@ -253,6 +253,39 @@ TEST(LeastSquaresMatchRegion, LeavesOutWhatIsNotOnTheLeftImage) {
   EXPECT_EQ(Refined(scene, MakeBox(105, -2, 126, 7), RegionMode::All), p);
 }
 
+TEST(LeastSquaresMatchRegion, HasNoPixelsInRowsAndRunsThatAreNotFinite) {
+  const Scene scene;
+  const double nan = std::nan("");
+  const double infinity = std::numeric_limits<double>::infinity();
+  const LsmParameters p = Refined(scene, MakeBox(58, 49, 63, 52), RegionMode::All);
+  for (const double bad : {nan, infinity, -infinity}) {
+    MatchRegion region = MakeBox(58, 49, 63, 52);
+    for (const PixelRun& run : {PixelRun{bad, 3, 9}, {0, bad, 9}, {0, 3, bad}, {bad, bad, bad}}) {
+      region.scanRegion.rows.push_back({run.row, 2, {run.first, run.end}});
+    }
+    region.scanRegion.rowCount = static_cast<std::int32_t>(region.scanRegion.rows.size());
+    EXPECT_EQ(Refined(scene, region, RegionMode::All), p) << bad;
+  }
+}
+
+TEST(LeastSquaresMatchRegion, HasNoRectangleAroundACentreOrOfBoundsThatAreNotFinite) {
+  const Scene scene;
+  double MatchRegion::*const fields[] = {&MatchRegion::centerX,    &MatchRegion::centerY,
+                                         &MatchRegion::leftBound,  &MatchRegion::topBound,
+                                         &MatchRegion::rightBound, &MatchRegion::bottomBound};
+  for (const auto field : fields) {
+    for (const double bad : {std::nan(""), std::numeric_limits<double>::infinity()}) {
+      MatchRegion region = MakeBounds(5.0, 3.0);
+      region.*field = bad;
+      Point2 position = {60.0, 50.0};
+      LsmParameters p;
+      EXPECT_EQ(
+          LeastSquaresMatchRegion(scene.left, scene.right, region, position, p, RegionMode::Rectangle, true),
+          -1.0);
+    }
+  }
+}
+
 TEST(LeastSquaresMatchRegion, SurvivesAbsurdRegions) {
   const Scene scene;
   const double huge = 1e300;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "PlainCoefficient.h"
 #include "StereoPair/LeastSquaresMatch.h"
 #include "numerics/LeastSquares.h"
 #include "numerics/Matrix.h"
@@ -31,23 +32,6 @@ inline std::vector<PlainPixel> PlainPixels(const ErdasImg& pattern) {
     }
   }
   return pixels;
-}
-
-inline double PlainCorrelation(const std::vector<double>& a, const std::vector<double>& b) {
-  double sA = 0.0, sAA = 0.0, sB = 0.0, sBB = 0.0, sAB = 0.0;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    sA += a[i];
-    sAA += a[i] * a[i];
-    sB += b[i];
-    sBB += b[i] * b[i];
-    sAB += a[i] * b[i];
-  }
-  const double n = static_cast<double>(a.size());
-  const double vA = sAA - sA * sA / n;
-  const double vB = sBB - sB * sB / n;
-  if (vA == 0.0 && vB == 0.0) return 1.0;
-  if (vA == 0.0 || vB == 0.0) return 0.0;
-  return (sAB - sA * sB / n) / std::sqrt(vA * vB);
 }
 
 struct PlainForm {
@@ -87,7 +71,7 @@ inline double PlainPass(const ErdasImg& search, const std::vector<PlainPixel>& p
   std::fill_n(x, 8, 0.0);
   const auto solve = form.isComposed ? LeastSquaresCholesky : LeastSquares;
   solve(design.get(), l.data(), m, form.nUnknowns, x);
-  return PlainCorrelation(pattern, values);
+  return PlainCoefficient(pattern, values);
 }
 
 // The steps of a0 and b0.
