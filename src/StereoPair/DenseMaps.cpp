@@ -10,7 +10,7 @@ namespace corvane {
 
 DensePlaces::DensePlaces(std::int32_t length, std::int32_t window, double spacing)
     : first(std::int64_t{window} / 2 + 1),
-      end(spacing >= 0.0 && window > 0 ? std::int64_t{length} - window / 2 - 1 : 0),
+      end(spacing > 0.0 && window > 0 ? std::int64_t{length} - window / 2 - 1 : 0),
       step(std::max<std::int64_t>(TruncateTo64(spacing), 1)) {}
 
 std::unique_ptr<ErdasImg> MakeMap(const ErdasImg& image, std::uint16_t packType) {

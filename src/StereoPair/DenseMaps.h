@@ -20,8 +20,7 @@ struct DensePlaces {
   std::int64_t step = 1;
 
   // Along an image of `length` pixels: half a window and one more from each end, with the spacing cut to
-  // whole pixels, of which 0 counts as 1. None for a negative spacing, one that is not a number, or a window
-  // of no pixels.
+  // whole pixels, of which 0 counts as 1. None for a spacing that is not above 0, or a window of no pixels.
   DensePlaces(std::int32_t length, std::int32_t window, double spacing);
 
   std::int64_t GetCount() const { return first < end ? (end - first - 1) / step + 1 : 0; }
@@ -33,7 +32,8 @@ struct DenseCounts {
   std::int64_t nMatched = 0;
 };
 
-// A map over the image, with its header and pixels of this type, all 0; null without memory.
+// A map over the image, with its header and pixels of this type, all 0; null without memory. It has one band,
+// however many the image has: only the first one is matched.
 std::unique_ptr<ErdasImg> MakeMap(const ErdasImg& image, std::uint16_t packType);
 
 // Writes the map; a failure is shown. Either way `files` knows of it.

@@ -28,20 +28,9 @@ std::int64_t ColStep(std::int64_t dy, std::int64_t dx) {
   return std::abs(dx) >= std::abs(dy) ? -SignOf(dx) : 0;
 }
 
-// The whole places of an image whose windows lie in it; none if it is too small.
-ImageRect PlacesWithin(const ErdasImg& image, std::int64_t size) {
-  const auto half = static_cast<std::int32_t>(size / 2);
-  const auto [cols, rows] = image.GetSize();
-  return {half, half, cols - 1 - half, rows - 1 - half};
-}
-
-ImageRect Intersected(const ImageRect& a, const ImageRect& b) {
-  return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-          std::min(a.bottom, b.bottom)};
-}
-
+// Kept: without the right and the bottom edge, as in StereoPair::SearchCorrelation.
 bool Holds(const ImageRect& rect, std::int64_t col, std::int64_t row) {
-  return col >= rect.left && col <= rect.right && row >= rect.top && row <= rect.bottom;
+  return col >= rect.left && col < rect.right && row >= rect.top && row < rect.bottom;
 }
 
 // Adds for each place i < nPlaces the values d = outer[c + i] - inner[c + i + step] of the columns c from
@@ -86,39 +75,51 @@ void DescriptorSearch::Sums<T>::Clear(std::size_t n) {
   ab.assign(n, 0);
 }
 
+std::string DescriptorSearch::NoteOn(std::int32_t size) {
+  return size % 2 == 0 ? " The window's width is even: there is no descriptor." : "";
+}
+
 double DescriptorSearch::Find(const ErdasImg& leftImage, const ErdasImg& rightImage, const Point2& left,
                               Point2& right, std::int32_t size, const ImageRect& rect) {
   size_ = size;
-  if (!DescribeLeft(leftImage, left)) return 0.0;
-  const ImageRect places = Intersected(rect, PlacesWithin(rightImage, size));
+  if (!HasDescriptor(size) || !DescribeLeft(leftImage, left)) return 0.0;
   const std::int64_t startCol = TruncateTo64(right.x);
   const std::int64_t startRow = TruncateTo64(right.y);
-  const Point2 start = right;
   double best = 0.0;
-  if (Holds(places, startCol, startRow) && startCol < rect.right && startRow < rect.bottom) {
+  if (Holds(rect, startCol, startRow)) {
     AddUp(rightImage, startCol, startRow, 1);
     best = GetScore(0);
   }
-  if (places.left > places.right) return best;
-  const auto nPlaces = static_cast<std::size_t>(std::int64_t{places.right} - places.left + 1);
-  for (std::int64_t row = places.top; row <= places.bottom; ++row) {
-    AddUp(rightImage, places.left, row, nPlaces);
-    for (std::size_t i = 0; i < nPlaces; ++i) {
-      const Point2 place{places.left + static_cast<double>(i), static_cast<double>(row)};
-      const double score = GetScore(i);
-      if (!(score > best) || place == start) continue;
-      best = score;
-      right = place;
+  const auto [cols, rows] = rightImage.GetSize();
+  FindSearchRuns(0.0, rect.top, rect.bottom, size, rows, rowRuns_);
+  FindSearchRuns(0.0, rect.left, rect.right, size, cols, colRuns_);
+  const Point2 start = right;
+  for (const SearchRun& run : rowRuns_) {
+    for (std::int64_t row = run.first; row < run.first + run.n; ++row) {
+      for (const SearchRun& places : colRuns_) SearchRow(rightImage, places, row, start, best, right);
     }
   }
   return best;
 }
 
-// Makes the descriptor of the left place. False if it has none.
+// Looks for a place in a row that is better than `best`, but for the start.
+void DescriptorSearch::SearchRow(const ErdasImg& image, const SearchRun& places, std::int64_t row,
+                                 const Point2& start, double& best, Point2& right) {
+  const auto nPlaces = static_cast<std::size_t>(places.n);
+  AddUp(image, places.first, row, nPlaces);
+  for (std::size_t i = 0; i < nPlaces; ++i) {
+    const Point2 place{static_cast<double>(places.first) + static_cast<double>(i), static_cast<double>(row)};
+    const double score = GetScore(i);
+    if (!(score > best) || place == start) continue;
+    best = score;
+    right = place;
+  }
+}
+
+// Makes the descriptor of the left place. False without memory.
 bool DescriptorSearch::DescribeLeft(const ErdasImg& image, const Point2& place) {
   const std::int64_t col = TruncateTo64(place.x);
   const std::int64_t row = TruncateTo64(place.y);
-  if (size_ <= 0 || size_ % 2 == 0 || !Holds(PlacesWithin(image, size_), col, row)) return false;
   const std::int64_t half = size_ / 2;
   const auto size = static_cast<std::int32_t>(size_);
   std::vector<std::uint8_t> window;
@@ -141,7 +142,7 @@ bool DescriptorSearch::DescribeLeft(const ErdasImg& image, const Point2& place) 
   return true;
 }
 
-// Makes the sums of `nPlaces` places of a row from (col, row) on, whose windows lie in the image.
+// Makes the sums of `nPlaces` places of a row from (col, row) on.
 void DescriptorSearch::AddUp(const ErdasImg& image, std::int64_t col, std::int64_t row, std::size_t nPlaces) {
   const std::int64_t half = size_ / 2;
   sums_.Clear(nPlaces);
@@ -149,7 +150,10 @@ void DescriptorSearch::AddUp(const ErdasImg& image, std::int64_t col, std::int64
   pixels_.resize(nPlaces + static_cast<std::size_t>(size_) - 1);
   innerPixels_.resize(pixels_.size());
   nTerms_ = 0;
-  for (std::int64_t dy = -half; dy <= half; ++dy) {
+  // All values of rows further from the image are 0.
+  const std::int64_t first = std::max(-half, -1 - row);
+  const std::int64_t last = std::min(half, image.GetSize().cy - row);
+  for (std::int64_t dy = first; dy <= last; ++dy) {
     CopyBytes(image, row + dy, col - half, pixels_);
     CopyBytes(image, row + dy - SignOf(dy), col - half, innerPixels_);
     AddRow(dy);

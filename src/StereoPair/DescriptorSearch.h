@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
+#include "StereoPair/SearchRuns.h"
 #include "erdasimg/ErdasImg.h"
 #include "numerics/Point2.h"
 
@@ -14,15 +16,18 @@ namespace corvane {
 // normalization. The values are differences of bytes (WindowBytes.h), so that sums are whole numbers, exact
 // in any order, and those of a row of places are added up side by side.
 //
-// A place has a descriptor if the size is odd and the window of size x size pixels around it lies in the
-// image. The object keeps its buffers from one search to the next.
+// Any place has a descriptor, of the window of size x size pixels around it, those outside of the image being
+// 0; but only an odd size has a middle, and so a descriptor at all. The object keeps its buffers from one
+// search to the next.
 class DescriptorSearch {
  public:
-  // As StereoPair::SearchCorrelation, with this coefficient. Places of the rectangle without a descriptor are
-  // passed over; one that is given counts 0.0. Without one on the left, or memory for it, the result is 0.0,
-  // with the position as it was.
+  // As StereoPair::SearchCorrelation, with this coefficient. Without a descriptor, or memory for the left
+  // one, nothing is compared: the result is 0.0, with the position as it was.
   double Find(const ErdasImg& leftImage, const ErdasImg& rightImage, const Point2& left, Point2& right,
               std::int32_t size, const ImageRect& rect);
+
+  // What the person should know of windows of this width: that they have no descriptor; "" if they have.
+  static std::string NoteOn(std::int32_t size);
 
  private:
   // For each of a row of places the sums of the values of its descriptor, of their squares and of their
@@ -36,7 +41,11 @@ class DescriptorSearch {
     void Clear(std::size_t n);
   };
 
+  static bool HasDescriptor(std::int32_t size) { return size > 0 && size % 2 != 0; }
+
   bool DescribeLeft(const ErdasImg& image, const Point2& place);
+  void SearchRow(const ErdasImg& image, const SearchRun& places, std::int64_t row, const Point2& start,
+                 double& best, Point2& right);
   void AddUp(const ErdasImg& image, std::int64_t col, std::int64_t row, std::size_t nPlaces);
   void AddRow(std::int64_t dy);
   void Flush();
@@ -51,6 +60,8 @@ class DescriptorSearch {
   Sums<std::int32_t> parts_;               // of up to kMostTerms values a place
   Sums<std::int64_t> sums_;                // of what was in parts_ before
   std::size_t nTerms_ = 0;
+  std::vector<SearchRun> rowRuns_;
+  std::vector<SearchRun> colRuns_;
 };
 
 }  // namespace corvane

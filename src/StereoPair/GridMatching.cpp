@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "StereoPair/MatchTexts.h"
 #include "StereoPair/StereoPair.h"
 #include "forms/ValueInput.h"
 #include "io/Paths.h"
@@ -22,13 +23,6 @@ std::int32_t Saturated(std::int64_t value) {
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, INT32_MIN, INT32_MAX));
 }
 
-void AskColumnOffset(StereoPair& pair) {
-  ValueInput input;
-  input.value = kFirstOffset;
-  input.Ask();  // Kept: after Cancel the value that was shown counts
-  pair.columnOffset = TruncateSaturated(input.value);
-}
-
 bool MatchInColumns(PlaceMatcher& matcher, std::int32_t col, std::int32_t row, std::int32_t halfW) {
   const std::int64_t nCols = matcher.GetPair().rightImage->GetSize().cx;
   const ColumnRange range(matcher.GetPair(), col);
@@ -36,10 +30,28 @@ bool MatchInColumns(PlaceMatcher& matcher, std::int32_t col, std::int32_t row, s
     matcher.Skip();
     return true;
   }
-  const std::int64_t first = halfW;
-  const std::int64_t last = nCols - halfW;
-  return matcher.Match(col, row, std::min(std::max(range.start, first), last), std::max(range.first, first),
-                       std::min(range.last, last));
+  const std::int64_t firstCol = halfW;
+  const std::int64_t lastCol = nCols - halfW;
+  const std::int64_t first = std::max(range.first, firstCol);
+  const std::int64_t last = std::min(range.last, lastCol);
+  if (first > last) matcher.NoteBeside();
+  return matcher.Match(col, row, std::min(std::max(range.start, firstCol), lastCol), first, last);
+}
+
+// The first of the results that is the same file as one before it, or will be; "" if none.
+std::string FindRepeated(const std::vector<std::string>& results) {
+  for (auto result = results.begin(); result != results.end(); ++result) {
+    const auto isThis = [&path = *result](const std::string& other) {
+      return !path.empty() && (IsSameFile(other, path) || AbsolutePath(other) == AbsolutePath(path));
+    };
+    if (std::any_of(results.begin(), result, isThis)) return *result;
+  }
+  return "";
+}
+
+int RefuseToRepeat(const std::string& path) {
+  ShowWarning(WriteErrorText(path) + "\nIt is another result of the command.");
+  return StereoPair::kNotWritten;
 }
 
 }  // namespace
@@ -92,12 +104,22 @@ bool MatchGrid(PlaceMatcher& matcher) {
 void ResultFiles::Add(const std::string& path, int status, const std::string& note) {
   if (status < 0) hasFailed_ = true;
   if (status <= 0) return;
-  const auto isThis = [&path](const Written& file) { return file.path == path; };
-  const auto found = std::find_if(written_.begin(), written_.end(), isThis);
-  if (found == written_.end()) {
-    written_.push_back({path, note});
+  std::erase_if(missing_, [&path](const Result& result) { return result.path == path; });
+  Put(written_, {path, note});
+}
+
+void ResultFiles::AddMissing(const std::string& path, const std::string& reason) {
+  Put(missing_, {path, reason});
+}
+
+// In place of what stands there for its path.
+void ResultFiles::Put(std::vector<Result>& results, const Result& result) {
+  const auto isThis = [&result](const Result& other) { return other.path == result.path; };
+  const auto found = std::find_if(results.begin(), results.end(), isThis);
+  if (found == results.end()) {
+    results.push_back(result);
   } else {
-    found->note = note;
+    *found = result;
   }
 }
 
@@ -107,34 +129,51 @@ int ResultFiles::GetStatus() const {
 
 std::string ResultFiles::GetText() const {
   std::string text;
-  for (const Written& file : written_) {
-    text += (text.empty() ? " Written: " : ", ") + FileName(file.path) + file.note;
+  for (const Result& file : written_) {
+    text += (text.empty() ? " Written: " : ", ") + FileName(file.path) + file.text;
   }
-  return text.empty() ? text : text + ".";
+  if (!text.empty()) text += ".";
+  for (const Result& file : missing_) text += UnwrittenText(file.path, file.text);
+  return text;
 }
 
-void WriteGroundPoints(StereoPair& pair, const std::string& pointsPath, ResultFiles& files) {
+void WriteGroundPoints(StereoPair& pair, const std::string& pointsPath, std::int64_t nNew,
+                       ResultFiles& files) {
   const std::int32_t nPoints = pair.GetGroundPoints().GetCount();
   files.Add(StereoPair::kGroundLog, pair.WriteGroundLog());
-  files.Add(pointsPath, pair.SaveGroundPoints(pointsPath),
-            " (" + std::to_string(nPoints) + (nPoints == 1 ? " point)" : " points)"));
+  files.Add(pointsPath, pair.SaveGroundPoints(pointsPath), " (" + PointsText(nPoints, nNew) + ")");
+  if (nPoints == 0 && !pointsPath.empty()) files.AddMissing(pointsPath, "there are no points");
 }
 
 void WriteMatchPairs(const StereoPair& pair, const std::string& path, ResultFiles& files) {
   files.Add(path, StereoPair::StorePairs(path, pair.matchPairs));
 }
 
-std::string MatchedText(std::int64_t nMatched, std::int64_t nPlaces) {
-  if (nPlaces == 0) return "There is no place to match in the left image.";
+std::string MatchedText(std::int64_t nMatched, std::int64_t nPlaces, std::string_view whyNone) {
+  if (nPlaces == 0) return std::string(whyNone);
   return std::to_string(nMatched) + " of " + std::to_string(nPlaces) + " places matched.";
 }
 
+std::string RangeText(const PlaceMatcher& matcher) {
+  if (matcher.GetPlaceCount() > 0 && matcher.GetPair().maxDisparity < 0) {
+    return " Max Disparity is negative: the range of columns is empty.";
+  }
+  if (matcher.GetBesideCount() == 0) return "";
+  return " Beside the right image at this offset: " + Counted(matcher.GetBesideCount(), "place") + ".";
+}
+
+std::string RepeatText(const LeftGrid& grid) {
+  return grid.RepeatsPlaces() ? " The ground spacing is below a pixel: places repeat." : "";
+}
+
 int FinishGridMethod(StereoPair& pair, const PlaceMatcher& matcher, bool writesPairs,
-                     const std::string& note) {
+                     std::string_view whyNone, const std::string& note) {
+  const std::string text = MatchedText(matcher.GetMatchCount(), matcher.GetPlaceCount(), whyNone) +
+                           RangeText(matcher) + UnplacedText(pair.GetGroundPoints(), matcher.GetMatchCount());
   ResultFiles files;
-  WriteGroundPoints(pair, pair.matchPointsPath, files);
+  WriteGroundPoints(pair, pair.matchPointsPath, matcher.GetMatchCount(), files);
   if (writesPairs) WriteMatchPairs(pair, pair.GetLeftName(kGridPairSuffix), files);
-  pair.TellOutcome(MatchedText(matcher.GetMatchCount(), matcher.GetPlaceCount()) + files.GetText() + note);
+  pair.TellOutcome(text + files.GetText() + note);
   return files.GetStatus();
 }
 
@@ -148,15 +187,24 @@ int RefuseToReplace(const std::string& path) {
   return StereoPair::kNotWritten;
 }
 
+void AskColumnOffset(StereoPair& pair) {
+  ValueInput input;
+  input.value = kFirstOffset;
+  Ui().SetStatusText(0, kOffsetHint);
+  input.Ask();  // Kept: after Cancel the value that was shown counts
+  pair.columnOffset = TruncateSaturated(input.value);
+}
+
 int RunOnPair(StereoPair& pair, const std::vector<std::string>& results, const std::function<int()>& run) {
   WaitCursor wait;
   const auto runOpen = [&] {
-    std::vector<std::string> all = {StereoPair::kGroundLog, pair.matchPointsPath};
+    std::vector<std::string> all = {StereoPair::kGroundLog};
     all.insert(all.end(), results.begin(), results.end());
+    all.push_back(pair.matchPointsPath);
     const std::string input = pair.FindInputAmong(all);
     if (!input.empty()) return RefuseToReplace(input);
-    AskColumnOffset(pair);
-    return run();
+    const std::string repeated = FindRepeated(all);
+    return repeated.empty() ? run() : RefuseToRepeat(repeated);
   };
   int status = pair.OpenPair();
   try {
@@ -170,15 +218,20 @@ int RunOnPair(StereoPair& pair, const std::vector<std::string>& results, const s
   return status;
 }
 
-int RunGridMethod(StereoPair& pair, double threshold, bool keepsPairs, const PlaceSearch& search) {
+int RunGridMethod(StereoPair& pair, double threshold, bool keepsPairs, const PlaceSearch& search,
+                  std::string (*noteOn)(std::int32_t width)) {
   pair.matchThreshold = threshold;
   pair.maxDisparity = kGridDisparity;
   if (pair.RunMatchDialog() < 0) return StereoPair::kCancelled;
   std::vector<std::string> results;
   if (keepsPairs) results.push_back(pair.GetLeftName(kGridPairSuffix));
   return RunOnPair(pair, results, [&] {
+    AskColumnOffset(pair);
+    const LeftGrid grid = pair.GetLeftGrid();
     PlaceMatcher matcher(pair, search, {.pairs = keepsPairs});
-    return MatchGrid(matcher) ? FinishGridMethod(pair, matcher, keepsPairs) : FailForMemory();
+    if (!MatchGrid(matcher)) return FailForMemory();
+    const std::string note = RepeatText(grid) + (noteOn ? noteOn(pair.targetWidth) : "");
+    return FinishGridMethod(pair, matcher, keepsPairs, grid.whyNone, note);
   });
 }
 

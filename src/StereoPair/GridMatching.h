@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "StereoPair/LeftGrid.h"
 #include "erdasimg/ErdasImg.h"
 #include "numerics/Point2.h"
 
@@ -16,6 +18,10 @@ class StereoPair;
 
 // Columns that these methods look for a partner to either side, until the form changes it.
 constexpr std::int32_t kGridDisparity = 55;
+
+// What the message pane says while the column offset is asked for.
+constexpr const char* kOffsetHint =
+    "The column offset: how much further right the right image shows the same, in pixels.";
 
 constexpr const char* kGridPairSuffix = "_GridMatchPair.txt";
 
@@ -56,11 +62,17 @@ class PlaceMatcher {
   // std::bad_alloc, without memory.
   bool Match(std::int32_t col, std::int32_t row, std::int64_t start, std::int64_t first, std::int64_t last);
 
-  // A place that need not be looked at.
-  void Skip() { ++nPlaces_; }
+  // A place that is not looked at, as its columns lie beside the right image.
+  void Skip() {
+    ++nPlaces_;
+    NoteBeside();
+  }
+  // The place that is looked at next has no columns in the right image.
+  void NoteBeside() { ++nBeside_; }
 
   const StereoPair& GetPair() const { return pair_; }
   std::int64_t GetPlaceCount() const { return nPlaces_; }
+  std::int64_t GetBesideCount() const { return nBeside_; }
   std::int32_t GetMatchCount() const { return nMatched_; }
 
  private:
@@ -70,6 +82,7 @@ class PlaceMatcher {
   PlaceSearch search_;
   MatchTargets targets_;
   std::int64_t nPlaces_ = 0;
+  std::int64_t nBeside_ = 0;  // of these
   std::int32_t nMatched_ = 0;
 };
 
@@ -84,45 +97,63 @@ class ResultFiles {
  public:
   // `status` is that of the writer: 1; 0 if there is nothing to write; negative if it failed, which was told.
   void Add(const std::string& path, int status, const std::string& note = "");
+  // A file that there is nothing to write to, unless it is written later.
+  void AddMissing(const std::string& path, const std::string& reason);
   // StereoPair::kDone or kNotWritten.
   int GetStatus() const;
-  // " Written: a, b (note)."; "" if there are none.
+  // " Written: a, b (note)." if there are any, and " c is not written: reason." for each that is missing.
   std::string GetText() const;
 
  private:
-  struct Written {
+  struct Result {
     std::string path;
-    std::string note;
+    std::string text;  // note or reason
   };
 
-  std::vector<Written> written_;
+  static void Put(std::vector<Result>& results, const Result& result);
+
+  std::vector<Result> written_;
+  std::vector<Result> missing_;
   bool hasFailed_ = false;
 };
 
 // The ground log, the points file if it has a path and there are points, and the pairs if there is a path.
-void WriteGroundPoints(StereoPair& pair, const std::string& pointsPath, ResultFiles& files);
+// `nNew` of the points are this command's.
+void WriteGroundPoints(StereoPair& pair, const std::string& pointsPath, std::int64_t nNew,
+                       ResultFiles& files);
 void WriteMatchPairs(const StereoPair& pair, const std::string& path, ResultFiles& files);
 
-// "12 of 50 places matched."
-std::string MatchedText(std::int64_t nMatched, std::int64_t nPlaces);
+// "12 of 50 places matched."; without places, why there are none.
+std::string MatchedText(std::int64_t nMatched, std::int64_t nPlaces,
+                        std::string_view whyNone = "There is no place to match in the left image.");
+
+// What the search has met: places beside the right image, or a range of columns below 0. A sentence with a
+// blank before it, or "".
+std::string RangeText(const PlaceMatcher& matcher);
+
+// The same of places that the grid repeats.
+std::string RepeatText(const LeftGrid& grid);
 
 // What such a method does with its results when all places are matched: writes them and tells what has come
-// of it, `note` at the end. kDone or kNotWritten.
+// of it, `whyNone` if there was no place, and `note` at the end. kDone or kNotWritten.
 int FinishGridMethod(StereoPair& pair, const PlaceMatcher& matcher, bool writesPairs,
-                     const std::string& note = "");
+                     std::string_view whyNone, const std::string& note);
 
 // Tells that memory has run out. StereoPair::kNoInput.
 int FailForMemory();
 
-// Opens the pair, refuses results that would replace an input, asks for the column offset, runs `run` and
-// lets the pair go, whatever has come of it, even std::bad_alloc. The ground log and matchPointsPath are
-// among the results. kDone or the pair's codes. Kept: Cancel of the offset does not end the method: it goes
-// on with -10.
+// Asks for columnOffset, with -10 to begin with. Kept: Cancel leaves that, and does not end the method.
+void AskColumnOffset(StereoPair& pair);
+
+// Opens the pair, refuses results that would replace an input or each other, runs `run` and lets the pair go,
+// whatever has come of it, even std::bad_alloc. The ground log and matchPointsPath are results in any case.
+// kDone or the pair's codes.
 int RunOnPair(StereoPair& pair, const std::vector<std::string>& results, const std::function<int()>& run);
 
 // A method on the grid from its form to its end, with this threshold to begin with. It writes pairs if it
-// keeps them.
-int RunGridMethod(StereoPair& pair, double threshold, bool keepsPairs, const PlaceSearch& search);
+// keeps them. What `noteOn`, if given, has to say of the window's width comes at the end of the outcome.
+int RunGridMethod(StereoPair& pair, double threshold, bool keepsPairs, const PlaceSearch& search,
+                  std::string (*noteOn)(std::int32_t width) = nullptr);
 
 // Warns that a file can't be written as it is an input. StereoPair::kNotWritten.
 int RefuseToReplace(const std::string& path);

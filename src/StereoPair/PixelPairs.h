@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 
 #include "numerics/SimdVersion.h"
 
@@ -11,19 +10,6 @@ namespace corvane {
 // Pixels two by two: a 32-bit lane holds one pixel in its lower half, one in its upper half.
 template <std::size_t width>
 using PixelPairs = SimdPack<std::uint32_t, width>;
-
-// Puts one pair in all lanes. Unlike PixelPairs::Fill a matter of two instructions.
-template <std::size_t width, std::size_t... lane>
-[[gnu::always_inline]] inline void Spread(std::uint32_t pair, PixelPairs<width>& to,
-                                          std::index_sequence<lane...>) {
-  typename PixelPairs<width>::Lanes first{};
-  first[0] = pair;
-  to.lanes = __builtin_shufflevector(first, first, static_cast<int>(0 * lane)...);
-}
-template <std::size_t width>
-[[gnu::always_inline]] inline void Spread(std::uint32_t pair, PixelPairs<width>& to) {
-  Spread<width>(pair, to, std::make_index_sequence<PixelPairs<width>::kLanes>());
-}
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpsabi"  // of functions that never are called, as they are always inlined

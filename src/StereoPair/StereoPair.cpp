@@ -1,5 +1,6 @@
 #include "StereoPair/StereoPair.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "erdasimg/ImageFiles.h"
@@ -23,7 +24,9 @@ constexpr const char* kTestLeft = "127epi_part.lan";
 constexpr const char* kTestRight = "128epi_part.lan";
 constexpr const char* kTestPoints = "127epi_part_Match.pts";
 
+// "" for a name without an extension, which leaves the orientation none.
 std::string OrientationOf(const std::string& imagePath) {
+  if (FileExtension(imagePath).empty()) return "";
   return ExistingOrientation(DerivedName(imagePath, ".ORN"));
 }
 
@@ -48,10 +51,22 @@ std::string NotesOn(const AerialPhoto& photo, const std::string& orientationPath
          (isWide ? " The " + side + " image's pixels count as bytes." : "");
 }
 
-int FailToOpenThe(const std::string& name, const std::string& path) {
-  Ui().SetStatusText(0, path.empty() ? name + ": no file is named." : path + " does not open.");
+// Without a path, `whyNoPath` tells more than that.
+int FailToOpenThe(const std::string& name, const std::string& path, const std::string& whyNoPath = "") {
+  const std::string noPath = whyNoPath.empty() ? name + ": no file is named." : whyNoPath;
+  Ui().SetStatusText(0, path.empty() ? noPath : path + " does not open.");
   ShowMessage("Open " + name + " error!");
   return -1;
+}
+
+// The orientation of the photo whose image this is.
+bool ReadsOrientation(AerialPhoto& photo, const std::string& path, const std::string& imagePath,
+                      const std::string& name) {
+  if (photo.LoadOrientation(path) >= 0) return true;
+  FailToOpenThe(
+      name, path,
+      imagePath.empty() ? "" : imagePath + " has no extension: the orientation beside it has no name.");
+  return false;
 }
 
 // The whole multiple of `spacing` that lies towards zero from the value, itself cut to a whole number.
@@ -59,10 +74,40 @@ double SnapToSpacing(double value, double spacing) {
   return std::trunc(std::trunc(value) / spacing) * spacing;
 }
 
-// The places from 0 to `length`, both included, at this step; 0 if that is no usable number.
+// The places from 0 to `length`, both included, at this step.
 std::int64_t CountPlaces(double length, double step) {
-  const auto count = TruncateToInt(length / step + 1.0);
-  return step > 0.0 && std::isfinite(step) && count && *count > 0 ? *count : 0;
+  return std::max<std::int64_t>(TruncateTo64(length / step + 1.0), 0);
+}
+
+bool IsLength(double value) {
+  return value > 0.0 && std::isfinite(value);
+}
+
+// Why there is no step from place to place; "" if there is.
+std::string_view WhyNoSteps(const StereoPair& pair, const LeftGrid& grid) {
+  if (!(pair.groundSpacingX > 0.0 && pair.groundSpacingY > 0.0)) {
+    return "The ground spacing is not above 0: there is no place to match.";
+  }
+  if (!IsLength(pair.leftPhoto->pixelSizeX) || !IsLength(pair.leftPhoto->pixelSizeY)) {
+    return "The left orientation's pixel size is no number above 0: there is no place to match.";
+  }
+  if (!std::isfinite(grid.stepCol) || !std::isfinite(grid.stepRow)) {
+    return "The ground spacing is too large: there is no place to match.";
+  }
+  return grid.margin < 0 ? "The row tolerance is negative: there is no place to match." : "";
+}
+
+// Why these counts of places are none that can be matched; "" if they can.
+std::string_view WhyNoPlaces(const StereoPair& pair, std::int64_t nCols, std::int64_t nRows) {
+  const auto [cols, rows] = pair.leftImage->GetSize();
+  if (nCols == 0 || nRows == 0) {
+    return pair.targetWidth > cols || pair.targetHeight > rows
+               ? "The window is larger than the left image: there is no place to match."
+               : "The rows searched above and below the window leave no place to match.";
+  }
+  return nCols > INT32_MAX / nRows
+             ? "The ground spacing makes more than 2147483647 places: none of them is matched."
+             : "";
 }
 
 }  // namespace
@@ -132,15 +177,12 @@ int StereoPair::LoadPair() {
   rightPhoto = std::make_shared<AerialPhoto>();
   leftImage = nullptr;
   rightImage = nullptr;
-  if (leftPhoto->LoadOrientation(leftOrientationPath) < 0) {
-    return FailToOpenThe("Left Orientation Parameters File", leftOrientationPath);
-  }
-  if (rightPhoto->LoadOrientation(rightOrientationPath) < 0) {
-    return FailToOpenThe("Right Orientation Parameters File", rightOrientationPath);
-  }
-  leftPhoto->name = leftImagePath;
-  rightPhoto->name = rightImagePath;
-  return LoadImagesOfPhotos() < 0 ? -1 : LoadDem();
+  const bool areOriented =
+      ReadsOrientation(*leftPhoto, leftOrientationPath, leftImagePath, "Left Orientation Parameters File") &&
+      ReadsOrientation(*rightPhoto, rightOrientationPath, rightImagePath,
+                       "Right Orientation Parameters File");
+  if (!areOriented || LoadImagesOfPhotos() < 0) return -1;
+  return LoadDem();  // last, so that its own failure is told only of photos that are there
 }
 
 int StereoPair::LoadImagesOfPhotos() {
@@ -245,11 +287,13 @@ LeftGrid StereoPair::GetLeftGrid() const {
   grid.halfW = targetWidth / 2;
   grid.halfH = targetHeight / 2;
   grid.margin = margin;
-  if (!(groundSpacingX > 0.0 && groundSpacingY > 0.0 && margin >= 0)) return grid;
+  grid.whyNone = WhyNoSteps(*this, grid);
+  if (!grid.whyNone.empty()) return grid;
   const std::int64_t nCols = CountPlaces(static_cast<double>(cols) - targetWidth, grid.stepCol);
   const std::int64_t nRows =
       CountPlaces(static_cast<double>(rows) - targetHeight - 2.0 * margin, grid.stepRow);
-  if (nCols * nRows > INT32_MAX) return grid;
+  grid.whyNone = WhyNoPlaces(*this, nCols, nRows);
+  if (!grid.whyNone.empty()) return grid;
   grid.nCols = nCols;
   grid.nRows = nRows;
   return grid;

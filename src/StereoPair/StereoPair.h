@@ -64,14 +64,15 @@ class StereoPair {
 
   // Shows MatchInput, with a test pair of the current folder in a new object, later with the images and the
   // points path of the last form; without a DEM; the numbers are the object's own. On OK takes everything
-  // over: the orientation paths are the images' with ".ORN", or ".orn" if only that is there. 1; -1 on
-  // Cancel.
+  // over: the orientation paths are the images' with ".ORN", or ".orn" if only that is there, and "" for an
+  // image path without an extension. 1; -1 on Cancel.
   int RunMatchDialog();
   // The same for photos that are there: it shows the paths as they are, the DEM's, too.
   int RunMatchDialogForPhotos();
 
   // Makes both photos anew from the paths, and the DEM if there is a path of one. 1; -1 at the first that
   // does not open, with "Open Left Orientation Parameters File error!" or the like; what was loaded stays.
+  // The orientations come first, then the images, the DEM last.
   int LoadPair();
   // The images of photos that are there, from the image paths, in LoadPair's words. 1 or -1.
   int LoadImagesOfPhotos();
@@ -106,8 +107,8 @@ class StereoPair {
 
   // The grid over the left image: steps of groundSpacingX and groundSpacingY over the left photo's pixel
   // size, and as many places as the windows, and maxRowDisparity above and below, leave. No places if spacing
-  // or pixel size are no positive numbers, or for more places than the 2^31 - 1 that ids can number.
-  // InitGeometry must have run.
+  // or pixel size are no positive numbers, or for more places than the 2^31 - 1 that ids can number; the grid
+  // says why. InitGeometry must have run.
   LeftGrid GetLeftGrid() const;
 
   // "Done %d%% ..." in the message pane of progressWindow, if there is one.
@@ -179,7 +180,8 @@ class StereoPair {
   // The correlation coefficient of the windows around `left` and `right`. With `extractsLeft` the left window
   // is kept, without it the one kept last is taken, whatever `left` says. With `checksDiff` it is -1.0 if the
   // standard deviation of the differences exceeds maxDiffStdev, and a line goes to the debug stream. -1.0
-  // without images, a positive size, memory, or a left window of that size, too.
+  // without images, a positive size, memory, or a left window of that size, too. A left window without a
+  // positive size is none: the one kept before is gone then, so that no window is compared in its stead.
   // Kept: where the left place is (272, 866) both windows are written to "leftSubImg.txt", "rightSubImg.txt".
   double CompareWindows(const Point2& left, const Point2& right, bool extractsLeft, int width, int height,
                         bool checksDiff);
@@ -232,8 +234,8 @@ class StereoPair {
   // on. The pairs are not written.
   int MatchAreaFeatureCC();
   // "Structural Descriptor CC": the best correlation of structural descriptors of windows of targetWidth x
-  // targetWidth pixels (DescriptorSearch). From 0.5 and 55 on. Writes the pairs as MatchAreaCC. Without an
-  // odd window nothing matches.
+  // targetWidth pixels (DescriptorSearch). From 0.5 and 55 on. Writes the pairs as MatchAreaCC. With an even
+  // width nothing is compared, which is told.
   int MatchStructuralDescriptor();
   // "Two-Way Match": MatchAreaCC without ground points, then SearchCorrelation back from the right places.
   // Those pairs are left whose left window has an entropy of 3.0 nats or more, and which lead back to its
@@ -243,16 +245,16 @@ class StereoPair {
   int MatchTwoWay();
 
   // Dense methods (StereoPair_dense.cpp, StereoPair_truth.cpp, StereoPair_entropy.cpp). Their maps lie pixel
-  // by pixel over the left image, under its header, with one band.
+  // by pixel over the left image, under its header, but with one band, however many it has.
 
   // "Area Correlation": "_DispMap.lan" and "_MeasureMap.lan" beside the left image.
   int DenseAreaCorrelation();
   // Its maps of a pair that is open, with columnOffset as it is. It visits the rows from targetHeight / 2 + 1
   // to before rows - targetHeight / 2 - 1, groundSpacingY apart, and the columns likewise (DensePlaces). The
   // search begins at the disparity -columnOffset, or the DEM's at the pixel if that is finite, and reaches
-  // maxDisparity, with a DEM demAccuracy columns to either side. disparityMap becomes the disparity, cut to a
-  // whole number, or kNoDisparity for a score below matchThreshold, measureMap the score; both are 0 at
-  // pixels that are not visited. 1; -1, with a warning, without memory.
+  // maxDisparity, with a DEM demAccuracy columns to either side. disparityMap becomes the disparity, cut to
+  // 16 bits as PixelFrom says, or kNoDisparity for a score below matchThreshold, measureMap the score; both
+  // are 0 at pixels that are not visited. 1; -1, with a warning, without memory.
   // Kept: row r of the left image is compared with row r - 1 of the right one, and the place that the search
   // begins with is never compared, as it lies on the rectangle's bottom edge.
   int CorrelateDense(DenseCounts* counts = nullptr);
@@ -260,16 +262,18 @@ class StereoPair {
   int MakeMaps();
   // "Exam Truth", with the true disparities for a DEM: searches around them in the same rows, then smooths
   // the disparities found where that gives better scores. "MeasureMap.lan", "DispTrueNew.lan" after the
-  // search, "MeasureMap200.lan", "DispTrueNew200.lan" and so on after every 200th pass of smoothing, and
-  // "MeasureMap_Disp.lan", the scores of the truth itself, in the current folder. A pixel without a truth,
-  // that is one that is not finite or kNoDisparity, has no disparity and the score 0.
+  // search, "MeasureMap200.lan", "DispTrueNew200.lan" and so on after every 200th pass of smoothing, so that
+  // the maps of fewer passes are not written, and "MeasureMap_Disp.lan", the scores of the truth itself, in
+  // the current folder. A pixel without a truth, that is one that is not finite or kNoDisparity, has no
+  // disparity and the score 0.
   int ExamTruth();
   // `scores` becomes a float map of what the windows around the pixels score if each of their pixels has the
   // disparity that this map says (MaskedWindows): 0 where the pixel itself has none, and at pixels that
   // CorrelateDense does not visit at a spacing of 1. 1; -1 without memory.
   int ScoreOfDisparityMap(const ErdasImg& disparities, ErdasImg& scores) const;
   // "Entropy Map": the entropies of the windows around all places half a window or more from the border of an
-  // image, 0 elsewhere, in "_EntropyMap.lan" beside it. It needs neither form nor photos.
+  // image, 0 elsewhere, in "_EntropyMap.lan" beside it. It needs neither form nor photos. Tells its progress
+  // whenever another percent is done.
   static int MakeEntropyMap();
 
   // Least squares with a disparity a pixel (StereoPair_disparity.cpp, StereoPair_disparityGrid.cpp). See
@@ -284,17 +288,22 @@ class StereoPair {
   // The disparities start from `startMap`, where it has finite ones, or from left.x - right.x. The passes run
   // from 1 to before `iterationLimit`, 19 being the last in any case; the match diverges with a disparity
   // beyond `disparityLimit` in magnitude. The arrays become the final disparities, row by row. At the end
-  // AddDisparityWindow makes pairs, whatever the outcome, which goes to the debug stream.
+  // AddDisparityWindow makes pairs, whatever the outcome, which goes to the debug stream. A window may leave
+  // the left image: pixels outside have the grey value 0, and pairs that lie off the image.
   //
-  // Returns the score, the correlation coefficient of window and samples in the last pass, or 0.0; -1.0
-  // without pixels, for places outside of the images as in LeastSquaresMatch, and for more than the dense
-  // equations (3 n x n for n pixels) take in half of the machine's memory.
-  // Cost: n (2 width)^2 operations a pass.
+  // Returns the score, the correlation coefficient of window and samples in the last pass, or 0.0. Where the
+  // iteration limit ends the passes it belongs to the disparities before the last corrections; with a limit
+  // below 2 there is no pass, so it is 0.0, and arrays and pairs have the disparities of the start.
+  // -1.0, with nothing changed, without a window or images, for places outside of them as in
+  // LeastSquaresMatch, and for a window whose equations take more than half of the machine's memory. -1.0,
+  // too, without memory for what comes up later, the pairs at the end among it.
+  //
+  // Cost: n (2 width)^2 operations a pass for n pixels, and 4 n width numbers of memory.
   double LeastSquaresDisparity(const Point2& left, const Point2& right, int width, int height,
                                double disparityLimit, int iterationLimit, std::vector<double>& disparities,
                                std::vector<double>& rowDisparities, const ErdasImg* startMap);
-  // The same with two unknowns more: shift and gain of the right image's grey values, from 0 and 1 on. Cost:
-  // that of the dense equations.
+  // The same with two unknowns more: shift and gain of the right image's grey values, from 0 and 1 on. -1.0
+  // for more than 4094 pixels, too. Cost: n^3 operations a pass, and 4 n^2 numbers of memory.
   double LeastSquaresDisparityGain(const Point2& left, const Point2& right, int width, int height,
                                    double disparityLimit, int iterationLimit,
                                    std::vector<double>& disparities, std::vector<double>& rowDisparities,
@@ -303,15 +312,17 @@ class StereoPair {
   // and `height` rows from the window's first pixel on, up to the first that is not before the last pixel.
   // Between the nodes disparities are bilinear. Grey values of both images are bilinear samples, gradients
   // those of GetGradientBilinearFore, and the solution is by WeightedLeastSquares. The arrays become those of
-  // the nodes, and AddDisparityNodes makes pairs. -1.0, with nothing changed, for fewer than 3 columns of
-  // nodes, too.
+  // the nodes, and AddDisparityNodes makes pairs; the last nodes may lie behind the window. -1.0, with
+  // nothing changed, for fewer than 3 columns of nodes and more than 4096 nodes, too. Cost: n^3 operations a
+  // pass for n nodes, and n a pixel.
   double LeastSquaresDisparityGrid(const Point2& left, const Point2& right, int width, int height,
                                    double disparityLimit, int iterationLimit,
                                    std::vector<double>& disparities, std::vector<double>& rowDisparities,
                                    const ErdasImg* startMap);
   // Appends each pixel of the window to matchPairs, under the next number, and to groundPoints: `left` as its
-  // place in the left image, and that less the disparities in the right. 1; -1 without photos or memory, of
-  // which pairs and points may take a quarter of the machine's.
+  // place in the left image, which it may be off, and that less the disparities in the right. 1; 0 without
+  // photos; -1 without a window, disparities for it or memory, of which pairs and points may take a quarter
+  // of the machine's. Pairs that have been added before memory ran out stay.
   int AddDisparityWindow(const Point2& left, int width, int height, std::span<const double> disparities,
                          std::span<const double> rowDisparities, double score);
   // The same for nodes in rows of `nCols`, the first one at `first` and the others at these steps, in pixels.

@@ -44,7 +44,7 @@ int StereoPair::MatchStructuralDescriptor() {
   const auto search = [&](const Point2& left, Point2& right, const ImageRect& rect) {
     return descriptors.Find(*leftImage, *rightImage, left, right, targetWidth, rect);
   };
-  return RunGridMethod(*this, kOtherThreshold, true, search);
+  return RunGridMethod(*this, kOtherThreshold, true, search, DescriptorSearch::NoteOn);
 }
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <exception>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "StereoPair/DenseMaps.h"
@@ -40,9 +41,10 @@ class DenseSearch {
   }
 
  private:
-  // Fills the maps at a place. Whether its score is not below the threshold.
-  // Kept: the start is one row up, and there is no range of rows, so that row r is compared with row r - 1.
-  // Kept: so the start lies on the bottom edge of its rectangle, and is never compared itself.
+  // Fills the maps at a place. Whether its score is not below the threshold. The map of 16-bit numbers takes
+  // a disparity as SetPixel cuts it: one beyond them keeps its lower 16 bits. Kept: the start is one row up,
+  // and there is no range of rows, so that row r is compared with row r - 1. Kept: so the start lies on the
+  // bottom edge of its rectangle, and is never compared itself.
   bool Match(std::int32_t row, std::int32_t col) {
     Point2 right = {static_cast<double>(col - DisparityToBeginWith(col)), row - 1.0};
     const ImageRect rect = StereoPair::BuildSearchRect(right, halfRange_, 0.0, pair_.rightImage->GetSize(),
@@ -71,6 +73,11 @@ class DenseSearch {
   std::vector<double> demRow_;  // the DEM's disparities in it; not a number where it has none
 };
 
+std::string NoteOnSpacing(const StereoPair& pair) {
+  const bool isAbove = pair.groundSpacingX > 0.0 && pair.groundSpacingY > 0.0;
+  return isAbove ? "" : " The ground spacing is not above 0.";
+}
+
 int MatchOpenPair(StereoPair& pair) {
   const std::string disparityPath = pair.GetLeftName("_DispMap.lan");
   const std::string measurePath = pair.GetLeftName("_MeasureMap.lan");
@@ -78,6 +85,7 @@ int MatchOpenPair(StereoPair& pair) {
   if (!input.empty()) return RefuseToReplace(input);
   ValueInput offset;
   offset.value = kStartOffset;
+  Ui().SetStatusText(0, kOffsetHint);
   if (!offset.Ask()) return StereoPair::kCancelled;
   pair.columnOffset = TruncateSaturated(offset.value);
 
@@ -86,7 +94,7 @@ int MatchOpenPair(StereoPair& pair) {
   ResultFiles files;
   WriteMap(disparityPath, *pair.disparityMap, files);
   WriteMap(measurePath, *pair.measureMap, files);
-  pair.TellOutcome(MatchedText(counts.nMatched, counts.nPlaces) + files.GetText());
+  pair.TellOutcome(MatchedText(counts.nMatched, counts.nPlaces) + NoteOnSpacing(pair) + files.GetText());
   return files.GetStatus();
 }
 

@@ -11,6 +11,7 @@
 #include "StereoPair/StereoPair.h"
 #include "erdasimg/BandPixels.h"
 #include "erdasimg/ImageFiles.h"
+#include "erdasimg/PackType.h"
 #include "forms/ValueInput.h"
 #include "io/Paths.h"
 #include "numerics/Truncate.h"
@@ -133,6 +134,13 @@ class EntropyWalk {
   Counts firstCounts_ = {};
 };
 
+// Tells that so many of all rows are done, if that is another percentage than before.
+void TellRows(std::int64_t nDone, std::int64_t nAll) {
+  const std::int64_t percent = nDone * 100 / nAll;
+  if (nDone > 0 && (nDone - 1) * 100 / nAll == percent) return;
+  Ui().SetStatusText(0, "Done " + std::to_string(percent) + "% ...");
+}
+
 // The places are those at least half a window from every border.
 template <typename Pixel>
 void FillMap(const ErdasImg& image, std::int32_t size, ErdasImg& map) {
@@ -142,6 +150,7 @@ void FillMap(const ErdasImg& image, std::int32_t size, ErdasImg& map) {
   EntropyWalk<Pixel> walk(image, size);
   std::vector<double> values(static_cast<std::size_t>(nCols - 2 * half));
   for (std::int32_t row = half; row < nRows - half; ++row) {
+    TellRows(row - half, nRows - 2 * half);
     walk.FillRow(row - half, values);
     map.SetPixelRow(0, row, half, values);
   }
@@ -157,6 +166,11 @@ std::unique_ptr<ErdasImg> EntropyMapOf(const ErdasImg& image, std::int32_t size)
     return nullptr;
   }
   return map;
+}
+
+// What the person should know of pixels whose values may lie outside of all bins.
+std::string NoteOnBins(const ErdasImg& image) {
+  return BytesOfPackType(image.GetPackType()) == 1 ? "" : " Values outside of 0 to 255 count in no bin.";
 }
 
 int Fail(const std::string& text) {
@@ -191,7 +205,7 @@ int StereoPair::MakeEntropyMap() {
   ResultFiles files;
   WriteMap(result, *map, files);
   Ui().SetStatusText(0, "Entropies of " + std::to_string(size) + " x " + std::to_string(size) + " pixels." +
-                            files.GetText() + CutText(image));
+                            files.GetText() + NoteOnBins(image) + CutText(image));
   return files.GetStatus();
 }
 

@@ -23,6 +23,7 @@ struct FeatureRows {
   std::int64_t end;
 
   std::int64_t GetCount() const { return first < end ? (end - first - 1) / kRowStep + 1 : 0; }
+  std::int64_t GetLast() const { return first + (GetCount() - 1) * kRowStep; }
 };
 
 // From 1 % to 99 % of the height.
@@ -84,8 +85,22 @@ bool MatchFeatures(PlaceMatcher& matcher, InputFile& file) {
   return true;
 }
 
+// Why there is nothing to match if the rows are empty: "... in the rows 1, 11, ..., 341."
+std::string WhyNoFeatures(const FeatureRows& rows) {
+  const std::string first = std::to_string(rows.first);
+  const std::int64_t nRows = rows.GetCount();
+  if (nRows == 0) {
+    return "There is no row to match: they begin at " + first + ", and end before " +
+           std::to_string(rows.end) + ".";
+  }
+  if (nRows == 1) return "There is no feature in the row " + first + ".";
+  return "There is no feature in the rows " + first + ", " +
+         (nRows > 2 ? std::to_string(rows.first + kRowStep) + ", " : "") + (nRows > 3 ? "..., " : "") +
+         std::to_string(rows.GetLast()) + ".";
+}
+
 int FailToOpenFeatures(const std::string& path) {
-  Ui().SetStatusText(0, path + " does not open.");
+  Ui().SetStatusText(0, path + " does not open. Image > Zero Crossing writes it.");
   ShowMessage("Open file Zero-crossing file(s) error!");
   return StereoPair::kNoInput;
 }
@@ -97,9 +112,10 @@ int MatchFeatureFile(StereoPair& pair) {
   pair.leftFeatureFile = std::make_unique<InputFile>(path);
   if (!pair.leftFeatureFile->IsOpen()) return FailToOpenFeatures(path);
   const std::string note = NoteOn(*pair.leftFeatureFile, path, *pair.leftImage);
+  AskColumnOffset(pair);
   PlaceMatcher matcher(pair, SearchOfCorrelation(pair), {});
   if (!MatchFeatures(matcher, *pair.leftFeatureFile)) return FailForMemory();
-  return FinishGridMethod(pair, matcher, false, note);
+  return FinishGridMethod(pair, matcher, false, WhyNoFeatures(RowsOf(pair)), note);
 }
 
 }  // namespace

@@ -75,12 +75,14 @@ bool IsBlank(std::string_view text) {
 std::vector<MatchPair> ScanPairs(std::string_view text, bool stopsAtNothing, PairLines& lines) {
   std::vector<MatchPair> pairs;
   const PairFormat format = FormatOf(FirstLine(text));
+  lines.nColumns = static_cast<std::int64_t>(format.nColumns);
   for (std::int64_t number = 1; !text.empty(); ++number) {
     const std::string_view rest = text;
     const std::string_view line = TakeLine(text);
     const PairLine scanned = ScanPair(line, format);
     if (scanned.nItems == 0 && stopsAtNothing) {
       if (!IsBlank(rest)) lines.stopLine = number;
+      lines.stopIsEmpty = IsBlank(line);
       break;
     }
     if (scanned.nItems >= kItemsOfPair) {

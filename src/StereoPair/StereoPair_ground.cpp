@@ -1,8 +1,7 @@
 // From places in both images to points on the ground.
 
-#include <algorithm>
-#include <cmath>
-
+#include "StereoPair/GridMatching.h"
+#include "StereoPair/MatchTexts.h"
 #include "StereoPair/PairFile.h"
 #include "StereoPair/StereoPair.h"
 #include "io/Paths.h"
@@ -21,20 +20,23 @@ PointRecord RecordOf(std::int32_t id, const Point3& place, double score) {
   return {id, place.x, place.y, place.z, score};
 }
 
-bool IsFinite(const PointRecord& point) {
-  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
+constexpr std::int64_t kLeastColumns = 5;  // of a pair
+constexpr std::int64_t kMostColumns = 6;   // that are read
 
-// "1 line", "2 lines".
-std::string Counted(std::int64_t n, const std::string& noun) {
-  return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
-}
-
+// A first line that is empty is where reading ends.
 std::string NotesOn(const PairLines& lines) {
   std::string text;
   if (lines.nLeftOut > 0) text += " Left out: " + Counted(lines.nLeftOut, "line") + " without a pair.";
+  if (lines.nColumns > 0 && lines.nColumns < kLeastColumns) {
+    text +=
+        " The first line decides on separator and columns, and has " + Counted(lines.nColumns, "field") + ".";
+  }
+  if (lines.nColumns > kMostColumns) {
+    text += " Of " + Counted(lines.nColumns, "column") + " six are read.";
+  }
   if (lines.stopLine > 0) {
-    text += " Reading ended at line " + std::to_string(lines.stopLine) + ", which begins with no number.";
+    text += " Reading ended at line " + std::to_string(lines.stopLine) +
+            (lines.stopIsEmpty ? ", which is empty." : ", which begins with no number.");
   }
   return text;
 }
@@ -44,33 +46,18 @@ int FailToRead(const std::string& text) {
   return StereoPair::kNoInput;
 }
 
-int RefuseToWrite(const std::string& path) {
-  ShowWarning(WriteErrorText(path) + "\n" + kIsInputText);
-  return StereoPair::kNotWritten;
-}
-
-std::string WrittenText(const TINPoints& points, std::int32_t nNew, const std::string& path) {
-  std::string text = " Written: " + FileName(path) + " (" + Counted(points.nPoints, "point");
-  if (points.nPoints > nNew) text += ", with those of earlier commands";
-  return text + ").";
-}
-
 // Writes groundPoints, of which the last `nNew` are those of the pair file, and tells what has come out.
 int StoreIntersections(StereoPair& pair, std::int32_t nNew, const std::string& path,
                        const std::string& notes) {
   if (nNew == 0) {
-    pair.TellOutcome("The file holds no pair, and no points are written." + notes);
-    return StereoPair::kDone;
+    pair.TellOutcome("The file holds no pair." + UnwrittenText(path, "there are no points") + notes);
+    return StereoPair::kNoInput;
   }
   const TINPoints& points = *pair.groundPoints;
-  const auto end = points.points.begin() + points.nPoints;
-  const std::int64_t nFinite = std::count_if(end - nNew, end, IsFinite);
+  std::string sentence = Counted(nNew, "pair") + " intersected." + UnplacedText(points, nNew);
   const bool isWritten = pair.SaveGroundPoints(path) > 0;
-  std::string sentence = Counted(nNew, "pair") + " intersected.";
-  if (nFinite < nNew)
-    sentence += " Without a place, of parallel rays: " + Counted(nNew - nFinite, "point") + ".";
-  if (isWritten) sentence += WrittenText(points, nNew, path);
-  pair.TellOutcome(sentence + notes);
+  if (isWritten) sentence += " Written: " + FileName(path) + " (" + PointsText(points.nPoints, nNew) + ").";
+  pair.TellOutcome(sentence + OriginText(pair) + notes);
   return isWritten ? StereoPair::kDone : StereoPair::kNotWritten;
 }
 
@@ -80,7 +67,7 @@ int IntersectChosenFile(StereoPair& pair) {
   if (!pairPath) return StereoPair::kCancelled;
   const std::string pointsPath = DerivedName(*pairPath, ".pts");
   const bool isInput = IsSameFile(pointsPath, *pairPath) || !pair.FindInputAmong({pointsPath}).empty();
-  if (isInput) return RefuseToWrite(pointsPath);
+  if (isInput) return RefuseToReplace(pointsPath);
 
   TINPoints left;
   TINPoints right;

@@ -7,6 +7,7 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "StereoPair/DenseMaps.h"
@@ -58,6 +59,8 @@ struct ExamPlaces {
       : rows(pair.leftImage->GetSize().cy, pair.targetHeight, kEveryPixel),
         cols(pair.leftImage->GetSize().cx, pair.targetWidth, kEveryPixel) {}
 
+  std::int64_t GetCount() const { return rows.GetCount() * cols.GetCount(); }
+
   DensePlaces rows;
   DensePlaces cols;
 };
@@ -98,6 +101,7 @@ bool SearchAround(StereoPair& pair, std::int32_t row, std::int32_t col, double t
 // The first pass. Returns at how many places there is a disparity.
 std::int64_t SearchAroundTruth(StereoPair& pair) {
   const ExamPlaces places(pair);
+  if (places.GetCount() == 0) return 0;
   DisparityRows truths(pair, *pair.dem);
   std::int64_t nMatched = 0;
   for (std::int64_t row = places.rows.first; row < places.rows.end; ++row) {
@@ -130,7 +134,6 @@ class DisparitySmoother {
   // Visits all pixels, row by row, and changes them in place. Returns how many it has updated.
   std::int64_t RunPass() {
     std::int64_t nUpdated = 0;
-    if (places_.cols.GetCount() == 0) return 0;
     for (std::int64_t row = places_.rows.first; row < places_.rows.end; ++row) {
       const auto rowStart = isSettled_.begin() + row * nCols_;
       const auto end = rowStart + places_.cols.end;
@@ -200,9 +203,11 @@ struct Smoothing {
   std::int64_t nUpdates = 0;
 };
 
+// There is nothing to do without a place.
 Smoothing SmoothDisparities(const StereoPair& pair, ResultFiles& files) {
-  DisparitySmoother smoother(pair);
   Smoothing result;
+  if (ExamPlaces(pair).GetCount() == 0) return result;
+  DisparitySmoother smoother(pair);
   std::int64_t nUpdated = 1;
   while (result.nPasses < kMostPasses && nUpdated > 0) {
     nUpdated = smoother.RunPass();
@@ -216,6 +221,15 @@ Smoothing SmoothDisparities(const StereoPair& pair, ResultFiles& files) {
   return result;
 }
 
+// " Passes of smoothing: 7, updates: 42.", and whether their maps are not among the files; "" without a pass.
+std::string TextOf(const Smoothing& smoothing) {
+  if (smoothing.nPasses == 0) return "";
+  const std::string text = " Passes of smoothing: " + std::to_string(smoothing.nPasses) +
+                           ", updates: " + std::to_string(smoothing.nUpdates) + ".";
+  if (smoothing.nPasses >= kPassesAFile) return text;
+  return text + " The smoothed maps are not written before pass " + std::to_string(kPassesAFile) + ".";
+}
+
 int ExamineOpenPair(StereoPair& pair) {
   const std::string input = pair.FindInputAmong(AllFiles());
   if (!input.empty()) return RefuseToReplace(input);
@@ -227,10 +241,7 @@ int ExamineOpenPair(StereoPair& pair) {
   if (pair.ScoreOfDisparityMap(*pair.dem, truthScores) < 0) throw std::bad_alloc();
   WriteMap(kTruthScores, truthScores, files);
   const Smoothing smoothing = SmoothDisparities(pair, files);
-  const ExamPlaces places(pair);
-  pair.TellOutcome(MatchedText(nMatched, places.rows.GetCount() * places.cols.GetCount()) +
-                   " Passes of smoothing: " + std::to_string(smoothing.nPasses) +
-                   ", updates: " + std::to_string(smoothing.nUpdates) + "." + files.GetText());
+  pair.TellOutcome(MatchedText(nMatched, ExamPlaces(pair).GetCount()) + TextOf(smoothing) + files.GetText());
   return files.GetStatus();
 }
 
@@ -243,6 +254,7 @@ int StereoPair::ExamTruth() {
   WaitCursor wait;
   int status = OpenPair();
   if (status == kDone && !dem) {
+    Ui().SetStatusText(0, "No DEM is named: it is to be the true disparity map.");
     ShowMessage("Open DEM file error!");
     status = kNoInput;
   }

@@ -57,7 +57,7 @@ struct LaneSums {
 
   [[gnu::always_inline]] void AddStep(std::uint32_t left, const std::uint32_t* strip, std::uint32_t mask) {
     PixelPairs<width> leftPair, pair;
-    Spread<width>(left, leftPair);
+    leftPair.Fill(left);
     for (std::size_t k = 0; k < nPacks; ++k) {
       pair.Load(strip + k * pair.kLanes);
       pair.lanes &= mask;
@@ -160,6 +160,7 @@ void WindowScores::SetLeft(std::span<const std::uint8_t> pixels, std::int32_t wi
   height_ = height;
   left_ = pixels;
   leftSums_ = SumPixels(pixels, pixels);
+  leftSums_.b = leftSums_.bb = leftSums_.ab = 0.0;
   if (!IsStripped()) return;
   leftPairs_.resize(static_cast<std::size_t>(height) * ((static_cast<std::size_t>(width) + 1) / 2));
   std::uint32_t* to = leftPairs_.data();
@@ -215,7 +216,7 @@ std::span<double> WindowScores::ScoreRow(const ErdasImg& right, const Part& part
   const auto padded = static_cast<std::size_t>(RoundUp(part.nCols));
   scores_.resize(padded);
   if (!IsStripped()) {
-    ScoreCutWindows(right, part, i);
+    ScoreLargeWindows(right, part, i);
   } else {
     const auto stride = static_cast<std::size_t>(GetStride(part.nCols));
     const RowOfWindows row = {leftPairs_.data(), static_cast<std::size_t>(width_),
@@ -229,11 +230,31 @@ std::span<double> WindowScores::ScoreRow(const ErdasImg& right, const Part& part
   return std::span(scores_).first(nPlaces);
 }
 
-void WindowScores::ScoreCutWindows(const ErdasImg& right, const Part& part, std::int64_t i) {
+void WindowScores::ScoreLargeWindows(const ErdasImg& right, const Part& part, std::int64_t i) {
   for (std::int64_t k = 0; k < part.nCols; ++k) {
-    const bool isCut = CutWindow(right, {part.col + k, part.row + i}, width_, height_, cut_);
-    scores_[static_cast<std::size_t>(k)] = isCut ? CorrelationCoefficient(left_, cut_) : -1.0;
+    scores_[static_cast<std::size_t>(k)] = SumOverlap(right, {part.col + k, part.row + i}).GetCoefficient();
   }
+}
+
+// Pixels outside of the image are 0 and add nothing to the sums, but count in n.
+CorrelationSums WindowScores::SumOverlap(const ErdasImg& right, const WindowCorner& corner) {
+  const auto [cols, rows] = right.GetSize();
+  const std::int64_t firstCol = std::clamp<std::int64_t>(-corner.col, 0, width_);
+  const std::int64_t endCol = std::clamp<std::int64_t>(cols - corner.col, firstCol, width_);
+  const std::int64_t firstRow = std::clamp<std::int64_t>(-corner.row, 0, height_);
+  const std::int64_t endRow = std::clamp<std::int64_t>(rows - corner.row, firstRow, height_);
+  const auto nCols = static_cast<std::size_t>(endCol - firstCol);
+  cut_.resize(nCols);
+  CorrelationSums sums = leftSums_;
+  for (std::int64_t row = firstRow; row < endRow && nCols > 0; ++row) {
+    CopyBytes(right, corner.row + row, corner.col + firstCol, cut_);
+    const auto at = static_cast<std::size_t>(row * width_ + firstCol);
+    const CorrelationSums part = SumPixels(left_.subspan(at, nCols), cut_);
+    sums.b += part.b;
+    sums.bb += part.bb;
+    sums.ab += part.ab;
+  }
+  return sums;
 }
 
 }  // namespace corvane

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "StereoPair/SearchRuns.h"
+#include "StereoPair/WindowBytes.h"
 #include "StereoPair/WindowSimilarity.h"
 #include "erdasimg/ErdasImg.h"
 
@@ -18,8 +19,8 @@ namespace corvane {
 //
 // The pixels that a part of the search needs are copied to a strip once, as pairs: element (row, col) holds
 // the pixels (row, col) and (row, col + 1), so that lanes of 32 bits take two columns of the window a step.
-// The object keeps its buffers from one search to the next. They are small, however large a search is; beyond
-// kMaxStripped pixels windows are cut out one by one.
+// The object keeps its buffers from one search to the next. They are small, however large a search is;
+// windows of more than kMaxStripped pixels are compared one by one, as far as they lie in the image.
 class WindowScores {
  public:
   static constexpr std::int64_t kMaxStripped = 65536;  // pixels of a window
@@ -28,8 +29,7 @@ class WindowScores {
   void SetLeft(std::span<const std::uint8_t> pixels, std::int32_t width, std::int32_t height);
 
   // Calls take(row, col, scores) with places of the runs, the first row and column of a part of a row of them
-  // and the scores there; parts of one row come from left to right. The scores may be changed. A score is
-  // -1.0 if there is no memory for its window.
+  // and the scores there; parts of one row come from left to right. The scores may be changed.
   template <typename Take>
   void Score(const ErdasImg& right, const SearchRun& rows, const SearchRun& cols, Take take);
 
@@ -48,16 +48,18 @@ class WindowScores {
   std::int64_t GetStride(std::int64_t nCols) const;
   void CutStrip(const ErdasImg& right, const Part& part);
   std::span<double> ScoreRow(const ErdasImg& right, const Part& part, std::int64_t i);
-  void ScoreCutWindows(const ErdasImg& right, const Part& part, std::int64_t i);
+  void ScoreLargeWindows(const ErdasImg& right, const Part& part, std::int64_t i);
+  CorrelationSums SumOverlap(const ErdasImg& right, const WindowCorner& corner);
 
   std::int32_t width_ = 0;
   std::int32_t height_ = 0;
-  CorrelationSums leftSums_;  // n, a, aa
+  CorrelationSums leftSums_;  // n, a, aa; the others are 0
   std::span<const std::uint8_t> left_;
   std::vector<std::uint32_t> leftPairs_;  // height x (width + 1) / 2: columns 0 and 1, 2 and 3, ...
   std::vector<std::uint32_t> strip_;
-  std::vector<std::uint8_t> cut_;  // pixels of a strip that is not wholly in the image, or of a window
-  std::vector<double> sums_;       // of a row of places: b, bb, ab
+  std::vector<std::uint8_t>
+      cut_;                   // pixels of a strip that is not wholly in the image, or of a row of a window
+  std::vector<double> sums_;  // of a row of places: b, bb, ab
   std::vector<double> scores_;
 };
 

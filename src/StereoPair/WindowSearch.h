@@ -36,8 +36,8 @@ struct SearchResult {
 // correlation coefficient. Keeps its buffers from one search to the next.
 class WindowSearch {
  public:
-  // Cuts the left window out, in place of the one before. False, with none, without pixels, a positive size
-  // or memory.
+  // Cuts the left window out, in place of the one before. False, with none, not even that before, without
+  // pixels, a positive size or memory.
   bool SetLeft(const ErdasImg& left, const Point2& place, std::int32_t width, std::int32_t height);
 
   // The value of the window at that position; -1.0 without a left window or memory. With `maxDiffStdev` a

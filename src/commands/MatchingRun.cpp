@@ -33,9 +33,7 @@ CommandResult RunMatching(CCorvaneView& view, int (StereoPair::*method)()) {
 
 CommandResult RunMatchingWithDisplay(CCorvaneView& view, int (StereoPair::*method)()) {
   const CommandResult result = RunMatching(view, method);
-  if (result == CommandResult::Done) {
-    ShowMatchPairs(view.GetDocument().GetMainFrame(), view.stereoPair);
-  }
+  ShowMatchPairs(view.GetDocument().GetMainFrame(), view.stereoPair);
   view.stereoPair.FreePair();
   return result;
 }

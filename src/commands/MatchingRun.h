@@ -11,8 +11,8 @@ CommandResult ResultOfMatching(int status);
 // Runs a method of the view's pair, which tells its progress in the message pane.
 CommandResult RunMatching(CCorvaneView& view, int (StereoPair::*method)());
 
-// The same for a method that leaves its photos: if it has pairs, both images are shown with them. Then the
-// photos go.
+// The same for a method that leaves its photos: whatever its result, both images are shown with the pairs
+// that it has. Then the photos go.
 CommandResult RunMatchingWithDisplay(CCorvaneView& view, int (StereoPair::*method)());
 
 // Opens a window on each image and draws the pairs' places over it, numbered with their ids. Nothing happens

@@ -1,5 +1,8 @@
 // "Area (Correlation Coeff)" from its form to its files.
 
+#include <gmock/gmock.h>
+
+#include <filesystem>
 #include <new>
 
 #include "StereoPair/GridFixture.h"
@@ -38,8 +41,8 @@ TEST_F(AreaCorrelationTest, ShiftedImageGivesItsShiftEverywhere) {
   }
   ExpectGround(pairs);
   EXPECT_EQ(LastStatus(),
-            "42 of 54 places matched. Written: GroundPts.log, out.pts (42 points), "
-            "l_GridMatchPair.txt.");
+            "42 of 54 places matched. Beside the right image at this offset: 6 places. Written: "
+            "GroundPts.log, out.pts (42 points), l_GridMatchPair.txt.");  // those of column 3: -15 to 1
 }
 
 TEST_F(AreaCorrelationTest, AsksForFormThenOffset) {
@@ -136,7 +139,8 @@ TEST_F(AreaCorrelationTest, WindowLargerThanLeftImageHasNoPlaces) {
   const PlainImage tiny = RandomImage(5, 5, 21);
   EXPECT_TRUE(ExpectAsPlain(tiny, RandomImage(40, 40, 22), {.width = 9, .height = 9}).empty());
   EXPECT_EQ(LastStatus(),
-            "There is no place to match in the left image. Written: GroundPts.log, l_GridMatchPair.txt.");
+            "The window is larger than the left image: there is no place to match. Written: GroundPts.log, "
+            "l_GridMatchPair.txt. out.pts is not written: there are no points.");
   EXPECT_FALSE(FileExists("out.pts"));
 }
 
@@ -148,7 +152,94 @@ TEST_F(AreaCorrelationTest, SpacingThatIsNoPositiveNumberEndsWithoutPoints) {
     Change([spacing](Form& form) { form.Find("groundSpacing")->value = spacing; });
     EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
     EXPECT_TRUE(pair_.matchPairs.empty());
+    EXPECT_THAT(LastStatus(), testing::StartsWith("The ground spacing is not above 0: "));
   }
+}
+
+TEST_F(AreaCorrelationTest, SpacingBelowAPixelIsTold) {
+  const PlainImage left = RandomImage(20, 12, 43);
+  ExpectAsPlain(left, left, {.step = 0.5, .range = 1, .offset = 0});
+  EXPECT_THAT(LastStatus(), testing::EndsWith(" The ground spacing is below a pixel: places repeat."));
+  ExpectAsPlain(left, left, {.step = 2.0, .range = 1, .offset = 0});
+  EXPECT_THAT(LastStatus(), testing::Not(testing::HasSubstr("repeat")));
+}
+
+TEST_F(AreaCorrelationTest, NegativeMaxDisparityIsTold) {
+  const PlainImage left = RandomImage(60, 40, 44);
+  ExpectAsPlain(left, left, {.range = -1, .offset = 0});
+  EXPECT_THAT(LastStatus(),
+              testing::StartsWith("0 of 24 places matched. Max Disparity is negative: the range "
+                                  "of columns is empty. Written: "));
+}
+
+TEST_F(AreaCorrelationTest, PlacesBesideTheRightImageAreTold) {
+  // Columns 3 to 53 and 100 - 2 more are 101 and beyond: behind column 60, and so are all places.
+  const PlainImage left = RandomImage(60, 40, 45);
+  ExpectAsPlain(left, left, {.range = 2, .offset = 100});
+  EXPECT_THAT(LastStatus(), testing::StartsWith("0 of 24 places matched. Beside the right image at this "
+                                                "offset: 24 places. Written: "));
+}
+
+TEST_F(AreaCorrelationTest, PointsWithoutAPlaceAreTold) {
+  // Photos of one place and no disparity: all rays of partners are parallel.
+  const PlainImage left = RandomImage(60, 40, 46);
+  Store(left, left, 0.0);
+  Answer({.range = 2, .offset = 0});
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
+  EXPECT_THAT(LastStatus(), testing::StartsWith(
+                                "24 of 24 places matched. Without a place (parallel rays, or no numbers): 24 "
+                                "points. Written: GroundPts.log, out.pts (24 points), "));
+  const std::string log = ReadFileBytes("GroundPts.log");
+  EXPECT_THAT(log, testing::StartsWith("nan nan nan 1\n"));
+  EXPECT_THAT(log, testing::Not(testing::HasSubstr("-nan")));
+}
+
+TEST_F(AreaCorrelationTest, ResultThatIsAnotherResultIsRefused) {
+  const PlainImage left = RandomImage(60, 40, 47);
+  Store(left, left);
+  for (const std::string path : {"l_GridMatchPair.txt", "./l_GridMatchPair.txt", "GroundPts.log"}) {
+    ui_.events.clear();
+    Answer({});
+    Change([path](Form& form) { form.Find("matchedPoints")->value = path; });
+    EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kNotWritten);
+    EXPECT_EQ(ui_.EventsWith("message"),
+              std::vector<std::string>{"message warning: Write file " + path +
+                                       " error!\nIt is another result of the command."});
+    EXPECT_TRUE(ui_.EventsWith("value: ").empty());
+    EXPECT_FALSE(FileExists(path));
+  }
+  EXPECT_EQ(pair_.leftPhoto, nullptr);
+  EXPECT_EQ(ui_.waitDepth, 0);
+}
+
+TEST_F(AreaCorrelationTest, LinksToOneResultAreRefused) {
+  const PlainImage left = RandomImage(60, 40, 48);
+  Store(left, left);
+  WriteFileBytes("GroundPts.log", "of before");
+  std::filesystem::create_symlink("GroundPts.log", "out.pts");
+  Answer({});
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kNotWritten);
+  EXPECT_EQ(ReadFileBytes("GroundPts.log"), "of before");
+}
+
+TEST_F(AreaCorrelationTest, EmptyLeftImageFieldNamesNoFile) {
+  WriteFileBytes(".ORN", "of something else");
+  Answer({});
+  Change([](Form& form) { form.Find("leftImage")->value = std::string(); });
+  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kNotLoaded);
+  EXPECT_EQ(ui_.EventsWith("message"),
+            std::vector<std::string>{"message message: Open Left Orientation Parameters File error!"});
+  EXPECT_EQ(LastStatus(), "Left Orientation Parameters File: no file is named.");
+  EXPECT_TRUE(ui_.EventsWith("value: ").empty());
+}
+
+TEST_F(AreaCorrelationTest, NoPointsLeaveAnOlderPointsFile) {
+  const PlainImage flat{40, 30, std::vector<std::uint8_t>(40 * 30, 9)};
+  WriteFileBytes("out.pts", "of before");
+  ExpectAsPlain(flat, flat, {.threshold = 1.0, .offset = 0});
+  EXPECT_THAT(LastStatus(),
+              testing::EndsWith(" out.pts is not written: there are no points. An older one stays."));
+  EXPECT_EQ(ReadFileBytes("out.pts"), "of before");
 }
 
 TEST_F(AreaCorrelationTest, HugeOffsetsAndRanges) {
@@ -178,7 +269,10 @@ TEST_F(AreaCorrelationTest, OffsetBeyond32BitsIsHeldThere) {
 TEST_F(AreaCorrelationTest, ScoreEqualToThresholdIsRejected) {
   const PlainImage flat{40, 30, std::vector<std::uint8_t>(40 * 30, 9)};
   EXPECT_TRUE(ExpectAsPlain(flat, flat, {.threshold = 1.0, .offset = 0}).empty());
-  EXPECT_EQ(LastStatus(), "0 of 12 places matched. Written: GroundPts.log, l_GridMatchPair.txt.");
+  EXPECT_EQ(
+      LastStatus(),
+      "0 of 12 places matched. Written: GroundPts.log, l_GridMatchPair.txt. out.pts is not written: there "
+      "are no points.");
   EXPECT_EQ(ReadFileBytes("GroundPts.log"), "");
 }
 
@@ -307,7 +401,8 @@ TEST_F(AreaCorrelationTest, UnwritableResultFailsAfterTheOthers) {
   EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kNotWritten);
   EXPECT_EQ(ui_.EventsWith("message"),
             std::vector<std::string>{"message warning: Write file no/such/folder.pts error!"});
-  EXPECT_EQ(LastStatus(), "24 of 24 places matched. Written: GroundPts.log, l_GridMatchPair.txt.");
+  EXPECT_THAT(LastStatus(), testing::StartsWith("24 of 24 places matched."));
+  EXPECT_THAT(LastStatus(), testing::EndsWith(" Written: GroundPts.log, l_GridMatchPair.txt."));
   EXPECT_FALSE(ReadFileBytes("l_GridMatchPair.txt").empty());
 }
 
@@ -329,7 +424,8 @@ TEST_F(AreaCorrelationTest, NoPointsPathNoPointsFile) {
   Answer({.range = 2, .offset = 0});
   Change([](Form& form) { form.Find("matchedPoints")->value = std::string(); });
   EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
-  EXPECT_EQ(LastStatus(), "24 of 24 places matched. Written: GroundPts.log, l_GridMatchPair.txt.");
+  EXPECT_THAT(LastStatus(), testing::StartsWith("24 of 24 places matched."));
+  EXPECT_THAT(LastStatus(), testing::EndsWith(" Written: GroundPts.log, l_GridMatchPair.txt."));
 }
 
 TEST_F(AreaCorrelationTest, MemoryThatRunsOutEndsTheMethod) {
@@ -357,6 +453,37 @@ TEST_F(AreaCorrelationTest, GridOnAnOpenPairAppends) {
   EXPECT_EQ(made.pair.groundPoints, nullptr);
   EXPECT_EQ(made.pair.CorrelateGrid(true), 1);
   EXPECT_EQ(made.pair.groundPoints->GetCount(), 24);
+}
+
+TEST_F(AreaCorrelationTest, RowsToEitherSideAreTheRightPhotos) {
+  const PlainImage left = RandomImage(60, 40, 49);
+  const PlainImage right = Shifted(left, 10, 3, 50);  // the partner lies three rows further up
+  const auto score = PlainCorrelation(left, right, 7, 7);
+  const auto search = [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
+    return PlainBest(score, l, r, rect);
+  };
+  for (const int margin : {0, 2, 3, 5}) {
+    VerticalPair made(60, 40, left.bytes, right.bytes);
+    made.left.maxRowDisparity = 9;  // does not count
+    made.right.maxRowDisparity = margin;
+    made.pair.targetWidth = 7;
+    made.pair.targetHeight = 7;
+    made.pair.maxDisparity = 4;
+    made.pair.columnOffset = -10;
+    EXPECT_EQ(made.pair.CorrelateGrid(true), 1);
+    const auto expected = PlainGrid(left, right, {.range = 4, .margin = margin}, search);
+    EXPECT_EQ(expected.empty(), margin < 3);
+    ASSERT_EQ(made.pair.matchPairs.size(), expected.size()) << margin;
+    EXPECT_EQ(made.pair.GetGroundPoints().GetCount(), static_cast<std::int32_t>(expected.size()));
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      const MatchPair& found = made.pair.matchPairs[i];
+      EXPECT_EQ(found.left.y, static_cast<double>(expected[i].left.row));
+      EXPECT_EQ(found.right, (Point2{static_cast<double>(expected[i].right.col),
+                                     static_cast<double>(expected[i].right.row)}));
+      EXPECT_EQ(found.score, expected[i].score);
+      EXPECT_EQ(found.right.y, found.left.y - 3.0);
+    }
+  }
 }
 
 }  // namespace

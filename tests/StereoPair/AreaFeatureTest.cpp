@@ -80,7 +80,9 @@ TEST_F(AreaFeatureTest, OutcomeCountsFeatures) {
   for (const int col : {5, 25, 30}) features[static_cast<std::size_t>(128 + 11 * 50 + col)] = '\1';
   features[128 + 12 * 50 + 20] = '\1';  // no tenth row from 1 on
   ExpectAsPlain(left, left, features, {.threshold = 0.9, .range = 2, .offset = 0});
-  EXPECT_TRUE(LastStatus().starts_with("3 of 3 places matched. Written: GroundPts.log, out.pts (3 points)."));
+  EXPECT_TRUE(
+      LastStatus().starts_with("3 of 3 places matched. Without a place (parallel rays, or no numbers): 3 "
+                               "points. Written: GroundPts.log, out.pts (3 points)."));
 }
 
 TEST_F(AreaFeatureTest, ThresholdStaysThatOfTheCommandBefore) {
@@ -159,7 +161,33 @@ TEST_F(AreaFeatureTest, FeatureFileThatIsCutShortIsZeroThere) {
   EXPECT_TRUE(ExpectAsPlain(left, left, features.substr(0, 100), {.offset = 0}).empty());
   EXPECT_TRUE(LastStatus().ends_with(" l_0X.lan is no image of bytes of the left image's size."));
   EXPECT_TRUE(ExpectAsPlain(left, left, "", {.offset = 0}).empty());
-  EXPECT_EQ(LastStatus().substr(0, 46), "There is no place to match in the left image. ");
+  EXPECT_TRUE(LastStatus().starts_with("There is no feature in the rows 1, 11, 21. Written: "));
+}
+
+TEST_F(AreaFeatureTest, WithoutFeaturesTheRowsAreTold) {
+  const auto outcome = [this](long cols, long rows) {
+    const PlainImage left = RandomImage(cols, rows, 19);
+    Store(left, left);
+    WriteFileBytes("l_0X.lan", std::string(static_cast<std::size_t>(128 + cols * rows), '\0'));
+    Answer({.offset = 0});
+    EXPECT_EQ(pair_.MatchAreaFeatureCC(), StereoPair::kDone);
+    return LastStatus().substr(0, LastStatus().find(" Written"));
+  };
+  EXPECT_EQ(outcome(900, 345), "There is no feature in the rows 3, 13, ..., 333.");  // below 341
+  EXPECT_EQ(outcome(60, 32), "There is no feature in the rows 1, 11, 21.");          // below 31
+  EXPECT_EQ(outcome(60, 20), "There is no feature in the rows 1, 11.");
+  EXPECT_EQ(outcome(60, 9), "There is no feature in the row 1.");
+  EXPECT_EQ(outcome(3, 200),
+            "There is no row to match: they begin at 2, and end before 2.");  // 3 - 1 columns
+}
+
+TEST_F(AreaFeatureTest, FeaturesBesideTheRightImageAreTold) {
+  const PlainImage left = RandomImage(50, 11, 20);
+  std::string features(128 + 50 * 11, '\0');
+  for (const int col : {4, 5, 30}) features[static_cast<std::size_t>(128 + 50 + col)] = '\1';
+  ExpectAsPlain(left, left, features, {.threshold = 0.99, .range = 2, .offset = -7});
+  EXPECT_TRUE(LastStatus().starts_with(
+      "0 of 3 places matched. Beside the right image at this offset: 1 place. Written: "));  // -5 to -1
 }
 
 TEST_F(AreaFeatureTest, FeatureFileOfAnotherSizeIsTold) {
@@ -176,7 +204,8 @@ TEST_F(AreaFeatureTest, MissingFeatureFile) {
   EXPECT_EQ(pair_.MatchAreaFeatureCC(), StereoPair::kNoInput);
   EXPECT_EQ(ui_.EventsWith("message"),
             std::vector<std::string>{"message message: Open file Zero-crossing file(s) error!"});
-  EXPECT_EQ(LastStatus(), "l_0X.lan does not open.");
+  EXPECT_EQ(LastStatus(), "l_0X.lan does not open. Image > Zero Crossing writes it.");
+  EXPECT_TRUE(ui_.EventsWith("value: ").empty()) << "before the offset is asked for";
   EXPECT_EQ(pair_.leftFeatureFile, nullptr);
   EXPECT_EQ(pair_.leftPhoto, nullptr);
   EXPECT_FALSE(FileExists("GroundPts.log"));
@@ -191,6 +220,7 @@ TEST_F(AreaFeatureTest, ResultThatIsTheFeatureFileIsRefused) {
   Change([](Form& form) { form.Find("matchedPoints")->value = std::string("./l_0X.lan"); });
   EXPECT_EQ(pair_.MatchAreaFeatureCC(), StereoPair::kNotWritten);
   EXPECT_EQ(ui_.EventsWith("message").size(), 1U);
+  EXPECT_TRUE(ui_.EventsWith("value: ").empty());
   EXPECT_EQ(ReadFileBytes("l_0X.lan"), features);
 }
 

@@ -270,7 +270,7 @@ TEST(CorrelateDense, SpacingIsCutToWholePixels) {
 }
 
 TEST(CorrelateDense, SpacingBelowOnePixelCountsAsOne) {
-  for (const double spacing : {0.0, 0.4}) {
+  for (const double spacing : {1e-300, 0.4, 0.999}) {
     TexturedPair made;
     made.pair.groundSpacingX = spacing;
     made.pair.groundSpacingY = spacing;
@@ -280,14 +280,18 @@ TEST(CorrelateDense, SpacingBelowOnePixelCountsAsOne) {
   }
 }
 
-TEST(CorrelateDense, NothingMatchesAtASpacingThatIsNone) {
-  for (const double spacing : {-1.0, -0.5, kNaN, -kInfinity}) {
+TEST(CorrelateDense, NothingMatchesAtASpacingThatIsNotAboveZero) {
+  for (const double spacing : {0.0, -0.0, -1.0, -0.5, kNaN, -kInfinity}) {
     TexturedPair made;
-    made.pair.groundSpacingX = spacing;
-    DenseCounts counts;
-    ASSERT_EQ(made.pair.CorrelateDense(&counts), 1);
-    EXPECT_EQ(counts.nPlaces, 0);
-    EXPECT_EQ(CountDisparities(made.pair).size(), 1u) << "all are 0";
+    for (double* const own : {&made.pair.groundSpacingX, &made.pair.groundSpacingY}) {
+      made.pair.groundSpacingX = 1.0;
+      made.pair.groundSpacingY = 1.0;
+      *own = spacing;
+      DenseCounts counts;
+      ASSERT_EQ(made.pair.CorrelateDense(&counts), 1);
+      EXPECT_EQ(counts.nPlaces, 0);
+      EXPECT_EQ(CountDisparities(made.pair).size(), 1u) << "all are 0";
+    }
   }
 }
 
@@ -556,12 +560,25 @@ TEST_F(DenseCommand, ResultThatCannotBeWrittenIsTold) {
   EXPECT_THAT(frontEnd_.events.back(), HasSubstr(" Written: left_MeasureMap.lan."));
 }
 
+TEST_F(DenseCommand, SpacingThatIsNotAboveZeroIsTold) {
+  for (const double spacing : {0.0, -2.0, kNaN}) {
+    frontEnd_.forms = {FilledForm([spacing](Form& form) { form.Find("groundSpacing")->value = spacing; })};
+    frontEnd_.values = {-3.0};
+    EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kDone);
+    EXPECT_EQ(frontEnd_.events.back(),
+              "status 0: There is no place to match in the left image. The ground spacing is not above 0. "
+              "Written: left_DispMap.lan, left_MeasureMap.lan.");
+  }
+}
+
 TEST_F(DenseCommand, NothingToMatchIsTold) {
-  frontEnd_.forms.push_back(FilledForm([](Form& form) { form.Find("groundSpacing")->value = -2.0; }));
+  frontEnd_.forms.push_back(
+      FilledForm([](Form& form) { form.Find("windowWidth")->value = std::int64_t{1000}; }));
   frontEnd_.values = {-3.0};
   EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kDone);
-  EXPECT_THAT(frontEnd_.events.back(), HasSubstr("no place"));
-  EXPECT_TRUE(std::filesystem::exists("left_DispMap.lan"));
+  EXPECT_EQ(frontEnd_.events.back(),
+            "status 0: There is no place to match in the left image. "
+            "Written: left_DispMap.lan, left_MeasureMap.lan.");
 }
 
 TEST_F(DenseCommand, ReadsTheDemOfTheForm) {

@@ -11,13 +11,10 @@ namespace corvane {
 namespace {
 
 // The descriptor by its definition: on the ring at distance k each pixel less the one next to it on the ring
-// at k - 1. Empty without a window in the image.
+// at k - 1. Empty without a middle.
 std::vector<double> PlainDescriptor(const PlainImage& image, const PlainPlace& place, long size) {
   const long half = size / 2;
-  if (size % 2 == 0 || place.col < half || place.row < half || place.col + half >= image.cols ||
-      place.row + half >= image.rows) {
-    return {};
-  }
+  if (size % 2 == 0) return {};
   std::vector<double> values;
   for (long dy = -half; dy <= half; ++dy) {
     for (long dx = -half; dx <= half; ++dx) {
@@ -32,7 +29,6 @@ std::vector<double> PlainDescriptor(const PlainImage& image, const PlainPlace& p
   return values;
 }
 
-// Places without a descriptor never win.
 PlainScore PlainLikeness(const PlainImage& left, const PlainImage& right, long size) {
   return [&left, &right, size](const PlainPlace& l, const PlainPlace& r) {
     const auto a = PlainDescriptor(left, l, size);
@@ -85,9 +81,9 @@ TEST(DescriptorSearchTest, RandomSearchesAreThePlainOnesBitForBit) {
       // The start in the rectangle or beside it, where its place does not lie in the image, or anywhere.
       const PlainPlace start =
           i % 2 == 0 ? PlainPlace{firstCol + upTo(20), firstRow + upTo(3)} : PlainPlace{upTo(60), upTo(35)};
-      const double score = PlainLikeness(left, right, 7)({20, 20}, start);
-      if (score < 0.0) continue;  // see StartMayBeNegative
-      ExpectAsPlain(left, right, {20, 20}, start, 7,
+      // Now and then a left window that leaves its image.
+      const PlainPlace from = i % 4 == 1 ? PlainPlace{upTo(46) - 3, upTo(46) - 3} : PlainPlace{20, 20};
+      ExpectAsPlain(left, right, from, start, 7,
                     {firstCol, firstRow, firstCol + upTo(40), firstRow + upTo(4)});
     }
   }
@@ -143,27 +139,75 @@ TEST(DescriptorSearchTest, CoefficientIsThatOfStructuralFeatures) {
 
 TEST(DescriptorSearchTest, NoDescriptorNoMatch) {
   const PlainImage image = RandomImage(30, 30, 7);
-  const PlainPlace start{14, 15};
-  const ImageRect rect = {10, 14, 20, 16};
-  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 8, rect).score, 0.0);   // an even size
-  EXPECT_EQ(FindIn(image, image, {3, 15}, start, 9, rect).score, 0.0);    // the left window leaves the image
-  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 31, rect).score, 0.0);  // larger than the image
-  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 0, rect).score, 0.0);
-  EXPECT_EQ(FindIn(image, image, {14, 15}, start, -3, rect).score, 0.0);
-  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 9, {26, 14, 40, 16}).score, 0.0);
-  EXPECT_EQ(FindIn(image, image, {14, 15}, start, 8, rect).place, (Point2{14.0, 15.0}));
+  for (const std::int32_t size : {8, 2, 0, -3, -4}) {
+    const Found found = FindIn(image, image, {14, 15}, {14, 15}, size, {10, 14, 20, 16});
+    EXPECT_EQ(found.score, 0.0) << size;
+    EXPECT_EQ(found.place, (Point2{14.0, 15.0})) << size;
+  }
+}
+
+TEST(DescriptorSearchTest, TellsThatEvenWindowsHaveNoDescriptor) {
+  EXPECT_EQ(DescriptorSearch::NoteOn(8), " The window's width is even: there is no descriptor.");
+  EXPECT_EQ(DescriptorSearch::NoteOn(9), "");
+}
+
+TEST(DescriptorSearchTest, WindowsThatLeaveTheImageSeeZerosThere) {
+  // Around (0, 0) the left window sees seven zeros and the other 7.
+  const PlainImage small{2, 1, {7, 7}};
+  const PlainImage framed{4, 3, {0, 0, 0, 0, 0, 7, 7, 0, 0, 0, 0, 0}};
+  EXPECT_EQ(FindIn(small, framed, {0, 0}, {9, 9}, 3, {1, 1, 3, 2}).place, (Point2{1.0, 1.0}));
+  EXPECT_EQ(FindIn(small, framed, {0, 0}, {9, 9}, 3, {1, 1, 3, 2}).score, 1.0);
+  EXPECT_EQ(FindIn(framed, small, {1, 1}, {9, 9}, 3, {0, 0, 4, 4}).place, (Point2{0.0, 0.0}));
+
+  const PlainImage left = RandomImage(30, 30, 7);
+  const PlainImage right = Shifted(left, 4, 1, 20);
+  ExpectAsPlain(left, right, {3, 15}, {4, 15}, 9, {-9, 13, 8, 17});      // beyond the left edge
+  ExpectAsPlain(left, right, {27, 28}, {27, 27}, 9, {20, 20, 36, 36});   // and beyond the others
+  ExpectAsPlain(left, right, {14, 15}, {14, 15}, 31, {10, 14, 20, 16});  // larger than the image
+  ExpectAsPlain(left, right, {14, 15}, {14, 15}, 9, {-20, -20, 50, -3});
+  ExpectAsPlain(left, right, {-50, 15}, {14, 15}, 9, {10, 14, 20, 16});  // nothing but zeros
+}
+
+TEST(DescriptorSearchTest, WindowsFarLargerThanTheImagesEndSoon) {
+  const PlainImage left = RandomImage(50, 40, 21);
+  const PlainImage right = Shifted(left, 4, 1, 22);
+  EXPECT_EQ(FindIn(left, right, {25, 20}, {25, 20}, 2001, {15, 15, 35, 25}).place, (Point2{21.0, 19.0}));
+  ExpectAsPlain(left, right, {25, 20}, {25, 20}, 301, {20, 18, 22, 20});
+}
+
+TEST(DescriptorSearchTest, EndlessRectanglesEndSoon) {
+  constexpr std::int32_t kFar = INT32_MAX;
+  const PlainImage left = RandomImage(8, 6, 23);
+  const PlainImage right = Shifted(left, 2, 1, 24);
+  PlainPlace start{6, 1};
+  const double expected = PlainBest(PlainLikeness(left, right, 5), {4, 3}, start, {-9, -9, 20, 20});
+  const Found found = FindIn(left, right, {4, 3}, {6, 1}, 5, {-kFar, -kFar, kFar, kFar});
+  EXPECT_EQ(found.score, expected);
+  EXPECT_EQ(found.place, (Point2{static_cast<double>(start.col), static_cast<double>(start.row)}));
+  // Places far outside are all alike, so that the first one is the best of them.
+  const PlainImage flat{8, 6, std::vector<std::uint8_t>(48, 0)};
+  EXPECT_EQ(FindIn(flat, right, {4, 3}, {4, 3}, 5, {-kFar, -kFar, kFar, kFar}).place,
+            (Point2{-double{kFar}, -double{kFar}}));
+}
+
+TEST(DescriptorSearchTest, FlatWindowsAreAlike) {
   const PlainImage flat{30, 30, std::vector<std::uint8_t>(900, 5)};
-  EXPECT_EQ(FindIn(flat, flat, {14, 15}, {27, 15}, 9, {26, 14, 40, 16}).score, 0.0);
-  EXPECT_EQ(FindIn(flat, flat, {14, 15}, start, 9, rect).score, 1.0);
+  EXPECT_EQ(FindIn(flat, flat, {14, 15}, {14, 15}, 9, {10, 14, 20, 16}).score, 1.0);
+  // Beyond the edge the window is flat no more.
+  EXPECT_EQ(FindIn(flat, flat, {14, 15}, {27, 15}, 9, {26, 14, 29, 16}).score, 0.0);
 }
 
 TEST(DescriptorSearchTest, StartMayBeNegative) {
-  const PlainImage left = RandomImage(9, 9, 8);
-  PlainImage right = left;
-  for (auto& byte : right.bytes) byte = static_cast<std::uint8_t>(255 - byte);
-  const Found found = FindIn(left, right, {4, 4}, {4, 4}, 9, {0, 0, 8, 8});
-  EXPECT_EQ(found.score, -1.0);  // the only place with a descriptor
-  EXPECT_EQ(found.place, (Point2{4.0, 4.0}));
+  // Grey values that rise to the right, and fall: the coefficient is -1 at all places.
+  PlainImage left{30, 30};
+  PlainImage right{30, 30};
+  for (int i = 0; i < 900; ++i) {
+    left.bytes.push_back(static_cast<std::uint8_t>(5 * (i % 30)));
+    right.bytes.push_back(static_cast<std::uint8_t>(255 - 5 * (i % 30)));
+  }
+  const Found found = FindIn(left, right, {14, 15}, {14, 15}, 9, {13, 14, 15, 16});
+  EXPECT_EQ(found.score, -1.0);
+  EXPECT_EQ(found.place, (Point2{14.0, 15.0}));
 }
 
 TEST(DescriptorSearchTest, StartOnTheRightOrBottomEdgeIsPassedOver) {
@@ -196,8 +240,8 @@ TEST_F(StructuralDescriptorTest, ShiftedImageGivesItsShift) {
   EXPECT_EQ(pairs.size(), 42U);
   ExpectGround(pairs);
   EXPECT_EQ(LastStatus(),
-            "42 of 54 places matched. Written: GroundPts.log, out.pts (42 points), "
-            "l_GridMatchPair.txt.");
+            "42 of 54 places matched. Beside the right image at this offset: 6 places. Written: "
+            "GroundPts.log, out.pts (42 points), l_GridMatchPair.txt.");
   EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.5);
   EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
   EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
@@ -214,6 +258,10 @@ TEST_F(StructuralDescriptorTest, EvenWindowsMatchNothing) {
   const PlainImage left = RandomImage(70, 50, 15);
   EXPECT_TRUE(
       ExpectGridAsPlain(left, left, {.width = 6, .height = 7, .threshold = 0.0, .offset = 0}).empty());
+  EXPECT_EQ(LastStatus(),
+            "0 of 35 places matched. Written: GroundPts.log, l_GridMatchPair.txt. out.pts is not written: "
+            "there are "
+            "no points. The window's width is even: there is no descriptor.");
 }
 
 TEST_F(StructuralDescriptorTest, HugeOffsetsAndRanges) {

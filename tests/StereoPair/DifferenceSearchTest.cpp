@@ -115,7 +115,8 @@ TEST_F(AreaDifferenceTest, ShiftedImageGivesItsShiftWithoutPairs) {
   EXPECT_TRUE(pair_.matchPairs.empty());
   EXPECT_FALSE(FileExists("l_GridMatchPair.txt"));
   EXPECT_EQ(LastStatus(), std::to_string(pairs.size()) +
-                              " of 54 places matched. Written: GroundPts.log, out.pts (" +
+                              " of 54 places matched. Beside the right image at this offset: 6 places. "
+                              "Written: GroundPts.log, out.pts (" +
                               std::to_string(pairs.size()) + " points).");
   EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.5);
   EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);

@@ -97,10 +97,14 @@ TEST_F(EntropyMap, CountsValuesNotBytes) {
   };
   // Values from 256 on, and below 0, fall into no bin.
   for (const Case& c : {Case{kPackUInt16, 20.0}, Case{kPackInt16, -3.0}, Case{kPackFloat, 0.37},
-                        Case{kPackDouble, 11.1}, Case{kPackInt32, 9.0}}) {
+                        Case{kPackDouble, 11.1}, Case{kPackInt32, 9.0}, Case{kPackUInt32, 30.0}}) {
     ErdasImg image = MakeImage(20, 15, c.packType, c.factor);
     ASSERT_EQ(Run(MakeImage(20, 15, c.packType, c.factor), 5.0), StereoPair::kDone);
     ExpectMapOf("photo_EntropyMap.lan", image, 5);
+    EXPECT_EQ(
+        frontEnd_.events.back(),
+        "status 0: Entropies of 5 x 5 pixels. Written: photo_EntropyMap.lan. Values outside of 0 to 255 "
+        "count in no bin.");
   }
 }
 
@@ -158,6 +162,22 @@ TEST_F(EntropyMap, AsksForImageAndSize) {
   EXPECT_EQ(frontEnd_.choosers[0].filter, "Image Files (*.lan)|*.lan|All Files (*.*)|*.*|");
   EXPECT_EQ(frontEnd_.choosers[0].title, "Choose a Image.");
   EXPECT_THAT(frontEnd_.EventsWith("value"), ElementsAre(kPrompt));
+}
+
+TEST_F(EntropyMap, TellsProgressOnceARow) {
+  ASSERT_EQ(Run(MakeImage(12, 6), 3.0), StereoPair::kDone);
+  EXPECT_THAT(frontEnd_.EventsWith("status 0: Done"),
+              ElementsAre("status 0: Done 0% ...", "status 0: Done 25% ...", "status 0: Done 50% ...",
+                          "status 0: Done 75% ..."));
+}
+
+TEST_F(EntropyMap, TellsNoPercentTwice) {
+  ASSERT_EQ(Run(MakeImage(5, 303), 3.0), StereoPair::kDone);
+  const auto told = frontEnd_.EventsWith("status 0: Done");
+  ASSERT_EQ(told.size(), 100u);
+  for (std::size_t i = 0; i < told.size(); ++i) {
+    EXPECT_EQ(told[i], "status 0: Done " + std::to_string(i) + "% ...");
+  }
 }
 
 TEST_F(EntropyMap, CancelledChooserEndsIt) {

@@ -21,6 +21,7 @@ using testing::IsEmpty;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kNone = -128.0;
+constexpr const char* kNotWritten = " The smoothed maps are not written before pass 200. Written: ";
 constexpr int kCols = 34;
 constexpr int kRows = 22;
 
@@ -168,7 +169,8 @@ class ExamTruth : public testing::Test {
     ExpectBytes(*pair_.disparityMap, plain.disparities);
     ExpectBytes(*pair_.measureMap, plain.scores);
     EXPECT_THAT(frontEnd_.events.back(), HasSubstr(" Passes of smoothing: " + std::to_string(nPasses_) +
-                                                   ", updates: " + std::to_string(nUpdates_) + "."));
+                                                   ", updates: " + std::to_string(nUpdates_) + "." +
+                                                   (nPasses_ < 200 ? kNotWritten : " Written: ")));
   }
 
   // A truth of `disparity`, with errors of up to `error` columns; every twentieth pixel or so has none.
@@ -279,7 +281,9 @@ TEST_F(ExamTruth, WithoutADemItEnds) {
   StorePhoto(made.right, "right");
   frontEnd_.forms = {FilledForm()};
   EXPECT_EQ(pair_.ExamTruth(), StereoPair::kNoInput);
-  EXPECT_THAT(frontEnd_.events, ElementsAre("form: MatchInput", "message message: Open DEM file error!"));
+  EXPECT_THAT(frontEnd_.events, ElementsAre("form: MatchInput",
+                                            "status 0: No DEM is named: it is to be the true disparity map.",
+                                            "message message: Open DEM file error!"));
   EXPECT_EQ(pair_.leftPhoto, nullptr);
   EXPECT_EQ(frontEnd_.waitDepth, 0);
   EXPECT_FALSE(std::filesystem::exists("MeasureMap.lan"));
@@ -334,8 +338,50 @@ TEST_F(ExamTruth, WindowLargerThanTheImageMatchesNothing) {
     form.Find("demFile")->value = std::string("truth.lan");
     form.Find("windowHeight")->value = std::int64_t{10000};
   })};
+  pair_.progressWindow = &frontEnd_;
   EXPECT_EQ(pair_.ExamTruth(), StereoPair::kDone);
-  EXPECT_THAT(frontEnd_.events.back(), HasSubstr("no place"));
+  EXPECT_THAT(frontEnd_.EventsWith("status"),
+              ElementsAre("status 0: There is no place to match in the left image. Written: MeasureMap.lan, "
+                          "DispTrueNew.lan, MeasureMap_Disp.lan."));
+}
+
+TEST_F(ExamTruth, WindowWiderThanTheImageTellsNoProgress) {
+  VerticalPair made(kCols, kRows);
+  StorePhoto(made.left, "left");
+  StorePhoto(made.right, "right");
+  Truth(0.0, 0.0, 1).Write("truth.lan");
+  frontEnd_.forms = {FilledForm([](Form& form) {
+    form.Find("demFile")->value = std::string("truth.lan");
+    form.Find("windowWidth")->value = std::int64_t{10000};
+  })};
+  pair_.progressWindow = &frontEnd_;
+  EXPECT_EQ(pair_.ExamTruth(), StereoPair::kDone);
+  EXPECT_EQ(frontEnd_.EventsWith("status").size(), 1u);
+}
+
+// Windows of one pixel are flat and score 1.0, but for a masked score one pixel is too few.
+TEST_F(ExamTruth, MaskedScoreOfOnePixelIsNotAboveThatOfAPixelWithoutTruth) {
+  const auto left = Noise(kCols * kRows, 1);
+  VerticalPair made(kCols, kRows, left, left);
+  StorePhoto(made.left, "left");
+  StorePhoto(made.right, "right");
+  std::vector<double> values(left.size(), 1.0);
+  values[8 * kCols + 9] = kNone;
+  FloatImage(kCols, kRows, values).Write("truth.lan");
+  for (const double threshold : {1.0, std::nextafter(1.0, 2.0)}) {
+    frontEnd_.forms = {FilledForm([threshold](Form& form) {
+      form.Find("demFile")->value = std::string("truth.lan");
+      form.Find("windowWidth")->value = std::int64_t{1};
+      form.Find("windowHeight")->value = std::int64_t{1};
+      form.Find("matchThreshold")->value = threshold;
+    })};
+    ASSERT_EQ(pair_.ExamTruth(), StereoPair::kDone);
+    EXPECT_EQ(PixelAt(*pair_.disparityMap, 8, 9), kNone);
+    EXPECT_EQ(PixelAt(*pair_.measureMap, 8, 9), 0.0);
+    EXPECT_EQ(PixelAt(*pair_.disparityMap, 8, 8), threshold == 1.0 ? 1.0 : kNone);
+    EXPECT_EQ(PixelAt(*pair_.measureMap, 8, 8), 1.0);
+    EXPECT_THAT(frontEnd_.events.back(), HasSubstr("Passes of smoothing: 1, updates: 0."));
+  }
 }
 
 TEST_F(ExamTruth, PublishedTruthOfARectifiedPair) {

@@ -314,6 +314,29 @@ TEST_F(StereoPairLoading, NoNamesAtAll) {
   EXPECT_EQ(empty.LoadDem(), 1);
 }
 
+TEST_F(StereoPairLoading, AnEmptyImagePathNamesNoFile) {
+  WriteFileBytes(".ORN", ReadFileBytes("l.orn"));
+  pair.SetImagePaths("", "r.lan");
+  EXPECT_EQ(pair.leftOrientationPath, "");
+  ExpectFailure("Open Left Orientation Parameters File error!");
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: Left Orientation Parameters File: no file is named."));
+  ui.events.clear();
+  pair.SetImagePaths("l.lan", "");
+  ExpectFailure("Open Right Orientation Parameters File error!");
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: Right Orientation Parameters File: no file is named."));
+}
+
+TEST_F(StereoPairLoading, AnImageWithoutAnExtensionHasNoOrientationBesideIt) {
+  WriteFileBytes(".ORN", ReadFileBytes("l.orn"));
+  pair.SetImagePaths("a.b/left", "r.lan");
+  EXPECT_EQ(pair.leftOrientationPath, "");
+  ExpectFailure("Open Left Orientation Parameters File error!");
+  EXPECT_THAT(ui.EventsWith("status"),
+              ElementsAre("status 0: a.b/left has no extension: the orientation beside it has no name."));
+}
+
 TEST_F(StereoPairLoading, OpenPairForgetsThePairsOfTheMethodBefore) {
   pair.matchPairs.resize(3);
   EXPECT_EQ(pair.OpenPair(), StereoPair::kDone);
@@ -403,6 +426,14 @@ TEST_F(StereoPairGeometry, GroundExtentOfANegativeBase) {
   SetBase(-100.0, 0.0, 7.0);
   // x from -125 to 25
   EXPECT_THAT(Extent(), ElementsAre(875.0, 1869.0, 875.0 + 147.0, 1869.0 + 245.0));
+}
+
+// Its cosine and sine are 0.6 and 0.8: the corners (-25, -+125), (125, -+125) come to (85, -95), (-115, 55),
+// (175, 25), (-25, 175), which are 290 x 270, or 41 x 38 cells of 7.
+TEST_F(StereoPairGeometry, GroundExtentOfAnObliqueBase) {
+  SetBase(60.0, 80.0, 7.0);
+  // 1000.5 - 115 = 885.5: 885, 126 * 7; 2000.5 - 95 = 1905.5: 1905, 272 * 7
+  EXPECT_THAT(Extent(), ElementsAre(882.0, 1904.0, 882.0 + 287.0, 1904.0 + 266.0));
 }
 
 TEST_F(StereoPairGeometry, NegativeCoordinatesAreCutTowardsZero) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "StereoPair/PairMaker.h"
+#include "StereoPair/PlainCoefficient.h"
 #include "erdasimg/PackType.h"
 #include "io/Paths.h"
 #include "support/TempFolder.h"
@@ -72,23 +73,6 @@ struct PlainRect {
 
 // A score of two places, left and right.
 using PlainScore = std::function<double(const PlainPlace&, const PlainPlace&)>;
-
-inline double PlainCoefficient(const std::vector<double>& a, const std::vector<double>& b) {
-  double n = 0.0, sa = 0.0, saa = 0.0, sb = 0.0, sbb = 0.0, sab = 0.0;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    n += 1.0;
-    sa += a[i];
-    saa += a[i] * a[i];
-    sb += b[i];
-    sbb += b[i] * b[i];
-    sab += a[i] * b[i];
-  }
-  const double va = saa - sa * sa / n;
-  const double vb = sbb - sb * sb / n;
-  if (va == 0.0 && vb == 0.0) return 1.0;
-  if (va == 0.0 || vb == 0.0) return 0.0;
-  return (sab - sa * sb / n) / std::sqrt(va * vb);
-}
 
 inline std::vector<double> PlainWindow(const PlainImage& image, const PlainPlace& place, long width,
                                        long height) {
@@ -166,24 +150,26 @@ struct PlainSettings {
   double threshold = 0.75;
   long range = 55;
   long offset = -10;
+  long margin = 1;  // rows to either side
 };
 
 // Finds the partner of a left place, from the right place given on; returns its score.
 using PlainSearch = std::function<double(const PlainPlace&, PlainPlace&, const PlainRect&)>;
 
-// The grid as it is told: columns halfW + j step of the left image, rows halfH + 1 + i step, one row up and
-// down.
+// The grid as it is told: columns halfW + j step of the left image, rows halfH + margin + i step, so many
+// rows up and down.
 inline std::vector<PlainPair> PlainGrid(const PlainImage& left, const PlainImage& right,
                                         const PlainSettings& settings, const PlainSearch& search) {
   std::vector<PlainPair> pairs;
   const long halfW = settings.width / 2;
   const long halfH = settings.height / 2;
   const long nCols = static_cast<long>((left.cols - settings.width) / settings.step + 1.0);
-  const long nRows = static_cast<long>((left.rows - settings.height - 2) / settings.step + 1.0);
+  const long margin = settings.margin;
+  const long nRows = static_cast<long>((left.rows - settings.height - 2 * margin) / settings.step + 1.0);
   for (long i = 0; i < nRows; ++i) {
     for (long j = 0; j < nCols; ++j) {
       const PlainPlace l{static_cast<long>(halfW + j * settings.step),
-                         static_cast<long>(i * settings.step + halfH + 1)};
+                         static_cast<long>(i * settings.step + halfH + margin)};
       long s = l.col + settings.offset;
       long lo = s - settings.range;
       long hi = s + settings.range;
@@ -193,7 +179,7 @@ inline std::vector<PlainPair> PlainGrid(const PlainImage& left, const PlainImage
       if (s < halfW) s = halfW;
       if (s > right.cols - halfW) s = right.cols - halfW;
       PlainPlace r{s, l.row};
-      const double score = search(l, r, {lo, l.row - 1, hi, l.row + 1});
+      const double score = search(l, r, {lo, l.row - margin, hi, l.row + margin});
       if (score > settings.threshold) pairs.push_back({l, r, score});
     }
   }

@@ -51,6 +51,35 @@ TEST(LeftGridTest, StepsOfFractionsAreCut) {
   EXPECT_THAT(Cols(GridOf(21, 21, 0.05)), ElementsAre(9, 9, 10, 10, 11));   // below a pixel: twice each
 }
 
+TEST(LeftGridTest, StepsBelowAPixelRepeatPlaces) {
+  EXPECT_TRUE(GridOf(21, 21, 0.05).RepeatsPlaces());
+  EXPECT_TRUE(GridOf(19, 23, 0.05).RepeatsPlaces()) << "rows alone";
+  EXPECT_FALSE(GridOf(19, 21, 0.05).RepeatsPlaces()) << "one place";
+  EXPECT_FALSE(GridOf(30, 30, 0.1).RepeatsPlaces());
+  EXPECT_FALSE(GridOf(30, 30, 0.15).RepeatsPlaces());
+  EXPECT_FALSE(GridOf(18, 50).RepeatsPlaces()) << "none";
+}
+
+TEST(LeftGridTest, AGridWithoutPlacesSaysWhy) {
+  EXPECT_EQ(GridOf(60, 60).whyNone, "");
+  const std::string none = ": there is no place to match.";
+  for (const double spacing : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(GridOf(60, 60, spacing).whyNone, "The ground spacing is not above 0" + none);
+  }
+  EXPECT_EQ(GridOf(60, 60, 1e308).whyNone, "The ground spacing is too large" + none);
+  EXPECT_EQ(GridOf(18, 60).whyNone, "The window is larger than the left image" + none);
+  EXPECT_EQ(GridOf(60, 18).whyNone, "The window is larger than the left image" + none);
+  EXPECT_EQ(GridOf(60, 20).whyNone, "The rows searched above and below the window leave no place to match.");
+  EXPECT_EQ(GridOf(60, 60, 1.0, 19, -1).whyNone, "The row tolerance is negative" + none);
+  for (const double spacing : {1e-3, 1e-300}) {
+    EXPECT_EQ(GridOf(1019, 1021, spacing).whyNone,
+              "The ground spacing makes more than 2147483647 places: none of them is matched.");
+  }
+  VerticalPair made(60, 60);
+  made.left.pixelSizeY = 0.0;
+  EXPECT_EQ(made.pair.GetLeftGrid().whyNone, "The left orientation's pixel size is no number above 0" + none);
+}
+
 TEST(LeftGridTest, ColumnsAndRowsHaveStepsOfTheirOwn) {
   VerticalPair made(30, 60);
   made.left.pixelSizeX = 0.5;

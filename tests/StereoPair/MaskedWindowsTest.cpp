@@ -62,6 +62,18 @@ TEST(MaskedWindows, OnePixelScoresZero) {
   EXPECT_NEAR(std::abs(score), 1.0, 1e-12) << "two points lie on a line";
 }
 
+TEST(MaskedWindows, WindowOfOnePixelScoresZeroEvenIfItIsFlat) {
+  const VerticalPair made(5, 3, std::vector<std::uint8_t>(15, 9), std::vector<std::uint8_t>(15, 9));
+  const ErdasImg map = FloatImage(5, 3, std::vector<double>(15, 0.0));
+  EXPECT_EQ(MaskedWindows(made.left.image, made.right.image, map, 1, 1).CompareMasked(1, 2, 0.0), 0.0);
+  EXPECT_EQ(MaskedWindows(made.left.image, made.right.image, map, 1, 1).CompareMasked(1, 2, kNone), 0.0);
+  // Two pixels are enough.
+  EXPECT_EQ(MaskedWindows(made.left.image, made.right.image, map, 2, 1).CompareMasked(1, 2, 0.0), 1.0);
+  EXPECT_EQ(MaskedWindows(made.left.image, made.right.image, map, 2, 1).CompareMasked(1, 2, kNone), 0.0);
+  EXPECT_EQ(MaskedWindows(made.left.image, made.right.image, map, 2, 1).CompareMasked(1, 2, 100.0), 0.0)
+      << "only the right ones differ: 9 and 0";
+}
+
 TEST(MaskedWindows, WithoutAFiniteNumberThereIsNoDisparity) {
   EXPECT_TRUE(IsDisparity(0.0));
   EXPECT_TRUE(IsDisparity(-127.9));

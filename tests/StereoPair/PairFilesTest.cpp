@@ -160,6 +160,7 @@ TEST_F(PairFiles, AnEmptyLineEndsPointsAlone) {
   EXPECT_EQ(left.nPoints, 1);
   EXPECT_EQ(right.nPoints, 1);
   EXPECT_EQ(lines.stopLine, 2);
+  EXPECT_TRUE(lines.stopIsEmpty);
   EXPECT_EQ(lines.nLeftOut, 0);
 }
 
@@ -169,6 +170,7 @@ TEST_F(PairFiles, ALineOfWordsEndsPointsAlone) {
   ReadPoints(text);
   EXPECT_EQ(left.nPoints, 1);
   EXPECT_EQ(lines.stopLine, 3);
+  EXPECT_FALSE(lines.stopIsEmpty);
   EXPECT_EQ(lines.nLeftOut, 1);
 }
 
@@ -184,11 +186,14 @@ TEST_F(PairFiles, AFirstLineOfOneColumnLeavesNothing) {
   ReadPoints(text);
   EXPECT_EQ(left.nPoints, 0);
   EXPECT_EQ(lines.nLeftOut, 2);
+  EXPECT_EQ(lines.nColumns, 1);
 }
 
 TEST_F(PairFiles, ColumnsBeyondTheSixthHaveNoMeaning) {
   EXPECT_THAT(Read("1 2 3 4 5 6 7\n1 2 3 4 5 6 x\n"),
               ElementsAre(MatchPair{1, {3, 2}, {5, 4}, 6}, MatchPair{1, {3, 2}, {5, 4}, 6}));
+  ReadPoints("1 2 3 4 5 6 7 8\n");
+  EXPECT_EQ(lines.nColumns, 8);
 }
 
 TEST_F(PairFiles, OnlyTheFirst255CharactersOfTheFirstLineCount) {
@@ -292,6 +297,17 @@ TEST_F(PairWriting, LinesAreIdRowColumnRowColumnScore) {
   EXPECT_EQ(ReadFileBytes("out.txt"),
             "0, 10.500000, 20.250000, 30.000000, -40.000000, 0.123457\n"
             "-7, inf, nan, 0.000000, 0.000000, -1.000000\n");
+}
+
+TEST_F(PairWriting, NumbersThatAreNoneHaveNoSign) {
+  const double negative = std::copysign(kNaN, -1.0);
+  const std::vector<MatchPair> pairs = {{3, {negative, kNaN}, {kNaN, negative}, negative}};
+  EXPECT_EQ(StereoPair::WritePairs("out.txt", pairs, 0, 1), 1);
+  EXPECT_EQ(ReadFileBytes("out.txt"), "3, nan, nan, nan, nan, nan\n");
+  StereoPair pair;
+  pair.GetGroundPoints().AddPoint({0, negative, kNaN, negative, 0.5});
+  EXPECT_EQ(pair.WriteGroundLog("out.log"), 1);
+  EXPECT_EQ(ReadFileBytes("out.log"), "nan nan nan 0.5\n");
 }
 
 TEST_F(PairWriting, EveryStepthFromTheStart) {
@@ -402,6 +418,24 @@ TEST_F(GroundFiles, PointsAreSortedByYThenX) {
   EXPECT_EQ(pair.groundPoints->GetPoint(0)->id, 2) << "ids go along";
   EXPECT_EQ(pair.groundPoints->minZ, 10);
   EXPECT_EQ(pair.groundPoints->maxZ, 30);
+}
+
+TEST_F(GroundFiles, PointsOfOnePlaceStayInTheirOrder) {
+  // More of them than a sort would leave in order by chance, between two other places.
+  for (int i = 0; i < 100; ++i) {
+    Add(7, 7, 100 + i, i);
+    Add(i % 2 == 0 ? 6 : 8, 7, i, i);
+  }
+  EXPECT_EQ(pair.SaveGroundPoints("a.pts"), 1);
+  for (std::int32_t i = 0; i < 100; ++i) {
+    const PointRecord& point = *pair.groundPoints->GetPoint(50 + i);
+    EXPECT_EQ(point.x, 7);
+    EXPECT_EQ(point.value, i);
+  }
+  for (std::int32_t i = 0; i < 50; ++i) {
+    EXPECT_EQ(pair.groundPoints->GetPoint(i)->value, 2 * i);
+    EXPECT_EQ(pair.groundPoints->GetPoint(150 + i)->value, 2 * i + 1);
+  }
 }
 
 TEST_F(GroundFiles, NumbersThatAreNotFiniteComeLast) {

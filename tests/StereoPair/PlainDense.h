@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "StereoPair/PairMaker.h"
+#include "StereoPair/PlainCoefficient.h"
 #include "support/TestFrontEnd.h"
 
 namespace corvane {
@@ -21,23 +21,6 @@ inline double ByteAt(const ErdasImg& image, std::int64_t row, std::int64_t col) 
   const auto bytes = image.GetBands().GetBand(0);
   const auto index = static_cast<std::size_t>(row * cols + col);
   return index < bytes.size() ? bytes[index] : 0.0;
-}
-
-inline double PlainCoefficient(const std::vector<double>& a, const std::vector<double>& b) {
-  const double n = static_cast<double>(a.size());
-  double sL = 0.0, sLL = 0.0, sR = 0.0, sRR = 0.0, sLR = 0.0;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    sL += a[i];
-    sLL += a[i] * a[i];
-    sR += b[i];
-    sRR += b[i] * b[i];
-    sLR += a[i] * b[i];
-  }
-  const double vL = sLL - sL * sL / n;
-  const double vR = sRR - sR * sR / n;
-  if (vL == 0.0 && vR == 0.0) return 1.0;
-  if (vL == 0.0 || vR == 0.0) return 0.0;
-  return (sLR - sL * sR / n) / std::sqrt(vL * vR);
 }
 
 // The windows that begin at these pixels.

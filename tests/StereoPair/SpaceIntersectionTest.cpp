@@ -162,27 +162,64 @@ TEST_F(SpaceIntersection, ASecondRunAppendsWithIdsThatRepeat) {
 
 TEST_F(SpaceIntersection, NoPairNoPointsFile) {
   for (const char* const text : {"", "no pairs here\n1, 2, 3, 4, 5, 6\n"}) {
-    EXPECT_EQ(Run(text), StereoPair::kDone);
-    EXPECT_THAT(LastStatus(), HasSubstr("The file holds no pair, and no points are written."));
+    EXPECT_EQ(Run(text), StereoPair::kNoInput);
+    EXPECT_THAT(LastStatus(),
+                HasSubstr("The file holds no pair. pairs.pts is not written: there are no points."));
     EXPECT_FALSE(std::filesystem::exists("pairs.pts"));
   }
   EXPECT_THAT(LastStatus(), HasSubstr("Reading ended at line 1, which begins with no number."));
+}
+
+TEST_F(SpaceIntersection, NoPairLeavesAnOlderPointsFile) {
+  WriteFileBytes("pairs.pts", "of before");
+  EXPECT_EQ(Run(""), StereoPair::kNoInput);
+  EXPECT_EQ(LastStatus(),
+            "status 0: The file holds no pair. pairs.pts is not written: there are no points. An older one "
+            "stays.");
+  EXPECT_EQ(ReadFileBytes("pairs.pts"), "of before");
+}
+
+TEST_F(SpaceIntersection, AFirstLineOfFewFieldsIsTold) {
+  EXPECT_EQ(Run(std::string("1, 2, 3\n") + kTwoPairs), StereoPair::kNoInput);
+  EXPECT_EQ(LastStatus(),
+            "status 0: The file holds no pair. pairs.pts is not written: there are no points. Left out: 3 "
+            "lines without a pair. The first line decides on separator and columns, and has 3 fields.");
+  EXPECT_EQ(Run(std::string("2\n") + kTwoPairs), StereoPair::kNoInput);
+  EXPECT_THAT(LastStatus(), HasSubstr(" and has 1 field."));
+}
+
+TEST_F(SpaceIntersection, ColumnsThatAreNotReadAreTold) {
+  EXPECT_EQ(Run("0 50 50 50 40 1 7 8\n"), StereoPair::kDone);
+  EXPECT_EQ(LastStatus(),
+            "status 0: 1 pair intersected. Written: pairs.pts (1 point). Of 8 columns six are read.");
+}
+
+TEST_F(SpaceIntersection, PartsOfScansAreTold) {
+  made.left.image.GetHeader()->xStart = 30;
+  EXPECT_EQ(Run(kTwoPairs), StereoPair::kDone);
+  EXPECT_EQ(LastStatus(),
+            "status 0: 2 pairs intersected. Written: pairs.pts (2 points). The origins of the images are not "
+            "added.");
+  EXPECT_NEAR(pair.groundPoints->GetPoint(0)->x, 1020.0, 1e-6);
+  made.left.image.GetHeader()->xStart = 0;
+  made.right.image.GetHeader()->yStart = -1;
+  EXPECT_EQ(Run(kTwoPairs), StereoPair::kDone);
+  EXPECT_THAT(LastStatus(), HasSubstr("The origins of the images are not added."));
 }
 
 TEST_F(SpaceIntersection, WhatIsLeftOutIsTold) {
   EXPECT_EQ(Run(std::string(kTwoPairs) + "1, 2, 3\n\n" + kTwoPairs), StereoPair::kDone);
   EXPECT_EQ(LastStatus(),
             "status 0: 2 pairs intersected. Written: pairs.pts (2 points). Left out: 1 line without a pair. "
-            "Reading "
-            "ended at line 4, which begins with no number.");
+            "Reading ended at line 4, which is empty.");
 }
 
 TEST_F(SpaceIntersection, ParallelRaysAreTold) {
   EXPECT_EQ(Run("0, 50, 50, 50, 40, 1\n1, 50, 50, 50, 50, 1\n"), StereoPair::kDone);
   EXPECT_EQ(
       LastStatus(),
-      "status 0: 2 pairs intersected. Without a place, of parallel rays: 1 point. Written: pairs.pts (2 "
-      "points).");
+      "status 0: 2 pairs intersected. Without a place (parallel rays, or no numbers): 1 point. Written: "
+      "pairs.pts (2 points).");
 }
 
 // A place that both photos show, with its ground point.

@@ -1,5 +1,7 @@
 // "Two-Way Match" from its form to its files.
 
+#include <gmock/gmock.h>
+
 #include <map>
 
 #include "StereoPair/GridFixture.h"
@@ -84,8 +86,9 @@ TEST_F(TwoWayTest, ShiftedImageKeepsAllPairs) {
   EXPECT_EQ(ways.both.size(), 42U);
   ExpectGround(ways.both);
   EXPECT_EQ(LastStatus(),
-            "42 of 54 places matched. 42 of them matched both ways. Written: GroundPts.log, "
-            "l_GridMatchPair.txt, l_GridMatchPair2Way.txt, out.pts (42 points).");
+            "42 of 54 places matched. 42 of them matched both ways. Beside the right image at this offset: 6 "
+            "places. Written: GroundPts.log, l_GridMatchPair.txt, l_GridMatchPair2Way.txt, out.pts (42 "
+            "points).");
   EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.75);
   EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
   EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
@@ -111,6 +114,11 @@ TEST_F(TwoWayTest, EvenWindowsAreNotMatchedBack) {
   ASSERT_FALSE(ways.both.empty());
   EXPECT_LT(ways.both.size(), ways.there.size());
   for (const PlainPair& pair : ways.both) EXPECT_GT(pair.left.col, 42);
+  const auto nEven = std::count_if(ways.there.begin(), ways.there.end(), [&left](const PlainPair& pair) {
+    return PlainEntropy(left, pair.left, 7, 7) < 3.0;
+  });
+  EXPECT_THAT(LastStatus(), testing::HasSubstr(" Left out for lack of texture (entropy below 3.0): " +
+                                               std::to_string(nEven) + " pairs."));
 }
 
 TEST_F(TwoWayTest, BackMatchOneColumnAsidePasses) {
@@ -139,12 +147,42 @@ TEST_F(TwoWayTest, BackMatchOneColumnAsidePasses) {
   }
 }
 
-TEST_F(TwoWayTest, BackMatchInAnotherRowPasses) {
+TEST_F(TwoWayTest, PartnerInAnotherRowLeadsBack) {
   // The rows of the right image lie one further down there: found at row + 1, and back at row.
   const PlainImage left = RandomImage(60, 40, 9);
   const Ways ways = ExpectAsPlain(left, Shifted(left, 10, -1, 10), {.range = 2});
   ASSERT_FALSE(ways.both.empty());
   for (const PlainPair& pair : ways.both) EXPECT_EQ(pair.right.row - pair.left.row, 1);
+}
+
+TEST_F(TwoWayTest, BackMatchInAnotherRowPasses) {
+  // The one part of the right image that is no noise is the window around (14, 15). It shows the smooth left
+  // image around (24, 16): it is the best partner of (24, 15), but leads back to row 16.
+  PlainImage left{50, 40};
+  for (int i = 0; i < 50 * 40; ++i) {
+    const double x = i % 50;
+    const double y = i / 50;
+    left.bytes.push_back(
+        static_cast<std::uint8_t>(125.0 + 60.0 * std::sin(0.3 * x) + 40.0 * std::sin(0.3 * y)));
+  }
+  PlainImage right = RandomImage(50, 40, 7, 2);
+  for (auto& byte : right.bytes) byte = static_cast<std::uint8_t>(byte * 255);
+  for (long row = 11; row <= 19; ++row) {
+    for (long col = 10; col <= 18; ++col) {
+      right.bytes[static_cast<std::size_t>(row * 50 + col)] =
+          static_cast<std::uint8_t>(left.At(row + 1, col + 10));
+    }
+  }
+  const Ways ways = ExpectAsPlain(left, right, {.width = 9, .height = 9, .threshold = 0.9, .range = 4});
+  ASSERT_EQ(ways.there.size(), 1U);
+  EXPECT_EQ(ways.there[0].left.row, 15);
+  EXPECT_EQ(ways.there[0].right.row, 15);
+  EXPECT_EQ(ways.there[0].right.col, 14);
+  PlainPlace back{24, 15};
+  EXPECT_EQ(PlainBest(PlainCorrelation(right, left, 9, 9), {14, 15}, back, {20, 14, 28, 16}), 1.0);
+  EXPECT_EQ(back.col, 24);
+  EXPECT_EQ(back.row, 16) << "not the row that it began in";
+  EXPECT_EQ(ways.both.size(), 1U);
 }
 
 TEST_F(TwoWayTest, NoPairsEndsAfterTheWayThere) {
@@ -153,7 +191,26 @@ TEST_F(TwoWayTest, NoPairsEndsAfterTheWayThere) {
   EXPECT_TRUE(ways.there.empty());
   EXPECT_FALSE(FileExists("l_GridMatchPair2Way.txt"));
   EXPECT_FALSE(FileExists("out.pts"));
-  EXPECT_EQ(LastStatus(), "0 of 24 places matched. Written: GroundPts.log, l_GridMatchPair.txt.");
+  EXPECT_EQ(
+      LastStatus(),
+      "0 of 24 places matched. Beside the right image at this offset: 4 places. Written: GroundPts.log, "
+      "l_GridMatchPair.txt. out.pts is not written: there are no points. l_GridMatchPair2Way.txt is not "
+      "written: no pair is left.");
+}
+
+TEST_F(TwoWayTest, NoPairsWithoutAPathLeaveAnOlderFile) {
+  const PlainImage left = RandomImage(60, 40, 11);
+  Store(left, RandomImage(60, 40, 12));
+  WriteFileBytes("l_TwoWay.pts", "of before");
+  WriteFileBytes("l_GridMatchPair2Way.txt", "of before");
+  Answer({.range = 3});
+  Change([](Form& form) { form.Find("matchedPoints")->value = std::string(); });
+  EXPECT_EQ(pair_.MatchTwoWay(), StereoPair::kDone);
+  EXPECT_THAT(
+      LastStatus(),
+      testing::EndsWith(" l_GridMatchPair2Way.txt is not written: no pair is left. An older one stays."
+                        " l_TwoWay.pts is not written: no pair is left. An older one stays."));
+  EXPECT_EQ(ReadFileBytes("l_TwoWay.pts"), "of before");
 }
 
 TEST_F(TwoWayTest, NoneLeftWritesNoSecondPairFile) {
@@ -164,6 +221,9 @@ TEST_F(TwoWayTest, NoneLeftWritesNoSecondPairFile) {
   EXPECT_FALSE(FileExists("l_GridMatchPair2Way.txt"));
   EXPECT_FALSE(FileExists("out.pts"));
   EXPECT_EQ(ReadFileBytes("GroundPts.log"), "");
+  EXPECT_THAT(LastStatus(),
+              testing::EndsWith("Written: GroundPts.log, l_GridMatchPair.txt. out.pts is not written: there "
+                                "are no points. l_GridMatchPair2Way.txt is not written: no pair is left."));
 }
 
 TEST_F(TwoWayTest, WithoutPathPointsGoBesideTheLeftImage) {
@@ -190,6 +250,7 @@ TEST_F(TwoWayTest, GroundPointsTakeCoordinatesAsTheyAreAndCountOn) {
     pairs.push_back({{col, row}, {col - 10, row}, pair.score});
   }
   ASSERT_FALSE(pairs.empty());
+  EXPECT_THAT(LastStatus(), testing::HasSubstr(" The origins of the images are not added."));
   ExpectGround(pairs, 10.0, {}, {}, 1);
   const std::vector<std::int32_t> ids = SortedIds();
   for (std::size_t i = 0; i < ids.size(); ++i) EXPECT_EQ(ids[i], static_cast<std::int32_t>(i));
@@ -247,6 +308,19 @@ TEST_F(TwoWayTest, ResultThatIsAnInputIsRefused) {
   EXPECT_EQ(pair_.MatchTwoWay(), StereoPair::kNotWritten);
   EXPECT_FALSE(FileExists("GroundPts.log"));
   EXPECT_EQ(pair_.leftPhoto, nullptr);
+}
+
+TEST_F(TwoWayTest, ResultThatIsAnotherResultIsRefused) {
+  const PlainImage left = RandomImage(60, 40, 24);
+  Store(left, left);
+  for (const std::string path : {"l_GridMatchPair2Way.txt", "l_GridMatchPair.txt", "GroundPts.log"}) {
+    Answer({});
+    Change([path](Form& form) { form.Find("matchedPoints")->value = path; });
+    EXPECT_EQ(pair_.MatchTwoWay(), StereoPair::kNotWritten);
+    EXPECT_EQ(ui_.EventsWith("message").back(),
+              "message warning: Write file " + path + " error!\nIt is another result of the command.");
+    EXPECT_FALSE(FileExists(path));
+  }
 }
 
 TEST_F(TwoWayTest, TellsProgressOnceARowOnBothWays) {

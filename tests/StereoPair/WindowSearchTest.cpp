@@ -41,6 +41,31 @@ double PlainValue(const StereoPair& pair, const Case& given, double col, double 
   return PlainCoefficient(a, b);
 }
 
+// The same for windows far larger than the images: what is outside of them is 0 and adds nothing to the sums.
+double PlainValueOfHugeWindow(const StereoPair& pair, const Case& given, double col, double row) {
+  const double n = static_cast<double>(given.width) * given.height;
+  const std::int64_t down = CornerOf(given.left.y, given.height) - CornerOf(row, given.height);
+  const std::int64_t across = CornerOf(given.left.x, given.width) - CornerOf(col, given.width);
+  double a = 0.0, aa = 0.0, b = 0.0, bb = 0.0, ab = 0.0;
+  const auto [cols, rows] = pair.rightImage->GetSize();
+  for (int y = 0; y < rows; ++y) {
+    for (int x = 0; x < cols; ++x) {  // all lie in the windows, and those of the left image, as large, too
+      const double left = ByteAt(*pair.leftImage, y, x);
+      const double right = ByteAt(*pair.rightImage, y, x);
+      a += left;
+      aa += left * left;
+      b += right;
+      bb += right * right;
+      ab += ByteAt(*pair.leftImage, y + down, x + across) * right;
+    }
+  }
+  const double va = aa - a * a / n;
+  const double vb = bb - b * b / n;
+  return (ab - a * b / n) / std::sqrt(va * vb);
+}
+
+using PlainValueOf = double (*)(const StereoPair&, const Case&, double col, double row);
+
 struct Found {
   double best = 0.0;
   double second = std::numeric_limits<double>::lowest();
@@ -57,19 +82,19 @@ struct Found {
   }
 };
 
-Found PlainSearch(const StereoPair& pair, const Case& given) {
+Found PlainSearch(const StereoPair& pair, const Case& given, PlainValueOf valueOf = PlainValue) {
   const ImageRect& rect = given.rect;
   Found found;
   found.place = given.right;
   const auto x = static_cast<int>(given.right.x);
   const auto y = static_cast<int>(given.right.y);
   if (x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom) {
-    found.best = PlainValue(pair, given, given.right.x, given.right.y);
+    found.best = valueOf(pair, given, given.right.x, given.right.y);
   }
   for (int row = rect.top; row <= rect.bottom; ++row) {
     for (int col = rect.left; col <= rect.right; ++col) {
       const Point2 place{static_cast<double>(col), static_cast<double>(row)};
-      if (place != given.right) found.Take(PlainValue(pair, given, place.x, place.y), place);
+      if (place != given.right) found.Take(valueOf(pair, given, place.x, place.y), place);
     }
   }
   return found;
@@ -100,8 +125,8 @@ std::string TextOf(const Case& given) {
          std::to_string(given.rect.right) + " " + std::to_string(given.rect.bottom);
 }
 
-void ExpectSearch(StereoPair& pair, const Case& given) {
-  const Found expected = PlainSearch(pair, given);
+void ExpectSearch(StereoPair& pair, const Case& given, PlainValueOf valueOf = PlainValue) {
+  const Found expected = PlainSearch(pair, given, valueOf);
   Point2 right = given.right;
   const double best = pair.SearchCorrelation(given.left, right, given.width, given.height, given.rect, false);
   EXPECT_EQ(BitsOf(best), BitsOf(expected.best)) << best << " " << expected.best << " " << TextOf(given);
@@ -209,6 +234,14 @@ TEST(WindowSearch, OfLongAndLargeWindowsFindsWhatThePlainSearchFinds) {
                                  .height = height,
                                  .rect = {345, 149, 352, 151}});
     }
+    // Large windows that leave the image: by half, and to the left and above by all but a pixel, or wholly
+    for (const ImageRect& rect : {ImageRect{690, 279, 694, 281}, ImageRect{-136, -131, -133, -129}}) {
+      ExpectSearch(photos.pair, {.left = {350.0, 150.0},
+                                 .right = {rect.left + 1.0, rect.top + 1.0},
+                                 .width = 270,
+                                 .height = 260,
+                                 .rect = rect});
+    }
     // More places in a row than one strip has, with the image's ends among them
     ExpectSearch(photos.pair, {.left = {350.0, 150.0},
                                .right = {600.0, 151.0},
@@ -216,6 +249,38 @@ TEST(WindowSearch, OfLongAndLargeWindowsFindsWhatThePlainSearchFinds) {
                                .height = 2,
                                .rect = {-20, 150, 720, 151}});
   }
+}
+
+TEST(WindowSearch, OfWindowsFarLargerThanTheImagesEndsSoon) {
+  for (const SimdVersion version : AvailableSimdVersions()) {
+    const ForcedSimdVersion forced(version);
+    VerticalPair photos(50, 40, Noise(50 * 40, 1), Moved(Noise(50 * 40, 1), 50, 2, -7));
+    ExpectSearch(photos.pair,
+                 {.left = {25.0, 20.0},
+                  .right = {20.0, 20.0},
+                  .width = 5001,
+                  .height = 5001,
+                  .rect = {-30, 10, 80, 30}},
+                 PlainValueOfHugeWindow);
+    Point2 right{20.0, 20.0};
+    photos.pair.SearchCorrelation({25.0, 20.0}, right, 5001, 5001, {-30, 10, 80, 30}, false);
+    EXPECT_EQ(right, (Point2{18.0, 22.0}));
+  }
+}
+
+TEST(WindowSearch, WithoutAnyRangeComparesOnlyTheStartPlace) {
+  // The place beside the start would be a perfect match.
+  VerticalPair photos(30, 20, Noise(30 * 20, 1), Moved(Noise(30 * 20, 1), 30, 0, 1));
+  photos.pair.targetWidth = 5;
+  photos.pair.targetHeight = 3;
+  Point2 right{14.0, 9.0};
+  const double value = photos.pair.CompareWindows({14.0, 9.0}, right, true, 5, 3, false);
+  EXPECT_LT(value, 0.9);
+  EXPECT_EQ(photos.pair.SearchCorrelationInWindow({14.0, 9.0}, right, 0, 0), value);
+  EXPECT_EQ(right, (Point2{14.0, 9.0}));
+  // In a rectangle of one place that is its right and bottom edge, which the walk passes over, too.
+  EXPECT_EQ(photos.pair.SearchCorrelation({14.0, 9.0}, right, 5, 3, {14, 9, 14, 9}, false), 0.0);
+  EXPECT_EQ(right, (Point2{14.0, 9.0}));
 }
 
 TEST(WindowSearch, OfManyRowsFindsTheFirstOfEqualPlaces) {
@@ -341,6 +406,9 @@ TEST(CompareWindows, WithoutExtractionTakesTheLeftWindowThatIsKept) {
   EXPECT_NEAR(pair.CompareWindows({2.0, 1.0}, {2.0, 1.0}, true, 3, 3, false), 1.0, 1e-12);
   EXPECT_NEAR(pair.CompareWindows({6.0, 1.0}, {2.0, 1.0}, false, 3, 3, false), 1.0, 1e-12);
   EXPECT_EQ(pair.CompareWindows({6.0, 1.0}, {2.0, 1.0}, false, 3, 2, false), -1.0);
+  // One of no size is none, and the one before it is gone.
+  EXPECT_EQ(pair.CompareWindows({2.0, 1.0}, {2.0, 1.0}, true, 0, 3, false), -1.0);
+  EXPECT_EQ(pair.CompareWindows({2.0, 1.0}, {2.0, 1.0}, false, 3, 3, false), -1.0);
 }
 
 TEST(CompareWindows, EvenWindowsBeginHalfTheirSizeBeforeThePlace) {

@@ -142,7 +142,16 @@ TEST_F(MatchingCommandsTest, AMethodWithDisplayShowsItsPairsAndLetsThePhotosGo) 
 
   ui.events.clear();
   EXPECT_EQ(RunMatchingWithDisplay(view, &StereoPair::InitGeometry), CommandResult::Cancelled);  // -1
-  EXPECT_THAT(OpenedWindows(), IsEmpty());
+  EXPECT_THAT(OpenedWindows(), IsEmpty()) << "the photos are gone";
+}
+
+TEST_F(MatchingCommandsTest, AMethodWithDisplayShowsItsPairsWhateverItsResult) {
+  LoadPairWith(kTwoPairs);
+  ASSERT_EQ(Pair().dem, nullptr);
+  CCorvaneView& view = *app.GetMainFrame().GetTinView();
+  EXPECT_EQ(RunMatchingWithDisplay(view, &StereoPair::ExtentFromDem), CommandResult::Cancelled);  // -1
+  EXPECT_EQ(OpenedWindows().size(), 2U);
+  EXPECT_EQ(Pair().leftPhoto, nullptr);
 }
 
 TEST_F(MatchingCommandsTest, TestReadsTheFileOfItsRoutine) {
