@@ -36,9 +36,7 @@ PairFormat FormatOf(std::string_view firstLine) {
   PairFormat format;
   format.nColumns = static_cast<std::size_t>(CountFields(firstLine));
   if (format.nColumns <= 1) return format;
-  TextScanner scanner(firstLine);
-  double number = 0.0;
-  format.hasCommas = scanner.ScanDouble(number) && scanner.MatchLiteral(',') && scanner.ScanDouble(number);
+  format.hasCommas = HasCommas(firstLine);
   return format;
 }
 

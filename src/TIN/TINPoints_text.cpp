@@ -71,9 +71,7 @@ RecordFormat FormatOf(std::string_view firstLine) {
   const int nFields = CountFields(firstLine);
   if (nFields >= 4) format.nNumbers = 4;
   if (nFields <= 1) return format;
-  TextScanner scanner(firstLine);
-  double number = 0.0;
-  format.hasCommas = scanner.ScanDouble(number) && scanner.MatchLiteral(',') && scanner.ScanDouble(number);
+  format.hasCommas = HasCommas(firstLine);
   return format;
 }
 

@@ -298,4 +298,10 @@ int CountFields(std::string_view line, std::string_view separators) {
   return count;
 }
 
+bool HasCommas(std::string_view line) {
+  TextScanner scanner(line);
+  double number = 0.0;
+  return scanner.ScanDouble(number) && scanner.MatchLiteral(',') && scanner.ScanDouble(number);
+}
+
 }  // namespace corvane

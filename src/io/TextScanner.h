@@ -60,4 +60,7 @@ std::string_view FirstLine(std::string_view text, std::size_t bufferSize = 256);
 // The number of fields in a line, fields being what strtok finds between the given separators.
 int CountFields(std::string_view line, std::string_view separators = " ,\t\n");
 
+// Whether a line begins with two numbers and a comma between them: "%lf,%lf".
+bool HasCommas(std::string_view line);
+
 }  // namespace corvane

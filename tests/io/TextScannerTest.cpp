@@ -345,5 +345,15 @@ TEST(TextScanner, WordOfAWidthLeavesTheRest) {
   EXPECT_TRUE(scanner.AtEnd());
 }
 
+TEST(TextScanner, ALineHasCommasIfItBeginsWithTwoNumbersAndOneBetween) {
+  EXPECT_TRUE(HasCommas("1,2"));
+  EXPECT_TRUE(HasCommas(" 1, -2.5e3, x"));
+  EXPECT_FALSE(HasCommas("1 2"));
+  EXPECT_FALSE(HasCommas("1 ,2"));
+  EXPECT_FALSE(HasCommas("1,x"));
+  EXPECT_FALSE(HasCommas("x,2"));
+  EXPECT_FALSE(HasCommas(""));
+}
+
 }  // namespace
 }  // namespace corvane
