@@ -22,6 +22,7 @@
 
 #include "OpenGL/Stereo_2Cursor/AerialPhoto.h"
 #include "PeakMemory.h"
+#include "StereoPair/PlainCoefficient.h"
 #include "StereoPair/StereoPair.h"
 #include "StereoPair/WindowSimilarity.h"
 #include "TakingTurns.h"
@@ -35,24 +36,9 @@ constexpr std::int32_t kShift = 7;  // columns, of the right images
 constexpr double kGridStep = 10.0;  // pixels
 constexpr double kMegabyte = 1 << 20;
 
-// The documented coefficient as one loop over doubles.
-[[gnu::noinline]] double PlainCoefficient(const std::uint8_t* a, const std::uint8_t* b, std::size_t count) {
-  double sL = 0.0, sLL = 0.0, sR = 0.0, sRR = 0.0, sLR = 0.0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const double left = a[i];
-    const double right = b[i];
-    sL += left;
-    sLL += left * left;
-    sR += right;
-    sRR += right * right;
-    sLR += left * right;
-  }
-  const double n = static_cast<double>(count);
-  const double vL = sLL - sL * sL / n;
-  const double vR = sRR - sR * sR / n;
-  if (vL == 0.0 && vR == 0.0) return 1.0;
-  if (vL == 0.0 || vR == 0.0) return 0.0;
-  return (sLR - sL * sR / n) / std::sqrt(vL * vR);
+// A call for each window, so that neither its length nor its place is known beforehand.
+[[gnu::noinline]] double PlainLoop(const std::uint8_t* a, const std::uint8_t* b, std::size_t count) {
+  return PlainCoefficient(a, b, count);
 }
 
 void WindowKernel(benchmark::State& state) {
@@ -76,7 +62,7 @@ void WindowKernel(benchmark::State& state) {
     return true;
   };
   const auto runPlain = [&] {
-    plain = sumOf([](const auto* a, const auto* b) { return PlainCoefficient(a, b, kPixels); });
+    plain = sumOf([](const auto* a, const auto* b) { return PlainLoop(a, b, kPixels); });
     return plain == ours || ours == 0.0;
   };
   const Seconds total = Compare(state, runOurs, runPlain);
@@ -166,7 +152,7 @@ double PlainRow(const Pair& photos, std::int32_t row) {
     const std::int32_t last = std::min(col + 16, cols - kWindow / 2 - 1);
     for (std::int32_t place = std::max(col - 16, kWindow / 2); place <= last; ++place) {
       cut(photos.right, row - 1, place, b.data());
-      best = std::max(best, PlainCoefficient(a.data(), b.data(), kPixels));
+      best = std::max(best, PlainLoop(a.data(), b.data(), kPixels));
     }
     sum += best;
   }

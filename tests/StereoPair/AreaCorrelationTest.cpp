@@ -19,14 +19,8 @@ class AreaCorrelationTest : public GridMethodTest {
   std::vector<PlainPair> ExpectAsPlain(const PlainImage& left, const PlainImage& right,
                                        const PlainSettings& settings) {
     const auto score = PlainCorrelation(left, right, settings.width, settings.height);
-    const auto expected =
-        PlainGrid(left, right, settings, [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
-          return PlainBest(score, l, r, rect);
-        });
-    Store(left, right);
-    Answer(settings);
-    EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
-    EXPECT_EQ(ReadFileBytes("l_GridMatchPair.txt"), PairText(expected));
+    const auto expected = PlainBestGrid(left, right, settings, score);
+    ExpectPairs(&StereoPair::MatchAreaCC, left, right, settings, expected);
     return expected;
   }
 };
@@ -49,31 +43,22 @@ TEST_F(AreaCorrelationTest, AsksForFormThenOffset) {
   const PlainImage left = RandomImage(60, 40, 3);
   ExpectAsPlain(left, left, {.range = 3, .offset = 0});
   ASSERT_EQ(ui_.shownForms.size(), 1U);
-  EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.75);
-  EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
   EXPECT_EQ(ui_.shownForms[0].GetInteger("windowWidth"), 19);
-  EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
+  ExpectAsked(0.75);
   EXPECT_EQ(ui_.waitDepth, 0);
   EXPECT_EQ(pair_.leftPhoto, nullptr);
   EXPECT_EQ(pair_.leftImage, nullptr);
 }
 
 TEST_F(AreaCorrelationTest, CancelOfFormLeavesNothing) {
-  ui_.forms.push_back([](Form&) { return false; });
-  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kCancelled);
-  EXPECT_EQ(ui_.events, std::vector<std::string>{"form: MatchInput"});
-  EXPECT_FALSE(FileExists("GroundPts.log"));
+  ExpectCancelledForm(&StereoPair::MatchAreaCC);
   EXPECT_EQ(pair_.matchThreshold, 0.75);
   EXPECT_EQ(pair_.maxDisparity, 55);
 }
 
 TEST_F(AreaCorrelationTest, CancelOfOffsetGoesOnWithMinusTen) {
   const PlainImage left = RandomImage(80, 40, 4);
-  Store(left, Shifted(left, 10, 0, 5));
-  Answer({.range = 1});
-  ui_.values.clear();
-  EXPECT_EQ(pair_.MatchAreaCC(), StereoPair::kDone);
-  EXPECT_EQ(pair_.columnOffset, -10);
+  ExpectCancelledOffset(&StereoPair::MatchAreaCC, left, Shifted(left, 10, 0, 5), 1);
   EXPECT_FALSE(pair_.matchPairs.empty());
 }
 

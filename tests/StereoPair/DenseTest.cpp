@@ -1,140 +1,27 @@
-// "Area Correlation".
+// "Area Correlation": the maps.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <map>
+#include <limits>
 
-#include "StereoPair/PlainDense.h"
-#include "numerics/SimdVersion.h"
+#include "StereoPair/DenseScene.h"
 #include "support/TempFolder.h"
 
 namespace corvane {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr int kCols = 40;
-constexpr int kRows = 24;
-
-// The search along the right row above, from `start` on; the column becomes that of the best place.
-double PlainSearchAbove(const StereoPair& pair, int row, int col, std::int64_t start, std::int64_t half,
-                        std::int64_t& best) {
-  const std::int64_t halfW = pair.targetWidth / 2;
-  const std::int64_t halfH = pair.targetHeight / 2;
-  const auto [rightCols, rightRows] = pair.rightImage->GetSize();
-  const std::int64_t first = std::max(start - half, halfW);
-  const std::int64_t last = std::min<std::int64_t>(start + half, rightCols - 1 - halfW);
-  best = start;
-  // The only row of the rectangle, which is cut to the rows of whole windows.
-  const std::int64_t rightRow = row - 1;
-  if (rightRow < halfH || rightRow > rightRows - 1 - halfH) return 0.0;
-  double bestScore = 0.0;
-  // The rectangle is one row high and its bottom does not belong to it: the start is never compared first,
-  // and in the loop it is left out.
-  for (std::int64_t x = first; x <= last; ++x) {
-    if (x == start) continue;
-    const double score = PlainCompare(pair, row - halfH, col - halfW, rightRow - halfH, x - halfW);
-    if (score > bestScore) {
-      bestScore = score;
-      best = x;
-    }
-  }
-  return bestScore;
-}
-
-struct PlainMaps {
-  std::vector<std::int16_t> disparities;
-  std::vector<float> scores;
-};
-
-PlainMaps PlainDense(const StereoPair& pair, const std::function<double(int, int)>& startOf,
-                     std::int64_t half, int step) {
-  const auto [cols, rows] = pair.leftImage->GetSize();
-  PlainMaps maps;
-  maps.disparities.resize(static_cast<std::size_t>(cols) * static_cast<std::size_t>(rows));
-  maps.scores.resize(maps.disparities.size());
-  for (int row = pair.targetHeight / 2 + 1; row < rows - pair.targetHeight / 2 - 1; row += step) {
-    for (int col = pair.targetWidth / 2 + 1; col < cols - pair.targetWidth / 2 - 1; col += step) {
-      std::int64_t best = 0;
-      const auto shift = static_cast<std::int64_t>(startOf(row, col) / pair.disparityScale);
-      const double score = PlainSearchAbove(pair, row, col, col - shift, half, best);
-      const auto i = static_cast<std::size_t>(row * cols + col);
-      maps.disparities[i] = score < pair.matchThreshold ? -128 : static_cast<std::int16_t>(col - best);
-      maps.scores[i] = static_cast<float>(score);
-    }
-  }
-  return maps;
-}
-
-template <typename Pixel>
-void ExpectBytes(const ErdasImg& image, const std::vector<Pixel>& expected) {
-  const auto bytes = image.GetBands().GetBand(0);
-  ASSERT_EQ(bytes.size(), expected.size() * sizeof(Pixel));
-  EXPECT_EQ(std::memcmp(bytes.data(), expected.data(), bytes.size()), 0);
-}
-
-void ExpectMaps(const StereoPair& pair, const PlainMaps& expected) {
-  ASSERT_TRUE(pair.disparityMap && pair.measureMap);
-  ExpectBytes(*pair.disparityMap, expected.disparities);
-  ExpectBytes(*pair.measureMap, expected.scores);
-}
-
-// How often each disparity stands in the map.
-std::map<double, int> CountDisparities(const StereoPair& pair) {
-  std::map<double, int> counts;
-  const auto [cols, rows] = pair.disparityMap->GetSize();
-  for (int row = 0; row < rows; ++row) {
-    for (int col = 0; col < cols; ++col) ++counts[PixelAt(*pair.disparityMap, row, col)];
-  }
-  return counts;
-}
-
-// A pair whose right image is the left one moved by -4 columns and one row up, with some noise of its own.
-struct TexturedPair : VerticalPair {
-  TexturedPair() : VerticalPair(kCols, kRows, LeftPixels(), RightPixels()) {
-    pair.targetWidth = 5;
-    pair.targetHeight = 3;
-    pair.maxDisparity = 3;
-    pair.columnOffset = -3;
-    pair.matchThreshold = 0.75;
-  }
-  static std::vector<std::uint8_t> LeftPixels() { return Noise(kCols * kRows, 1); }
-  static std::vector<std::uint8_t> RightPixels() {
-    auto pixels = Moved(LeftPixels(), kCols, -1, -4);
-    const auto noise = Noise(pixels.size(), 2);
-    for (std::size_t i = 0; i < pixels.size(); i += 3) pixels[i] = noise[i];
-    return pixels;
-  }
-  double OffsetStart(int, int) const { return -static_cast<double>(pair.columnOffset); }
-};
-
-class DenseCommand : public testing::Test {
- protected:
-  DenseCommand() {
-    TexturedPair made;
-    StorePhoto(made.left, "left");
-    StorePhoto(made.right, "right");
-  }
-
-  TempFolder folder_;
-  TestFrontEnd frontEnd_;
-  StereoPair pair_;
-};
 
 TEST(CorrelateDense, MapsAreThoseOfThePlainForm) {
   TexturedPair made;
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  const auto expected = PlainDense(
-      made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1);
+  const auto expected = made.PlainMapsAtOffset();
   ExpectMaps(made.pair, expected);
   EXPECT_GT(CountDisparities(made.pair)[4.0], 100) << "the test has matches";
   EXPECT_GT(CountDisparities(made.pair)[-128.0], 10) << "and places without";
@@ -145,8 +32,7 @@ TEST(CorrelateDense, MapsOfEvenWindowsAreThoseOfThePlainForm) {
   made.pair.targetWidth = 6;
   made.pair.targetHeight = 4;
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  ExpectMaps(made.pair, PlainDense(
-                            made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1));
+  ExpectMaps(made.pair, made.PlainMapsAtOffset());
 }
 
 TEST(CorrelateDense, MapsOfWideWindowsAreThoseOfThePlainForm) {
@@ -265,8 +151,7 @@ TEST(CorrelateDense, SpacingIsCutToWholePixels) {
   made.pair.groundSpacingX = 2.9;
   made.pair.groundSpacingY = 2.9;
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  ExpectMaps(made.pair, PlainDense(
-                            made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 2));
+  ExpectMaps(made.pair, made.PlainMapsAtOffset(3, 2));
 }
 
 TEST(CorrelateDense, SpacingBelowOnePixelCountsAsOne) {
@@ -275,8 +160,7 @@ TEST(CorrelateDense, SpacingBelowOnePixelCountsAsOne) {
     made.pair.groundSpacingX = spacing;
     made.pair.groundSpacingY = spacing;
     ASSERT_EQ(made.pair.CorrelateDense(), 1);
-    ExpectMaps(made.pair, PlainDense(
-                              made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1));
+    ExpectMaps(made.pair, made.PlainMapsAtOffset());
   }
 }
 
@@ -362,8 +246,7 @@ TEST(CorrelateDense, HugeNumbersEndSoon) {
   TexturedPair made;
   made.pair.maxDisparity = INT32_MAX;
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  ExpectMaps(made.pair, PlainDense(
-                            made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, INT32_MAX, 1));
+  ExpectMaps(made.pair, made.PlainMapsAtOffset(INT32_MAX));
 
   for (const std::int32_t offset : {INT32_MIN, INT32_MAX}) {
     made.pair.columnOffset = offset;
@@ -411,12 +294,10 @@ TEST(CorrelateDense, ImagesMayHaveDifferentSizes) {
   TexturedPair made;
   SetBytes(made.right.image, 23, 15, Noise(23 * 15, 5));
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  ExpectMaps(made.pair, PlainDense(
-                            made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1));
+  ExpectMaps(made.pair, made.PlainMapsAtOffset());
   SetBytes(made.right.image, 1, 1, {7});
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  ExpectMaps(made.pair, PlainDense(
-                            made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1));
+  ExpectMaps(made.pair, made.PlainMapsAtOffset());
 }
 
 TEST(CorrelateDense, WidePixelsCountAsBytes) {
@@ -430,8 +311,7 @@ TEST(CorrelateDense, WidePixelsCountAsBytes) {
     std::copy(noise.begin(), noise.end(), bytes.begin());
   }
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  ExpectMaps(made.pair, PlainDense(
-                            made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1));
+  ExpectMaps(made.pair, made.PlainMapsAtOffset());
 }
 
 TEST(CorrelateDense, HeaderMayPromiseMoreThanThereIs) {
@@ -439,8 +319,7 @@ TEST(CorrelateDense, HeaderMayPromiseMoreThanThereIs) {
   made.left.image.SetSize(kCols, kRows + 5);
   made.right.image.SetSize(kCols + 9, kRows);
   ASSERT_EQ(made.pair.CorrelateDense(), 1);
-  ExpectMaps(made.pair, PlainDense(
-                            made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1));
+  ExpectMaps(made.pair, made.PlainMapsAtOffset());
 }
 
 TEST(CorrelateDense, RejectedWindowsScoreLessThanNothing) {
@@ -475,123 +354,6 @@ TEST(CorrelateDense, TellsProgressOnceARow) {
   EXPECT_THAT(frontEnd.events,
               ElementsAre("status 0: Done 0% ...", "status 0: Done 20% ...", "status 0: Done 40% ...",
                           "status 0: Done 60% ...", "status 0: Done 80% ..."));
-}
-
-TEST_F(DenseCommand, AsksMatchesAndWrites) {
-  frontEnd_.forms.push_back(
-      FilledForm([](Form& form) { form.Find("maxDisparity")->value = std::int64_t{3}; }));
-  frontEnd_.values = {-3.9};
-  pair_.matchThreshold = 0.1;
-  pair_.maxDisparity = 10;
-  ASSERT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kDone);
-
-  ASSERT_EQ(frontEnd_.shownForms.size(), 1u);
-  EXPECT_EQ(frontEnd_.shownForms[0].GetReal("matchThreshold"), 0.75);
-  EXPECT_EQ(frontEnd_.shownForms[0].GetInteger("maxDisparity"), 55);
-  EXPECT_THAT(frontEnd_.EventsWith("value"), ElementsAre("value: Please input a value. -10"));
-  EXPECT_EQ(pair_.columnOffset, -3);
-  EXPECT_EQ(frontEnd_.waitDepth, 0);
-  EXPECT_EQ(pair_.leftPhoto, nullptr);
-
-  TexturedPair made;
-  const auto expected = PlainDense(
-      made.pair, [&](int r, int c) { return made.OffsetStart(r, c); }, 3, 1);
-  ExpectMaps(pair_, expected);
-  ErdasImg disparities, scores;
-  ASSERT_EQ(disparities.Read("left_DispMap.lan"), 1);
-  ExpectBytes(disparities, expected.disparities);
-  ASSERT_EQ(scores.Read("left_MeasureMap.lan"), 1);
-  ExpectBytes(scores, expected.scores);
-  int nMatched = 0;
-  for (int row = 2; row < kRows - 2; ++row) {
-    for (int col = 3; col < kCols - 3; ++col) nMatched += PixelAt(disparities, row, col) != -128.0;
-  }
-  EXPECT_EQ(frontEnd_.events.back(),
-            "status 0: " + std::to_string(nMatched) +
-                " of 680 places matched. Written: left_DispMap.lan, left_MeasureMap.lan.");
-}
-
-TEST_F(DenseCommand, CancelledFormEndsIt) {
-  EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kCancelled);
-  EXPECT_THAT(frontEnd_.events, ElementsAre("form: MatchInput"));
-}
-
-TEST_F(DenseCommand, CancelledOffsetEndsIt) {
-  frontEnd_.forms.push_back(FilledForm());
-  pair_.columnOffset = 77;
-  EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kCancelled);
-  EXPECT_EQ(pair_.columnOffset, 77);
-  EXPECT_EQ(pair_.leftPhoto, nullptr);
-  EXPECT_EQ(frontEnd_.waitDepth, 0);
-  EXPECT_FALSE(std::filesystem::exists("left_DispMap.lan"));
-  EXPECT_THAT(frontEnd_.EventsWith("message"), IsEmpty());
-}
-
-TEST_F(DenseCommand, MissingImageEndsIt) {
-  frontEnd_.forms.push_back(FilledForm());
-  frontEnd_.values = {0.0};
-  std::filesystem::remove("right.lan");
-  EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kNotLoaded);
-  EXPECT_THAT(frontEnd_.EventsWith("value"), IsEmpty());
-  EXPECT_EQ(pair_.leftPhoto, nullptr);
-}
-
-TEST_F(DenseCommand, ResultThatReplacesAnInputIsRefused) {
-  std::filesystem::rename("right.lan", "left_DispMap.lan");
-  std::filesystem::rename("right.orn", "left_DispMap.orn");
-  frontEnd_.forms.push_back(
-      FilledForm([](Form& form) { form.Find("rightImage")->value = std::string("left_DispMap.lan"); }));
-  frontEnd_.values = {0.0};
-  const std::string before = ReadFileBytes("left_DispMap.lan");
-  EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kNotWritten);
-  EXPECT_THAT(frontEnd_.EventsWith("message"),
-              ElementsAre("message warning: Write file left_DispMap.lan error!\n"
-                          "It is one of the files that the command reads."));
-  EXPECT_EQ(ReadFileBytes("left_DispMap.lan"), before);
-  EXPECT_EQ(pair_.leftPhoto, nullptr);
-}
-
-TEST_F(DenseCommand, ResultThatCannotBeWrittenIsTold) {
-  std::filesystem::create_directory("left_DispMap.lan");
-  frontEnd_.forms.push_back(FilledForm());
-  frontEnd_.values = {-3.0};
-  EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kNotWritten);
-  EXPECT_THAT(frontEnd_.EventsWith("message"), ElementsAre(HasSubstr("Write file left_DispMap.lan error!")));
-  EXPECT_THAT(frontEnd_.events.back(), HasSubstr(" Written: left_MeasureMap.lan."));
-}
-
-TEST_F(DenseCommand, SpacingThatIsNotAboveZeroIsTold) {
-  for (const double spacing : {0.0, -2.0, kNaN}) {
-    frontEnd_.forms = {FilledForm([spacing](Form& form) { form.Find("groundSpacing")->value = spacing; })};
-    frontEnd_.values = {-3.0};
-    EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kDone);
-    EXPECT_EQ(frontEnd_.events.back(),
-              "status 0: There is no place to match in the left image. The ground spacing is not above 0. "
-              "Written: left_DispMap.lan, left_MeasureMap.lan.");
-  }
-}
-
-TEST_F(DenseCommand, NothingToMatchIsTold) {
-  frontEnd_.forms.push_back(
-      FilledForm([](Form& form) { form.Find("windowWidth")->value = std::int64_t{1000}; }));
-  frontEnd_.values = {-3.0};
-  EXPECT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kDone);
-  EXPECT_EQ(frontEnd_.events.back(),
-            "status 0: There is no place to match in the left image. "
-            "Written: left_DispMap.lan, left_MeasureMap.lan.");
-}
-
-TEST_F(DenseCommand, ReadsTheDemOfTheForm) {
-  FloatImage(kCols, kRows, std::vector<double>(kCols * kRows, 4.0)).Write("truth.lan");
-  frontEnd_.forms.push_back(FilledForm([](Form& form) {
-    form.Find("demFile")->value = std::string("truth.lan");
-    form.Find("demAccuracy")->value = 1.0;
-  }));
-  frontEnd_.values = {100.0};
-  ASSERT_EQ(pair_.DenseAreaCorrelation(), StereoPair::kDone);
-  TexturedPair made;
-  ExpectMaps(pair_, PlainDense(
-                        made.pair, [](int, int) { return 4.0; }, 1, 1));
 }
 
 }  // namespace

@@ -45,14 +45,11 @@ struct Found {
 Found FindIn(const PlainImage& left, const PlainImage& right, const PlainPlace& from, const PlainPlace& start,
              std::int32_t size, const ImageRect& rect) {
   ErdasImg leftImage, rightImage;
-  SetBytes(leftImage, static_cast<std::int32_t>(left.cols), static_cast<std::int32_t>(left.rows), left.bytes);
-  SetBytes(rightImage, static_cast<std::int32_t>(right.cols), static_cast<std::int32_t>(right.rows),
-           right.bytes);
-  Found found{0.0, {static_cast<double>(start.col), static_cast<double>(start.row)}};
+  SetBytes(leftImage, left);
+  SetBytes(rightImage, right);
+  Found found{0.0, PointOf(start)};
   DescriptorSearch search;
-  found.score =
-      search.Find(leftImage, rightImage, {static_cast<double>(from.col), static_cast<double>(from.row)},
-                  found.place, size, rect);
+  found.score = search.Find(leftImage, rightImage, PointOf(from), found.place, size, rect);
   return found;
 }
 
@@ -62,29 +59,27 @@ void ExpectAsPlain(const PlainImage& left, const PlainImage& right, const PlainP
   const double expected = PlainBest(PlainLikeness(left, right, size), from, start,
                                     {rect.left, rect.top, rect.right, rect.bottom});
   EXPECT_EQ(found.score, expected);
-  EXPECT_EQ(found.place, (Point2{static_cast<double>(start.col), static_cast<double>(start.row)}));
+  EXPECT_EQ(found.place, PointOf(start));
 }
 
 TEST(DescriptorSearchTest, RandomSearchesAreThePlainOnesBitForBit) {
-  std::mt19937 random(1);
-  const auto upTo = [&random](int n) {
-    return static_cast<std::int32_t>(random() % static_cast<unsigned>(n));
-  };
+  RandomNumbers random(1);
   for (const SimdVersion version : AvailableSimdVersions()) {
     const ForcedSimdVersion forced(version);
     for (unsigned i = 0; i < 60; ++i) {
       const int nGreys = i % 3 == 0 ? 2 : 256;  // with few there are ties
       const PlainImage left = RandomImage(40, 40, i, nGreys);
       const PlainImage right = RandomImage(60, 35, i + 1000, nGreys);
-      const std::int32_t firstCol = upTo(60) - 5;
-      const std::int32_t firstRow = upTo(35) - 5;
+      const std::int32_t firstCol = random.UpTo(60) - 5;
+      const std::int32_t firstRow = random.UpTo(35) - 5;
       // The start in the rectangle or beside it, where its place does not lie in the image, or anywhere.
-      const PlainPlace start =
-          i % 2 == 0 ? PlainPlace{firstCol + upTo(20), firstRow + upTo(3)} : PlainPlace{upTo(60), upTo(35)};
+      const PlainPlace start = i % 2 == 0 ? PlainPlace{firstCol + random.UpTo(20), firstRow + random.UpTo(3)}
+                                          : PlainPlace{random.UpTo(60), random.UpTo(35)};
       // Now and then a left window that leaves its image.
-      const PlainPlace from = i % 4 == 1 ? PlainPlace{upTo(46) - 3, upTo(46) - 3} : PlainPlace{20, 20};
+      const PlainPlace from =
+          i % 4 == 1 ? PlainPlace{random.UpTo(46) - 3, random.UpTo(46) - 3} : PlainPlace{20, 20};
       ExpectAsPlain(left, right, from, start, 7,
-                    {firstCol, firstRow, firstCol + upTo(40), firstRow + upTo(4)});
+                    {firstCol, firstRow, firstCol + random.UpTo(40), firstRow + random.UpTo(4)});
     }
   }
 }
@@ -110,7 +105,7 @@ TEST(DescriptorSearchTest, LargestDifferencesDoNotOverflow) {
 TEST(DescriptorSearchTest, DescriptorIsThatOfStructuralFeature) {
   const PlainImage image = RandomImage(30, 30, 4);
   ErdasImg held;
-  SetBytes(held, 30, 30, image.bytes);
+  SetBytes(held, image);
   FeaturePoint feature;
   ImgProcess process;
   ASSERT_EQ(process.StructuralFeature(held, 14.0, 15.0, 9, feature, false), 1);
@@ -124,8 +119,8 @@ TEST(DescriptorSearchTest, CoefficientIsThatOfStructuralFeatures) {
   const PlainImage left = RandomImage(30, 30, 5);
   const PlainImage right = Shifted(left, 2, 0, 6);
   ErdasImg leftImage, rightImage;
-  SetBytes(leftImage, 30, 30, left.bytes);
-  SetBytes(rightImage, 30, 30, right.bytes);
+  SetBytes(leftImage, left);
+  SetBytes(rightImage, right);
   ImgProcess process;
   FeaturePoint a, b;
   ASSERT_EQ(process.StructuralFeature(leftImage, 14.0, 15.0, 9, a, false), 1);
@@ -183,7 +178,7 @@ TEST(DescriptorSearchTest, EndlessRectanglesEndSoon) {
   const double expected = PlainBest(PlainLikeness(left, right, 5), {4, 3}, start, {-9, -9, 20, 20});
   const Found found = FindIn(left, right, {4, 3}, {6, 1}, 5, {-kFar, -kFar, kFar, kFar});
   EXPECT_EQ(found.score, expected);
-  EXPECT_EQ(found.place, (Point2{static_cast<double>(start.col), static_cast<double>(start.row)}));
+  EXPECT_EQ(found.place, PointOf(start));
   // Places far outside are all alike, so that the first one is the best of them.
   const PlainImage flat{8, 6, std::vector<std::uint8_t>(48, 0)};
   EXPECT_EQ(FindIn(flat, right, {4, 3}, {4, 3}, 5, {-kFar, -kFar, kFar, kFar}).place,
@@ -221,15 +216,8 @@ class StructuralDescriptorTest : public GridMethodTest {
  protected:
   std::vector<PlainPair> ExpectGridAsPlain(const PlainImage& left, const PlainImage& right,
                                            const PlainSettings& settings) {
-    const auto likeness = PlainLikeness(left, right, settings.width);
-    const auto expected =
-        PlainGrid(left, right, settings, [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
-          return PlainBest(likeness, l, r, rect);
-        });
-    Store(left, right);
-    Answer(settings);
-    EXPECT_EQ(pair_.MatchStructuralDescriptor(), StereoPair::kDone);
-    EXPECT_EQ(ReadFileBytes("l_GridMatchPair.txt"), PairText(expected));
+    const auto expected = PlainBestGrid(left, right, settings, PlainLikeness(left, right, settings.width));
+    ExpectPairs(&StereoPair::MatchStructuralDescriptor, left, right, settings, expected);
     return expected;
   }
 };
@@ -242,9 +230,7 @@ TEST_F(StructuralDescriptorTest, ShiftedImageGivesItsShift) {
   EXPECT_EQ(LastStatus(),
             "42 of 54 places matched. Beside the right image at this offset: 6 places. Written: "
             "GroundPts.log, out.pts (42 points), l_GridMatchPair.txt.");
-  EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.5);
-  EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
-  EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
+  ExpectAsked(0.5);
 }
 
 TEST_F(StructuralDescriptorTest, NoiseAndEdges) {
@@ -266,10 +252,8 @@ TEST_F(StructuralDescriptorTest, EvenWindowsMatchNothing) {
 
 TEST_F(StructuralDescriptorTest, HugeOffsetsAndRanges) {
   const PlainImage left = RandomImage(40, 30, 16);
-  for (const long range : {-2000000000L, 2000000000L}) {
-    for (const long offset : {-2000000000L, 0L, 2000000000L}) {
-      ExpectGridAsPlain(left, Shifted(left, 5, 0, 17), {.threshold = 0.1, .range = range, .offset = offset});
-    }
+  for (const PlainSettings& settings : HugeSettings(0.1)) {
+    ExpectGridAsPlain(left, Shifted(left, 5, 0, 17), settings);
   }
 }
 
@@ -281,8 +265,7 @@ TEST_F(StructuralDescriptorTest, TellsProgressOnceARow) {
 }
 
 TEST_F(StructuralDescriptorTest, CancelOfFormLeavesNothing) {
-  EXPECT_EQ(pair_.MatchStructuralDescriptor(), StereoPair::kCancelled);
-  EXPECT_EQ(ui_.events, std::vector<std::string>{"form: MatchInput"});
+  ExpectCancelledForm(&StereoPair::MatchStructuralDescriptor);
 }
 
 }  // namespace

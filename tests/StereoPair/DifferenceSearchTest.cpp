@@ -11,10 +11,8 @@ namespace {
 
 struct TwoImages {
   TwoImages(const PlainImage& plainLeft, const PlainImage& plainRight) {
-    SetBytes(left, static_cast<std::int32_t>(plainLeft.cols), static_cast<std::int32_t>(plainLeft.rows),
-             plainLeft.bytes);
-    SetBytes(right, static_cast<std::int32_t>(plainRight.cols), static_cast<std::int32_t>(plainRight.rows),
-             plainRight.bytes);
+    SetBytes(left, plainLeft);
+    SetBytes(right, plainRight);
   }
 
   ErdasImg left;
@@ -24,32 +22,28 @@ struct TwoImages {
 void ExpectAsPlain(const PlainImage& left, const PlainImage& right, const PlainPlace& from, PlainPlace start,
                    const ImageSize& size, const ImageRect& rect) {
   TwoImages images(left, right);
-  Point2 place{static_cast<double>(start.col), static_cast<double>(start.row)};
+  Point2 place = PointOf(start);
   DifferenceSearch search;
-  const auto sum =
-      search.Find(images.left, images.right, {static_cast<double>(from.col), static_cast<double>(from.row)},
-                  place, size, rect);
+  const auto sum = search.Find(images.left, images.right, PointOf(from), place, size, rect);
   const double expected = PlainLeast(PlainDifference(left, right, size.cx, size.cy), from, start,
                                      {rect.left, rect.top, rect.right, rect.bottom});
   EXPECT_EQ(static_cast<double>(sum), expected);
-  EXPECT_EQ(place, (Point2{static_cast<double>(start.col), static_cast<double>(start.row)}));
+  EXPECT_EQ(place, PointOf(start));
 }
 
 TEST(DifferenceSearchTest, RandomSearchesAreThePlainOnes) {
-  std::mt19937 random(1);
-  const auto upTo = [&random](int n) {
-    return static_cast<std::int32_t>(random() % static_cast<unsigned>(n));
-  };
+  RandomNumbers random(1);
   for (const SimdVersion version : AvailableSimdVersions()) {
     const ForcedSimdVersion forced(version);
     for (unsigned i = 0; i < 60; ++i) {
       const int nGreys = i % 3 == 0 ? 2 : 256;  // with few there are ties
       const PlainImage left = RandomImage(50, 40, i, nGreys);
       const PlainImage right = RandomImage(60, 30, i + 1000, nGreys);
-      const std::int32_t firstCol = upTo(70) - 10;
-      const std::int32_t firstRow = upTo(40) - 5;
-      ExpectAsPlain(left, right, {upTo(50), upTo(40)}, {upTo(70) - 5, upTo(30)}, {1 + upTo(24), 1 + upTo(24)},
-                    {firstCol, firstRow, firstCol + upTo(80), firstRow + upTo(4)});
+      const std::int32_t firstCol = random.UpTo(70) - 10;
+      const std::int32_t firstRow = random.UpTo(40) - 5;
+      ExpectAsPlain(left, right, {random.UpTo(50), random.UpTo(40)}, {random.UpTo(70) - 5, random.UpTo(30)},
+                    {1 + random.UpTo(24), 1 + random.UpTo(24)},
+                    {firstCol, firstRow, firstCol + random.UpTo(80), firstRow + random.UpTo(4)});
     }
   }
 }
@@ -118,9 +112,7 @@ TEST_F(AreaDifferenceTest, ShiftedImageGivesItsShiftWithoutPairs) {
                               " of 54 places matched. Beside the right image at this offset: 6 places. "
                               "Written: GroundPts.log, out.pts (" +
                               std::to_string(pairs.size()) + " points).");
-  EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.5);
-  EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
-  EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
+  ExpectAsked(0.5);
 }
 
 TEST_F(AreaDifferenceTest, DifferencePicksWhatCorrelationRejects) {
@@ -149,10 +141,8 @@ TEST_F(AreaDifferenceTest, StartOutsideOfTheRectangleIsCompared) {
 
 TEST_F(AreaDifferenceTest, HugeOffsetsAndRanges) {
   const PlainImage left = RandomImage(40, 30, 14);
-  for (const long range : {-2000000000L, 2000000000L}) {
-    for (const long offset : {-2000000000L, 0L, 2000000000L}) {
-      ExpectGridAsPlain(left, Shifted(left, 5, 0, 15), {.threshold = 0.5, .range = range, .offset = offset});
-    }
+  for (const PlainSettings& settings : HugeSettings(0.5)) {
+    ExpectGridAsPlain(left, Shifted(left, 5, 0, 15), settings);
   }
 }
 
@@ -166,18 +156,12 @@ TEST_F(AreaDifferenceTest, TellsProgressOnceARow) {
 }
 
 TEST_F(AreaDifferenceTest, CancelOfFormLeavesNothing) {
-  EXPECT_EQ(pair_.MatchAreaDifference(), StereoPair::kCancelled);
-  EXPECT_EQ(ui_.events, std::vector<std::string>{"form: MatchInput"});
-  EXPECT_FALSE(FileExists("GroundPts.log"));
+  ExpectCancelledForm(&StereoPair::MatchAreaDifference);
 }
 
 TEST_F(AreaDifferenceTest, CancelOfOffsetGoesOnWithMinusTen) {
   const PlainImage left = RandomImage(60, 30, 17);
-  Store(left, left);
-  Answer({.range = 2});
-  ui_.values.clear();
-  EXPECT_EQ(pair_.MatchAreaDifference(), StereoPair::kDone);
-  EXPECT_EQ(pair_.columnOffset, -10);
+  ExpectCancelledOffset(&StereoPair::MatchAreaDifference, left, left, 2);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 
@@ -116,13 +115,6 @@ struct PlainExam {
 };
 
 template <typename Pixel>
-void ExpectBytes(const ErdasImg& image, const std::vector<Pixel>& expected) {
-  const auto bytes = image.GetBands().GetBand(0);
-  ASSERT_EQ(bytes.size(), expected.size() * sizeof(Pixel));
-  EXPECT_EQ(std::memcmp(bytes.data(), expected.data(), bytes.size()), 0);
-}
-
-template <typename Pixel>
 void ExpectFile(const std::string& path, const std::vector<Pixel>& expected) {
   ErdasImg image;
   ASSERT_EQ(image.Read(path), 1) << path;
@@ -140,8 +132,7 @@ class ExamTruth : public testing::Test {
     made.pair.targetHeight = 3;
     made.pair.demAccuracy = accuracy;
     made.pair.matchThreshold = threshold;
-    StorePhoto(made.left, "left");
-    StorePhoto(made.right, "right");
+    Store(made);
     ASSERT_EQ(truth.Write("truth.lan"), 1);
     frontEnd_.forms = {FilledForm([&](Form& form) {
       form.Find("demFile")->value = std::string("truth.lan");
@@ -150,6 +141,25 @@ class ExamTruth : public testing::Test {
     })};
     ASSERT_EQ(pair_.ExamTruth(), StereoPair::kDone);
     ExpectPlain(PlainExam(made.pair, [&](int row, int col) { return PixelAt(truth, row, col); }));
+  }
+
+  // Both photos, for the form.
+  static void Store(VerticalPair& made) {
+    StorePhoto(made.left, "left");
+    StorePhoto(made.right, "right");
+  }
+  static void Store(VerticalPair&& made) { Store(made); }
+
+  // Runs the command with a window that is larger than the images to this side.
+  void RunWithLargeWindow(const std::string& side) {
+    Store(VerticalPair(kCols, kRows));
+    Truth(0.0, 0.0, 1).Write("truth.lan");
+    frontEnd_.forms = {FilledForm([&side](Form& form) {
+      form.Find("demFile")->value = std::string("truth.lan");
+      form.Find(side)->value = std::int64_t{10000};
+    })};
+    pair_.progressWindow = &frontEnd_;
+    EXPECT_EQ(pair_.ExamTruth(), StereoPair::kDone);
   }
 
   void ExpectPlain(PlainExam plain) {
@@ -225,9 +235,7 @@ TEST_F(ExamTruth, HugeTruthIsFarAway) {
   truth.SetPixel(0, 8, 9, -1e38);
   truth.SetPixel(0, 9, 9, std::numeric_limits<double>::infinity());
   const auto left = Noise(kCols * kRows, 7);
-  VerticalPair made(kCols, kRows, left, left);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
+  Store(VerticalPair(kCols, kRows, left, left));
   truth.Write("truth.lan");
   frontEnd_.forms = {FilledForm([&](Form& form) { form.Find("demFile")->value = std::string("truth.lan"); })};
   ASSERT_EQ(pair_.ExamTruth(), StereoPair::kDone);
@@ -276,9 +284,7 @@ TEST_F(ExamTruth, BeginsWithItsOwnNumbers) {
 }
 
 TEST_F(ExamTruth, WithoutADemItEnds) {
-  VerticalPair made(kCols, kRows);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
+  Store(VerticalPair(kCols, kRows));
   frontEnd_.forms = {FilledForm()};
   EXPECT_EQ(pair_.ExamTruth(), StereoPair::kNoInput);
   EXPECT_THAT(frontEnd_.events, ElementsAre("form: MatchInput",
@@ -290,18 +296,14 @@ TEST_F(ExamTruth, WithoutADemItEnds) {
 }
 
 TEST_F(ExamTruth, DemThatDoesNotOpenEndsIt) {
-  VerticalPair made(kCols, kRows);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
+  Store(VerticalPair(kCols, kRows));
   frontEnd_.forms = {FilledForm([](Form& form) { form.Find("demFile")->value = std::string("no.lan"); })};
   EXPECT_EQ(pair_.ExamTruth(), StereoPair::kNotLoaded);
   EXPECT_EQ(pair_.leftPhoto, nullptr);
 }
 
 TEST_F(ExamTruth, ResultThatReplacesTheTruthIsRefused) {
-  VerticalPair made(kCols, kRows);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
+  Store(VerticalPair(kCols, kRows));
   for (const std::string path : {"DispTrueNew.lan", "MeasureMap400.lan"}) {
     Truth(0.0, 0.0, 1).Write(path);
     const std::string before = ReadFileBytes(path);
@@ -318,9 +320,7 @@ TEST_F(ExamTruth, ResultThatReplacesTheTruthIsRefused) {
 }
 
 TEST_F(ExamTruth, ResultThatCannotBeWrittenIsTold) {
-  VerticalPair made(kCols, kRows);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
+  Store(VerticalPair(kCols, kRows));
   Truth(0.0, 0.0, 1).Write("truth.lan");
   std::filesystem::create_directory("DispTrueNew.lan");
   frontEnd_.forms = {FilledForm([](Form& form) { form.Find("demFile")->value = std::string("truth.lan"); })};
@@ -330,41 +330,21 @@ TEST_F(ExamTruth, ResultThatCannotBeWrittenIsTold) {
 }
 
 TEST_F(ExamTruth, WindowLargerThanTheImageMatchesNothing) {
-  VerticalPair made(kCols, kRows);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
-  Truth(0.0, 0.0, 1).Write("truth.lan");
-  frontEnd_.forms = {FilledForm([](Form& form) {
-    form.Find("demFile")->value = std::string("truth.lan");
-    form.Find("windowHeight")->value = std::int64_t{10000};
-  })};
-  pair_.progressWindow = &frontEnd_;
-  EXPECT_EQ(pair_.ExamTruth(), StereoPair::kDone);
+  RunWithLargeWindow("windowHeight");
   EXPECT_THAT(frontEnd_.EventsWith("status"),
               ElementsAre("status 0: There is no place to match in the left image. Written: MeasureMap.lan, "
                           "DispTrueNew.lan, MeasureMap_Disp.lan."));
 }
 
 TEST_F(ExamTruth, WindowWiderThanTheImageTellsNoProgress) {
-  VerticalPair made(kCols, kRows);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
-  Truth(0.0, 0.0, 1).Write("truth.lan");
-  frontEnd_.forms = {FilledForm([](Form& form) {
-    form.Find("demFile")->value = std::string("truth.lan");
-    form.Find("windowWidth")->value = std::int64_t{10000};
-  })};
-  pair_.progressWindow = &frontEnd_;
-  EXPECT_EQ(pair_.ExamTruth(), StereoPair::kDone);
+  RunWithLargeWindow("windowWidth");
   EXPECT_EQ(frontEnd_.EventsWith("status").size(), 1u);
 }
 
 // Windows of one pixel are flat and score 1.0, but for a masked score one pixel is too few.
 TEST_F(ExamTruth, MaskedScoreOfOnePixelIsNotAboveThatOfAPixelWithoutTruth) {
   const auto left = Noise(kCols * kRows, 1);
-  VerticalPair made(kCols, kRows, left, left);
-  StorePhoto(made.left, "left");
-  StorePhoto(made.right, "right");
+  Store(VerticalPair(kCols, kRows, left, left));
   std::vector<double> values(left.size(), 1.0);
   values[8 * kCols + 9] = kNone;
   FloatImage(kCols, kRows, values).Write("truth.lan");
@@ -391,10 +371,9 @@ TEST_F(ExamTruth, PublishedTruthOfARectifiedPair) {
   ASSERT_EQ(photo.image.Read(SharedData("stereo/teddy_left.lan")), 1);
   VerticalPair made(1, 1);
   photo.image.CopyTo(made.left.image);
-  StorePhoto(made.left, "left");
   ASSERT_EQ(photo.image.Read(SharedData("stereo/teddy_right.lan")), 1);
   photo.image.CopyTo(made.right.image);
-  StorePhoto(made.right, "right");
+  Store(made);
   frontEnd_.forms = {FilledForm([&](Form& form) {
     form.Find("demFile")->value = truthPath;
     form.Find("windowWidth")->value = std::int64_t{19};

@@ -85,6 +85,24 @@ TEST(StereoPairFields, DefaultsOfAMatch) {
   EXPECT_EQ(match.score, -1.0);
 }
 
+void ExpectPaths(const Form& form, const std::string& left, const std::string& right, const std::string& dem,
+                 const std::string& points) {
+  EXPECT_EQ(form.GetText("leftImage"), left);
+  EXPECT_EQ(form.GetText("rightImage"), right);
+  EXPECT_EQ(form.GetText("demFile"), dem);
+  EXPECT_EQ(form.GetText("matchedPoints"), points);
+}
+
+void ExpectNumbers(const Form& form, double accuracy, const ImageSize& window, double spacing,
+                   double threshold, std::int64_t range) {
+  EXPECT_EQ(form.GetReal("demAccuracy"), accuracy);
+  EXPECT_EQ(form.GetInteger("windowWidth"), window.cx);
+  EXPECT_EQ(form.GetInteger("windowHeight"), window.cy);
+  EXPECT_EQ(form.GetReal("groundSpacing"), spacing);
+  EXPECT_EQ(form.GetReal("matchThreshold"), threshold);
+  EXPECT_EQ(form.GetInteger("maxDisparity"), range);
+}
+
 class StereoPairForm : public testing::Test {
  protected:
   // Values of the form that is shown next; on OK they are taken over.
@@ -114,17 +132,8 @@ TEST_F(StereoPairForm, TheFirstFormShowsATestPairAndTheFields) {
   pair.maxDisparity = 55;
   EXPECT_EQ(pair.RunMatchDialog(), -1);
   ASSERT_EQ(ui.shownForms.size(), 1u);
-  const Form& form = ui.shownForms[0];
-  EXPECT_EQ(form.GetText("leftImage"), "127epi_part.lan");
-  EXPECT_EQ(form.GetText("rightImage"), "128epi_part.lan");
-  EXPECT_EQ(form.GetText("demFile"), "");
-  EXPECT_EQ(form.GetText("matchedPoints"), "127epi_part_Match.pts");
-  EXPECT_EQ(form.GetReal("demAccuracy"), 2.0);
-  EXPECT_EQ(form.GetInteger("windowWidth"), 19);
-  EXPECT_EQ(form.GetInteger("windowHeight"), 19);
-  EXPECT_EQ(form.GetReal("groundSpacing"), 1.0);
-  EXPECT_EQ(form.GetReal("matchThreshold"), 0.5);
-  EXPECT_EQ(form.GetInteger("maxDisparity"), 55);
+  ExpectPaths(ui.shownForms[0], "127epi_part.lan", "128epi_part.lan", "", "127epi_part_Match.pts");
+  ExpectNumbers(ui.shownForms[0], 2.0, {19, 19}, 1.0, 0.5, 55);
 }
 
 TEST_F(StereoPairForm, CancelLeavesThePairAsItWas) {
@@ -158,17 +167,9 @@ TEST_F(StereoPairForm, TheSecondFormShowsTheFirstOneWithoutADem) {
   Enter("a/l.lan", "d.lan", "");
   EXPECT_EQ(pair.RunMatchDialog(), 1);
   EXPECT_EQ(pair.RunMatchDialog(), -1);
-  const Form& form = ui.shownForms.at(1);
-  EXPECT_EQ(form.GetText("leftImage"), "a/l.lan");
-  EXPECT_EQ(form.GetText("rightImage"), "r.lan");
-  EXPECT_EQ(form.GetText("demFile"), "");
-  EXPECT_EQ(form.GetText("matchedPoints"), "") << "as it was left, not the test pair's";
-  EXPECT_EQ(form.GetReal("demAccuracy"), 7.5);
-  EXPECT_EQ(form.GetInteger("windowWidth"), 11);
-  EXPECT_EQ(form.GetInteger("windowHeight"), 13);
-  EXPECT_EQ(form.GetReal("groundSpacing"), 0.5);
-  EXPECT_EQ(form.GetReal("matchThreshold"), 0.625);
-  EXPECT_EQ(form.GetInteger("maxDisparity"), 31);
+  // The matched points are as they were left, not the test pair's.
+  ExpectPaths(ui.shownForms.at(1), "a/l.lan", "r.lan", "", "");
+  ExpectNumbers(ui.shownForms.at(1), 7.5, {11, 13}, 0.5, 0.625, 31);
 }
 
 TEST_F(StereoPairForm, ForPhotosThePathsAreShownAsTheyAre) {
@@ -180,11 +181,7 @@ TEST_F(StereoPairForm, ForPhotosThePathsAreShownAsTheyAre) {
   pair.demPath = "dem.lan";
   Enter("a/l.lan", "dem.lan", "m.pts");
   EXPECT_EQ(pair.RunMatchDialogForPhotos(), 1);
-  const Form& form = ui.shownForms.at(0);
-  EXPECT_EQ(form.GetText("leftImage"), "x.lan");
-  EXPECT_EQ(form.GetText("rightImage"), "y.lan");
-  EXPECT_EQ(form.GetText("demFile"), "dem.lan");
-  EXPECT_EQ(form.GetText("matchedPoints"), "z.pts");
+  ExpectPaths(ui.shownForms.at(0), "x.lan", "y.lan", "dem.lan", "z.pts");
   EXPECT_EQ(pair.leftPhoto.get(), &left);
   EXPECT_EQ(pair.rightPhoto.get(), &right);
   EXPECT_EQ(pair.leftOrientationPath, "a/l.ORN");
@@ -218,6 +215,12 @@ class StereoPairLoading : public testing::Test {
     const auto boxes = ui.EventsWith("message");
     ASSERT_FALSE(boxes.empty());
     EXPECT_EQ(boxes.back(), "message message: " + text);
+  }
+
+  // The same, and this status is the only one.
+  void ExpectFailure(const std::string& text, const std::string& status) {
+    ExpectFailure(text);
+    EXPECT_THAT(ui.EventsWith("status"), ElementsAre("status 0: " + status));
   }
 
   TempFolder folder;
@@ -318,23 +321,20 @@ TEST_F(StereoPairLoading, AnEmptyImagePathNamesNoFile) {
   WriteFileBytes(".ORN", ReadFileBytes("l.orn"));
   pair.SetImagePaths("", "r.lan");
   EXPECT_EQ(pair.leftOrientationPath, "");
-  ExpectFailure("Open Left Orientation Parameters File error!");
-  EXPECT_THAT(ui.EventsWith("status"),
-              ElementsAre("status 0: Left Orientation Parameters File: no file is named."));
+  ExpectFailure("Open Left Orientation Parameters File error!",
+                "Left Orientation Parameters File: no file is named.");
   ui.events.clear();
   pair.SetImagePaths("l.lan", "");
-  ExpectFailure("Open Right Orientation Parameters File error!");
-  EXPECT_THAT(ui.EventsWith("status"),
-              ElementsAre("status 0: Right Orientation Parameters File: no file is named."));
+  ExpectFailure("Open Right Orientation Parameters File error!",
+                "Right Orientation Parameters File: no file is named.");
 }
 
 TEST_F(StereoPairLoading, AnImageWithoutAnExtensionHasNoOrientationBesideIt) {
   WriteFileBytes(".ORN", ReadFileBytes("l.orn"));
   pair.SetImagePaths("a.b/left", "r.lan");
   EXPECT_EQ(pair.leftOrientationPath, "");
-  ExpectFailure("Open Left Orientation Parameters File error!");
-  EXPECT_THAT(ui.EventsWith("status"),
-              ElementsAre("status 0: a.b/left has no extension: the orientation beside it has no name."));
+  ExpectFailure("Open Left Orientation Parameters File error!",
+                "a.b/left has no extension: the orientation beside it has no name.");
 }
 
 TEST_F(StereoPairLoading, OpenPairForgetsThePairsOfTheMethodBefore) {

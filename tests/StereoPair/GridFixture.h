@@ -34,6 +34,10 @@ struct PlainImage {
   }
 };
 
+inline void SetBytes(ErdasImg& image, const PlainImage& plain) {
+  SetBytes(image, static_cast<std::int32_t>(plain.cols), static_cast<std::int32_t>(plain.rows), plain.bytes);
+}
+
 inline PlainImage RandomImage(long cols, long rows, unsigned seed, int nGreys = 256) {
   std::mt19937 random(seed);
   PlainImage image{cols, rows};
@@ -42,6 +46,17 @@ inline PlainImage RandomImage(long cols, long rows, unsigned seed, int nGreys = 
   }
   return image;
 }
+
+class RandomNumbers {
+ public:
+  explicit RandomNumbers(unsigned seed) : random_(seed) {}
+
+  // From 0 to n - 1.
+  std::int32_t UpTo(int n) { return static_cast<std::int32_t>(random_() % static_cast<unsigned>(n)); }
+
+ private:
+  std::mt19937 random_;
+};
 
 // What another camera sees: pixel (row, col) is that of `image` at (row + down, col + right), where that is
 // there, else noise.
@@ -63,6 +78,10 @@ struct PlainPlace {
   long col = 0;
   long row = 0;
 };
+
+inline Point2 PointOf(const PlainPlace& place) {
+  return {static_cast<double>(place.col), static_cast<double>(place.row)};
+}
 
 struct PlainRect {
   long left;
@@ -153,6 +172,17 @@ struct PlainSettings {
   long margin = 1;  // rows to either side
 };
 
+// Offsets and ranges that lead far beyond all images, in either direction.
+inline std::vector<PlainSettings> HugeSettings(double threshold) {
+  std::vector<PlainSettings> settings;
+  for (const long range : {-2000000000L, 2000000000L}) {
+    for (const long offset : {-2000000000L, 0L, 2000000000L}) {
+      settings.push_back({.threshold = threshold, .range = range, .offset = offset});
+    }
+  }
+  return settings;
+}
+
 // Finds the partner of a left place, from the right place given on; returns its score.
 using PlainSearch = std::function<double(const PlainPlace&, PlainPlace&, const PlainRect&)>;
 
@@ -184,6 +214,14 @@ inline std::vector<PlainPair> PlainGrid(const PlainImage& left, const PlainImage
     }
   }
   return pairs;
+}
+
+// The grid whose partners are those of the best score.
+inline std::vector<PlainPair> PlainBestGrid(const PlainImage& left, const PlainImage& right,
+                                            const PlainSettings& settings, const PlainScore& score) {
+  return PlainGrid(left, right, settings, [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
+    return PlainBest(score, l, r, rect);
+  });
 }
 
 inline std::string PairLine(long id, const PlainPair& pair) {
@@ -235,6 +273,42 @@ class GridMethodTest : public ::testing::Test {
       change(form);
       return isConfirmed;
     };
+  }
+
+  using Method = int (StereoPair::*)();
+
+  // The method writes these pairs for the images.
+  void ExpectPairs(Method method, const PlainImage& left, const PlainImage& right,
+                   const PlainSettings& settings, const std::vector<PlainPair>& expected) {
+    Store(left, right);
+    Answer(settings);
+    EXPECT_EQ((pair_.*method)(), StereoPair::kDone);
+    EXPECT_EQ(ReadFileBytes("l_GridMatchPair.txt"), PairText(expected));
+  }
+
+  // The form began with this threshold and 55 columns, and the prompt with -10.
+  void ExpectAsked(double threshold) const {
+    ASSERT_FALSE(ui_.shownForms.empty());
+    EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), threshold);
+    EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
+    EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
+  }
+
+  // A cancelled form is all that the method shows, and it writes nothing.
+  void ExpectCancelledForm(Method method) {
+    ui_.forms.push_back([](Form&) { return false; });
+    EXPECT_EQ((pair_.*method)(), StereoPair::kCancelled);
+    EXPECT_EQ(ui_.events, std::vector<std::string>{"form: MatchInput"});
+    EXPECT_FALSE(FileExists("GroundPts.log"));
+  }
+
+  // A cancelled prompt leaves the offset of -10, with which the method goes on.
+  void ExpectCancelledOffset(Method method, const PlainImage& left, const PlainImage& right, long range) {
+    Store(left, right);
+    Answer({.range = range});
+    ui_.values.clear();
+    EXPECT_EQ((pair_.*method)(), StereoPair::kDone);
+    EXPECT_EQ(pair_.columnOffset, -10);
   }
 
   static std::vector<std::vector<double>> Numbers(const std::string& path) {
@@ -289,8 +363,7 @@ class GridMethodTest : public ::testing::Test {
  private:
   static void StoreSide(AerialPhoto& photo, const PlainImage& image, const ImageStart& start,
                         const std::string& stem) {
-    SetBytes(photo.image, static_cast<std::int32_t>(image.cols), static_cast<std::int32_t>(image.rows),
-             image.bytes);
+    SetBytes(photo.image, image);
     photo.image.m_header.xStart = start.x;
     photo.image.m_header.yStart = start.y;
     StorePhoto(photo, stem);

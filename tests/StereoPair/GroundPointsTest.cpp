@@ -37,26 +37,25 @@ Place PlainIntersection(const std::array<double, 3>& l, const PlainPhoto::Vector
   return {middle[0], middle[1], middle[2]};
 }
 
-TEST(StereoPairGround, IntersectionByHand) {
+void ExpectIntersection(const Point2& left, const Point2& right, const Point3& expected) {
   const VerticalPair made(10, 10);
   Point3 out;
+  EXPECT_EQ(made.pair.IntersectImagePoints(left, right, out), 1);
+  EXPECT_NEAR(out.x, expected.x, 1e-9);
+  EXPECT_NEAR(out.y, expected.y, 1e-9);
+  EXPECT_NEAR(out.z, expected.z, 1e-9);
+}
+
+TEST(StereoPairGround, IntersectionByHand) {
   // (1020, 1990, 300): 1500 * 20 / 1200 = 25 columns to the right, 12.5 rows down; 12.5 columns from the
   // right photo's centre.
-  EXPECT_EQ(made.pair.IntersectImagePoints({75.0, 62.5}, {62.5, 62.5}, out), 1);
-  EXPECT_NEAR(out.x, 1020.0, 1e-9);
-  EXPECT_NEAR(out.y, 1990.0, 1e-9);
-  EXPECT_NEAR(out.z, 300.0, 1e-9);
+  ExpectIntersection({75.0, 62.5}, {62.5, 62.5}, {1020.0, 1990.0, 300.0});
 }
 
 TEST(StereoPairGround, RaysThatMissMeetInTheMiddle) {
-  const VerticalPair made(10, 10);
-  Point3 out;
   // Directions (0.5, 0.1, -150) and (-0.5, -0.1, -150), 10 apart in x: after s of each the points are 10 - s
   // and 0.2 s apart, least for s = 10 / 1.04, and lie on either side of (1005, 2000).
-  EXPECT_EQ(made.pair.IntersectImagePoints({55.0, 49.0}, {45.0, 51.0}, out), 1);
-  EXPECT_NEAR(out.x, 1005.0, 1e-9);
-  EXPECT_NEAR(out.y, 2000.0, 1e-9);
-  EXPECT_NEAR(out.z, 1500.0 - 150.0 * 10.0 / 1.04, 1e-9);
+  ExpectIntersection({55.0, 49.0}, {45.0, 51.0}, {1005.0, 2000.0, 1500.0 - 150.0 * 10.0 / 1.04});
 }
 
 TEST(StereoPairGround, RandomPhotosAgainstThePlainReference) {

@@ -8,6 +8,7 @@
 
 #include "DisparityScene.h"
 #include "PlainCoefficient.h"
+#include "PlainDisparity.h"
 #include "numerics/LeastSquares.h"
 #include "support/TestFrontEnd.h"
 
@@ -87,40 +88,38 @@ struct PlainNodes {
     const OwnedMatrix design(AllocMatrix(m, n));
     Numbers l, pattern, samples, weights(static_cast<std::size_t>(nPixels), 1.0);
     for (int i = 0; i < nPixels; ++i) AddPixel(i, design[i], l, pattern, samples);
-    for (int k = 0; k < 2 * n; ++k) {
-      const int i = k % n, place = k < n ? i % nCols : i / nCols, count = k < n ? nCols : nRows;
-      const int step = k < n ? 1 : nCols;
-      double* const row = design[nPixels + k];
-      if (count > 1 && place > 0) row[i - step] = -1.0;
-      if (count > 1 && place < count - 1) row[i + step] = place == 0 ? 1.0 : -1.0;
-      if (count > 1) row[i] = place == 0 ? -1.0 : place == count - 1 ? 1.0 : 2.0;
-      double sum = 0.0;
-      for (int j = 0; j < n; ++j) sum += row[j] * d[static_cast<std::size_t>(j)];
-      l.push_back(-sum);
-      weights.push_back(100.0);
-    }
+    AddPlainSmoothness(design.get() + nPixels, nCols, nRows, d, l, weights);
     score = PlainCoefficient(pattern, samples);
     WeightedLeastSquares(design.get(), l.data(), weights.data(), m, n, x.data());
   }
 };
 
+DisparityResult MatchNodes(StereoPair& pair, const Point2& left, const Point2& right, int stepX, int stepY,
+                           double limit = 16.0, int iterations = 20, const ErdasImg* map = nullptr) {
+  return MatchDisparities(pair, left, right, stepX, stepY, limit, iterations, map,
+                          &StereoPair::LeastSquaresDisparityGrid);
+}
+
+// One pass of a row of five pixels with nodes at columns 0, 2 and 4, which start from a disparity of 40.
+void ExpectCorrectionOfARow(StereoPair& pair, double correction) {
+  pair.targetWidth = 5;
+  pair.targetHeight = 1;
+  const DisparityResult result = MatchNodes(pair, {50.0, 40.0}, {10.0, 40.0}, 2, 1, 100.0, 2);
+  ASSERT_EQ(result.disparities.size(), 3u);
+  for (const double disparity : result.disparities) EXPECT_NEAR(disparity, 40.0 + correction, 1e-9);
+}
+
 TEST(LeastSquaresDisparityGrid, IsThePlainOneBitForBitWithAllOutcomesAndTraces) {
   std::set<std::string> words;
   for (std::uint32_t seed = 1; seed <= 150; ++seed) {
     Dice dice(seed);
-    DisparityScene scene([&](double x, double y) {
-      return seed % 2 == 0 ? TextureAt(x + 5.0 + 0.03 * y, y)
-                           : 40.0 + 0.3 * TextureAt(x, y) + dice.Byte() / 2;
-    });
+    DisparityScene scene = RandomScene(seed, dice);
     const int stepX = 1 + static_cast<int>(seed % 4), stepY = 1 + static_cast<int>(seed % 3);
     scene.pair.targetWidth = stepX + 2 + static_cast<int>(dice.Between(0.0, 9.0));
     scene.pair.targetHeight = 1 + static_cast<int>(dice.Between(0.0, 9.0));
-    const Point2 left = {dice.Between(0.0, 95.0), dice.Between(0.0, 75.0)};
-    const Point2 right = {std::min(98.0, std::max(0.0, left.x - dice.Between(2.0, 8.0))), left.y};
-    const double limit = seed % 3 == 0 ? 8.0 : 30.0;
+    const auto [left, right, limit] = RandomPlaces(seed, dice);
     TestFrontEnd frontEnd;
-    const DisparityResult result =
-        MatchDisparities(scene.pair, left, right, stepX, stepY, limit, 20, nullptr, kDisparityForms[2]);
+    const DisparityResult result = MatchNodes(scene.pair, left, right, stepX, stepY, limit);
     PlainNodes plain = {scene.pair, left, right, stepX, stepY, limit};
     plain.Run();
     EXPECT_EQ(result.disparities, plain.d) << seed;
@@ -137,8 +136,7 @@ TEST(LeastSquaresDisparityGrid, FindsDisparitiesAtNodes) {
   scene.pair.targetHeight = 13;
   // Forward differences are halved, so that a pass corrects twice what is lacking: nothing but a start close
   // by, and the smoothness, can be expected of them.
-  const DisparityResult result =
-      MatchDisparities(scene.pair, {50.0, 40.0}, {43.6, 40.0}, 6, 5, 16.0, 20, nullptr, kDisparityForms[2]);
+  const DisparityResult result = MatchNodes(scene.pair, {50.0, 40.0}, {43.6, 40.0}, 6, 5);
   EXPECT_GT(result.score, 0.99);
   ASSERT_EQ(result.disparities.size(), 16u);  // columns 0, 6, 12, 18, rows 0, 5, 10, 15
   for (const double disparity : result.disparities) EXPECT_NEAR(disparity, 6.4, 0.3);
@@ -149,13 +147,11 @@ TEST(LeastSquaresDisparityGrid, NeedsThreeColumnsOfNodes) {
   DisparityScene scene(6.0);
   scene.pair.targetWidth = 9;
   scene.pair.targetHeight = 1;
-  DisparityResult result =
-      MatchDisparities(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 8, 1, 16.0, 20, nullptr, kDisparityForms[2]);
+  DisparityResult result = MatchNodes(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 8, 1);
   EXPECT_EQ(result.score, -1.0);
   EXPECT_TRUE(result.disparities.empty());
   EXPECT_TRUE(scene.pair.matchPairs.empty());
-  result =
-      MatchDisparities(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 7, 1, 16.0, 20, nullptr, kDisparityForms[2]);
+  result = MatchNodes(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 7, 1);
   EXPECT_NE(result.score, -1.0);
   EXPECT_EQ(result.disparities.size(), 3u);
 }
@@ -164,8 +160,7 @@ TEST(LeastSquaresDisparityGrid, MakesPairsAtTheNodes) {
   DisparityScene scene(6.0);
   scene.pair.targetWidth = 9;
   scene.pair.targetHeight = 7;
-  const DisparityResult result =
-      MatchDisparities(scene.pair, {50.0, 40.0}, {44.0, 39.0}, 4, 5, 16.0, 1, nullptr, kDisparityForms[2]);
+  const DisparityResult result = MatchNodes(scene.pair, {50.0, 40.0}, {44.0, 39.0}, 4, 5, 16.0, 1);
   EXPECT_EQ(result.disparities, Numbers(9, 6.0));
   ASSERT_EQ(scene.pair.matchPairs.size(), 9u);
   EXPECT_EQ(scene.pair.matchPairs[0], (MatchPair{0, {46.0, 37.0}, {40.0, 36.0}, 0.0}));
@@ -182,12 +177,7 @@ TEST(LeastSquaresDisparityGrid, SpreadsThePixelsOverTheNodes) {
   DisparityScene scene([](double x, double) { return 2.0 * x; });
   scene.left.image =
       MakeImage(kSceneCols, kSceneRows, [](double x, double) { return 2.0 * (x - 40.0) + 8.0; });
-  scene.pair.targetWidth = 5;
-  scene.pair.targetHeight = 1;
-  const DisparityResult result =
-      MatchDisparities(scene.pair, {50.0, 40.0}, {10.0, 40.0}, 2, 1, 100.0, 2, nullptr, kDisparityForms[2]);
-  ASSERT_EQ(result.disparities.size(), 3u);
-  for (const double disparity : result.disparities) EXPECT_NEAR(disparity, 40.0 - 8.0, 1e-9);
+  ExpectCorrectionOfARow(scene.pair, -8.0);
 }
 
 // Of the grey value x * x the halved forward gradient at column x is x + 1/2, the backward one x - 1/2. The
@@ -198,12 +188,7 @@ TEST(LeastSquaresDisparityGrid, TakesForwardGradients) {
       kSceneCols, kSceneRows, [](double x, double) { return x * x; }, kPackDouble);
   scene.left.image = MakeImage(
       kSceneCols, kSceneRows, [](double x, double) { return (x - 39.0) * (x - 39.0); }, kPackDouble);
-  scene.pair.targetWidth = 5;
-  scene.pair.targetHeight = 1;
-  const DisparityResult result =
-      MatchDisparities(scene.pair, {50.0, 40.0}, {10.0, 40.0}, 2, 1, 100.0, 2, nullptr, kDisparityForms[2]);
-  ASSERT_EQ(result.disparities.size(), 3u);
-  for (const double disparity : result.disparities) EXPECT_NEAR(disparity, 40.0 - 2.0, 1e-9);
+  ExpectCorrectionOfARow(scene.pair, -2.0);
 }
 
 // The window has columns -2 to 2, and the right one 8 to 12.
@@ -213,8 +198,7 @@ TEST(LeastSquaresDisparityGrid, CountsLeftPixelsOutsideAsZero) {
   scene.pair.targetWidth = 5;
   scene.pair.targetHeight = 1;
   TestFrontEnd frontEnd;
-  const DisparityResult result =
-      MatchDisparities(scene.pair, {0.0, 40.0}, {10.0, 40.0}, 2, 1, 16.0, 20, nullptr, kDisparityForms[2]);
+  const DisparityResult result = MatchNodes(scene.pair, {0.0, 40.0}, {10.0, 40.0}, 2, 1);
   EXPECT_EQ(result.score, 1.0);
   EXPECT_EQ(result.disparities, Numbers(3, -10.0));
   EXPECT_EQ(frontEnd.events, (std::vector<std::string>{"trace: \n1 0 0", "trace: \nConverged"}));
@@ -227,8 +211,7 @@ TEST(LeastSquaresDisparityGrid, TakesUpTo4096Nodes) {
   const auto match = [&](int width, int height) {
     scene.pair.targetWidth = width;
     scene.pair.targetHeight = height;
-    return MatchDisparities(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 1, 1, 16.0, 1, nullptr,
-                            kDisparityForms[2]);
+    return MatchNodes(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 1, 1, 16.0, 1);
   };
   EXPECT_EQ(match(64, 64).score, 0.0);
   const DisparityResult refused = match(17, 241);  // 4097
@@ -242,8 +225,7 @@ TEST(LeastSquaresDisparityGrid, StartsFromTheMapAtTheNodes) {
   scene.pair.targetHeight = 3;
   const ErdasImg map = MakeImage(
       kSceneCols, kSceneRows, [](double x, double y) { return x + 1000.0 * y; }, kPackDouble);
-  const DisparityResult result =
-      MatchDisparities(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 2, 2, 16.0, 1, &map, kDisparityForms[2]);
+  const DisparityResult result = MatchNodes(scene.pair, {50.0, 40.0}, {44.0, 40.0}, 2, 2, 16.0, 1, &map);
   EXPECT_EQ(result.disparities, (Numbers{39048, 39050, 39052, 41048, 41050, 41052}));
 }
 

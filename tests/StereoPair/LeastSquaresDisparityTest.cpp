@@ -6,6 +6,7 @@
 #include <set>
 
 #include "DisparityScene.h"
+#include "PlainDisparity.h"
 #include "PlainLsm.h"
 #include "StereoPair/DisparityPasses.h"
 #include "StereoPair/LeastSquaresMatch.h"
@@ -86,18 +87,7 @@ struct PlainDisparities {
       pattern.push_back(grey);
       values.push_back(v);
     }
-    for (int k = 0; k < 2 * n; ++k) {
-      const int i = k % n, place = k < n ? i % width : i / width, count = k < n ? width : height;
-      const int step = k < n ? 1 : width;
-      double* const row = design[n + k];
-      if (count > 1 && place > 0) row[i - step] = -1.0;
-      if (count > 1 && place < count - 1) row[i + step] = place == 0 ? 1.0 : -1.0;
-      if (count > 1) row[i] = place == 0 ? -1.0 : place == count - 1 ? 1.0 : 2.0;
-      double sum = 0.0;
-      for (int j = 0; j < n; ++j) sum += row[j] * d[static_cast<std::size_t>(j)];
-      l.push_back(-sum);
-      weights.push_back(100.0);
-    }
+    AddPlainSmoothness(design.get() + n, width, height, d, l, weights);
     score = PlainCoefficient(pattern, values);
     WeightedLeastSquaresCholesky(design.get(), l.data(), weights.data(), 3 * n, static_cast<int>(x.size()),
                                  x.data());
@@ -108,14 +98,9 @@ void ExpectPlainResults(DisparityForm form, bool hasGain) {
   std::set<std::string> words;
   for (std::uint32_t seed = 1; seed <= 120; ++seed) {
     Dice dice(seed);
-    DisparityScene scene([&](double x, double y) {
-      return seed % 2 == 0 ? TextureAt(x + 5.0 + 0.03 * y, y)
-                           : 40.0 + 0.3 * TextureAt(x, y) + dice.Byte() / 2;
-    });
+    DisparityScene scene = RandomScene(seed, dice);
     const int width = 1 + static_cast<int>(seed % 8), height = 1 + static_cast<int>(seed % 5);
-    const Point2 left = {dice.Between(0.0, 95.0), dice.Between(0.0, 75.0)};
-    const Point2 right = {std::min(98.0, std::max(0.0, left.x - dice.Between(2.0, 8.0))), left.y};
-    const double limit = seed % 3 == 0 ? 8.0 : 30.0;
+    const auto [left, right, limit] = RandomPlaces(seed, dice);
     TestFrontEnd frontEnd;
     const DisparityResult result =
         MatchDisparities(scene.pair, left, right, width, height, limit, 20, nullptr, form);

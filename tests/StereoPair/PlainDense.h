@@ -1,6 +1,9 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <random>
@@ -79,6 +82,14 @@ inline double PixelAt(const ErdasImg& image, std::int32_t row, std::int32_t col)
   double value = std::numeric_limits<double>::quiet_NaN();
   image.GetPixel(0, row, col, value);
   return value;
+}
+
+// The image holds these pixels, in the form that it keeps them in.
+template <typename Pixel>
+void ExpectBytes(const ErdasImg& image, const std::vector<Pixel>& expected) {
+  const auto bytes = image.GetBands().GetBand(0);
+  ASSERT_EQ(bytes.size(), expected.size() * sizeof(Pixel));
+  EXPECT_EQ(std::memcmp(bytes.data(), expected.data(), bytes.size()), 0);
 }
 
 // Confirms the form for left.lan and right.lan of the current folder after `change`.

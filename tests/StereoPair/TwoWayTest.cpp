@@ -40,6 +40,32 @@ std::vector<PlainPair> PlainBothWays(const PlainImage& left, const PlainImage& r
   return kept;
 }
 
+// 50 x 40 pixels of smooth waves.
+PlainImage SmoothImage(double wavesDown) {
+  PlainImage image{50, 40};
+  for (int i = 0; i < 50 * 40; ++i) {
+    const double x = i % 50;
+    const double y = i / 50;
+    image.bytes.push_back(
+        static_cast<std::uint8_t>(125.0 + 60.0 * std::sin(0.3 * x) + 40.0 * std::sin(wavesDown * y)));
+  }
+  return image;
+}
+
+// Black and white noise but in `rect`, edges included, which shows what `image` has so far to the right and
+// down.
+PlainImage NoiseAround(const PlainImage& image, const PlainRect& rect, long right, long down) {
+  PlainImage noise = RandomImage(image.cols, image.rows, 7, 2);
+  for (auto& byte : noise.bytes) byte = static_cast<std::uint8_t>(byte * 255);
+  for (long row = rect.top; row <= rect.bottom; ++row) {
+    for (long col = rect.left; col <= rect.right; ++col) {
+      noise.bytes[static_cast<std::size_t>(row * image.cols + col)] =
+          static_cast<std::uint8_t>(image.At(row + down, col + right));
+    }
+  }
+  return noise;
+}
+
 class TwoWayTest : public GridMethodTest {
  protected:
   struct Ways {
@@ -62,16 +88,10 @@ class TwoWayTest : public GridMethodTest {
   Ways ExpectAsPlain(const PlainImage& left, const PlainImage& right, const PlainSettings& settings) {
     const auto score = PlainCorrelation(left, right, settings.width, settings.height);
     Ways ways;
-    ways.there =
-        PlainGrid(left, right, settings, [&](const PlainPlace& l, PlainPlace& r, const PlainRect& rect) {
-          return PlainBest(score, l, r, rect);
-        });
+    ways.there = PlainBestGrid(left, right, settings, score);
     ways.both = PlainBothWays(left, right, settings, ways.there);
     std::remove("l_GridMatchPair2Way.txt");
-    Store(left, right);
-    Answer(settings);
-    EXPECT_EQ(pair_.MatchTwoWay(), StereoPair::kDone);
-    EXPECT_EQ(ReadFileBytes("l_GridMatchPair.txt"), PairText(ways.there));
+    ExpectPairs(&StereoPair::MatchTwoWay, left, right, settings, ways.there);
     EXPECT_EQ(ReadFileBytes("l_GridMatchPair2Way.txt"), KeptText(ways));
     EXPECT_EQ(pair_.matchPairs.size(), ways.both.size());
     EXPECT_EQ(pair_.columnOffset, settings.offset);
@@ -89,9 +109,7 @@ TEST_F(TwoWayTest, ShiftedImageKeepsAllPairs) {
             "42 of 54 places matched. 42 of them matched both ways. Beside the right image at this offset: 6 "
             "places. Written: GroundPts.log, l_GridMatchPair.txt, l_GridMatchPair2Way.txt, out.pts (42 "
             "points).");
-  EXPECT_EQ(ui_.shownForms[0].GetReal("matchThreshold"), 0.75);
-  EXPECT_EQ(ui_.shownForms[0].GetInteger("maxDisparity"), 55);
-  EXPECT_EQ(ui_.EventsWith("value: "), std::vector<std::string>{"value: Please input a value. -10"});
+  ExpectAsked(0.75);
   EXPECT_EQ(pair_.leftPhoto, nullptr);
   EXPECT_EQ(ui_.waitDepth, 0);
 }
@@ -124,22 +142,9 @@ TEST_F(TwoWayTest, EvenWindowsAreNotMatchedBack) {
 TEST_F(TwoWayTest, BackMatchOneColumnAsidePasses) {
   // The one part of the right image that is no noise, around column 14, shows a smooth left image around
   // column 24 + aside: it is the best partner of column 24, but leads back to 24 + aside.
-  PlainImage left{50, 40};
-  for (int i = 0; i < 50 * 40; ++i) {
-    const double x = i % 50;
-    const double y = i / 50;
-    left.bytes.push_back(
-        static_cast<std::uint8_t>(125.0 + 60.0 * std::sin(0.3 * x) + 40.0 * std::sin(0.5 * y)));
-  }
+  const PlainImage left = SmoothImage(0.5);
   for (const long aside : {0L, 1L, 2L}) {
-    PlainImage right = RandomImage(50, 40, 7, 2);
-    for (auto& byte : right.bytes) byte = static_cast<std::uint8_t>(byte * 255);
-    for (long row = 0; row < 40; ++row) {
-      for (long col = 10; col <= 18; ++col) {
-        right.bytes[static_cast<std::size_t>(row * 50 + col)] =
-            static_cast<std::uint8_t>(left.At(row, col + 10 + aside));
-      }
-    }
+    const PlainImage right = NoiseAround(left, {10, 0, 18, 39}, 10 + aside, 0);
     const Ways ways = ExpectAsPlain(left, right, {.width = 9, .height = 9, .threshold = 0.8, .range = 4});
     ASSERT_FALSE(ways.there.empty());
     for (const PlainPair& pair : ways.there) EXPECT_EQ(pair.left.col, 24);
@@ -158,21 +163,8 @@ TEST_F(TwoWayTest, PartnerInAnotherRowLeadsBack) {
 TEST_F(TwoWayTest, BackMatchInAnotherRowPasses) {
   // The one part of the right image that is no noise is the window around (14, 15). It shows the smooth left
   // image around (24, 16): it is the best partner of (24, 15), but leads back to row 16.
-  PlainImage left{50, 40};
-  for (int i = 0; i < 50 * 40; ++i) {
-    const double x = i % 50;
-    const double y = i / 50;
-    left.bytes.push_back(
-        static_cast<std::uint8_t>(125.0 + 60.0 * std::sin(0.3 * x) + 40.0 * std::sin(0.3 * y)));
-  }
-  PlainImage right = RandomImage(50, 40, 7, 2);
-  for (auto& byte : right.bytes) byte = static_cast<std::uint8_t>(byte * 255);
-  for (long row = 11; row <= 19; ++row) {
-    for (long col = 10; col <= 18; ++col) {
-      right.bytes[static_cast<std::size_t>(row * 50 + col)] =
-          static_cast<std::uint8_t>(left.At(row + 1, col + 10));
-    }
-  }
+  const PlainImage left = SmoothImage(0.3);
+  const PlainImage right = NoiseAround(left, {10, 11, 18, 19}, 10, 1);
   const Ways ways = ExpectAsPlain(left, right, {.width = 9, .height = 9, .threshold = 0.9, .range = 4});
   ASSERT_EQ(ways.there.size(), 1U);
   EXPECT_EQ(ways.there[0].left.row, 15);
@@ -273,18 +265,12 @@ TEST_F(TwoWayTest, ImagesOfDifferentSizes) {
 }
 
 TEST_F(TwoWayTest, CancelOfFormLeavesNothing) {
-  EXPECT_EQ(pair_.MatchTwoWay(), StereoPair::kCancelled);
-  EXPECT_EQ(ui_.events, std::vector<std::string>{"form: MatchInput"});
-  EXPECT_FALSE(FileExists("GroundPts.log"));
+  ExpectCancelledForm(&StereoPair::MatchTwoWay);
 }
 
 TEST_F(TwoWayTest, CancelOfOffsetGoesOnWithMinusTen) {
   const PlainImage left = RandomImage(60, 40, 21);
-  Store(left, Shifted(left, 10, 0, 22));
-  Answer({.range = 2});
-  ui_.values.clear();
-  EXPECT_EQ(pair_.MatchTwoWay(), StereoPair::kDone);
-  EXPECT_EQ(pair_.columnOffset, -10);
+  ExpectCancelledOffset(&StereoPair::MatchTwoWay, left, Shifted(left, 10, 0, 22), 2);
   EXPECT_FALSE(pair_.matchPairs.empty());
 }
 

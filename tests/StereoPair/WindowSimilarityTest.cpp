@@ -9,32 +9,13 @@
 #include <random>
 #include <vector>
 
+#include "StereoPair/PlainCoefficient.h"
 #include "numerics/SimdVersion.h"
 
 namespace corvane {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-// The documented coefficient as one plain loop over doubles.
-double PlainOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count) {
-  double sL = 0.0, sLL = 0.0, sR = 0.0, sRR = 0.0, sLR = 0.0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const double left = a[i];
-    const double right = b[i];
-    sL += left;
-    sLL += left * left;
-    sR += right;
-    sRR += right * right;
-    sLR += left * right;
-  }
-  const double n = static_cast<double>(count);
-  const double vL = sLL - sL * sL / n;
-  const double vR = sRR - sR * sR / n;
-  if (vL == 0.0 && vR == 0.0) return 1.0;
-  if (vL == 0.0 || vR == 0.0) return 0.0;
-  return (sLR - sL * sR / n) / std::sqrt(vL * vR);
-}
 
 bool SameBits(double a, double b) {
   return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||
@@ -73,7 +54,7 @@ TEST(WindowSimilarity, CoefficientOfTenMillionWindowsHasTheBitsOfThePlainLoop) {
       const std::uint8_t* a = &pool[random() % (kPool - kLarge)];
       const std::uint8_t* b = &pool[random() % (kPool - kLarge)];
       const double value = CorrelationCoefficient({a, n}, {b, n});
-      nDifferent += SameBits(value, PlainOf(a, b, n)) ? 0 : 1;
+      nDifferent += SameBits(value, PlainCoefficient(a, b, n)) ? 0 : 1;
       nFlat += value == 1.0 || value == 0.0 ? 1 : 0;
     }
   }
@@ -88,10 +69,10 @@ TEST(WindowSimilarity, CoefficientOfEachLengthHasTheBitsOfThePlainLoop) {
     const ForcedSimdVersion forced(version);
     for (std::size_t n = 1; n < 4500; n += n < 300 ? 1 : 61) {
       EXPECT_TRUE(SameBits(CorrelationCoefficient({&pool[1], n}, {&pool[4400], n}),
-                           PlainOf(&pool[1], &pool[4400], n)))
+                           PlainCoefficient(&pool[1], &pool[4400], n)))
           << n;
-      EXPECT_TRUE(
-          SameBits(CorrelationCoefficient({&pool[1], n}, {&white[1], n}), PlainOf(&pool[1], &white[1], n)))
+      EXPECT_TRUE(SameBits(CorrelationCoefficient({&pool[1], n}, {&white[1], n}),
+                           PlainCoefficient(&pool[1], &white[1], n)))
           << n;
     }
   }
@@ -103,7 +84,7 @@ TEST(WindowSimilarity, SumsOfManyWhitePixelsDoNotOverflow) {
   Bytes b(kCount, 255);
   a[5] = 0;
   b[7] = 0;
-  EXPECT_TRUE(SameBits(CorrelationCoefficient(a, b), PlainOf(a.data(), b.data(), kCount)));
+  EXPECT_TRUE(SameBits(CorrelationCoefficient(a, b), PlainCoefficient(a.data(), b.data(), kCount)));
 }
 
 TEST(WindowSimilarity, TwoFlatWindowsGiveOne) {
