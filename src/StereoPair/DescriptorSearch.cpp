@@ -28,11 +28,6 @@ std::int64_t ColStep(std::int64_t dy, std::int64_t dx) {
   return std::abs(dx) >= std::abs(dy) ? -SignOf(dx) : 0;
 }
 
-// Kept: without the right and the bottom edge, as in StereoPair::SearchCorrelation.
-bool Holds(const ImageRect& rect, std::int64_t col, std::int64_t row) {
-  return col >= rect.left && col < rect.right && row >= rect.top && row < rect.bottom;
-}
-
 // Adds for each place i < nPlaces the values d = outer[c + i] - inner[c + i + step] of the columns c from
 // `begin` to before `end` of a row of its window: d to b[i], d^2 to bb[i], values[c] d to ab[i].
 struct AddValues {
@@ -83,11 +78,9 @@ double DescriptorSearch::Find(const ErdasImg& leftImage, const ErdasImg& rightIm
                               Point2& right, std::int32_t size, const ImageRect& rect) {
   size_ = size;
   if (!HasDescriptor(size) || !DescribeLeft(leftImage, left)) return 0.0;
-  const std::int64_t startCol = TruncateTo64(right.x);
-  const std::int64_t startRow = TruncateTo64(right.y);
   double best = 0.0;
-  if (Holds(rect, startCol, startRow)) {
-    AddUp(rightImage, startCol, startRow, 1);
+  if (HoldsStart(rect, right)) {
+    AddUp(rightImage, TruncateTo64(right.x), TruncateTo64(right.y), 1);
     best = GetScore(0);
   }
   const auto [cols, rows] = rightImage.GetSize();

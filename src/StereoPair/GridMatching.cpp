@@ -195,20 +195,11 @@ void AskColumnOffset(StereoPair& pair) {
   pair.columnOffset = TruncateSaturated(input.value);
 }
 
-int RunOnPair(StereoPair& pair, const std::vector<std::string>& results, const std::function<int()>& run) {
+int RunOpenPair(StereoPair& pair, const std::function<int()>& run) {
   WaitCursor wait;
-  const auto runOpen = [&] {
-    std::vector<std::string> all = {StereoPair::kGroundLog};
-    all.insert(all.end(), results.begin(), results.end());
-    all.push_back(pair.matchPointsPath);
-    const std::string input = pair.FindInputAmong(all);
-    if (!input.empty()) return RefuseToReplace(input);
-    const std::string repeated = FindRepeated(all);
-    return repeated.empty() ? run() : RefuseToRepeat(repeated);
-  };
   int status = pair.OpenPair();
   try {
-    if (status == StereoPair::kDone) status = runOpen();
+    if (status == StereoPair::kDone) status = run();
   } catch (const std::bad_alloc&) {
     status = FailForMemory();
   } catch (const std::length_error&) {
@@ -216,6 +207,18 @@ int RunOnPair(StereoPair& pair, const std::vector<std::string>& results, const s
   }
   pair.FreePair();
   return status;
+}
+
+int RunOnPair(StereoPair& pair, const std::vector<std::string>& results, const std::function<int()>& run) {
+  return RunOpenPair(pair, [&] {
+    std::vector<std::string> all = {StereoPair::kGroundLog};
+    all.insert(all.end(), results.begin(), results.end());
+    all.push_back(pair.matchPointsPath);
+    const std::string input = pair.FindInputAmong(all);
+    if (!input.empty()) return RefuseToReplace(input);
+    const std::string repeated = FindRepeated(all);
+    return repeated.empty() ? run() : RefuseToRepeat(repeated);
+  });
 }
 
 int RunGridMethod(StereoPair& pair, double threshold, bool keepsPairs, const PlaceSearch& search,

@@ -145,9 +145,12 @@ int FailForMemory();
 // Asks for columnOffset, with -10 to begin with. Kept: Cancel leaves that, and does not end the method.
 void AskColumnOffset(StereoPair& pair);
 
-// Opens the pair, refuses results that would replace an input or each other, runs `run` and lets the pair go,
-// whatever has come of it, even std::bad_alloc. The ground log and matchPointsPath are results in any case.
-// kDone or the pair's codes.
+// Opens the pair, runs `run` under the wait cursor and lets the pair go, whatever has come of it, even
+// std::bad_alloc. kDone or the pair's codes.
+int RunOpenPair(StereoPair& pair, const std::function<int()>& run);
+
+// The same, but results that would replace an input or each other are refused first. The ground log and
+// matchPointsPath are results in any case.
 int RunOnPair(StereoPair& pair, const std::vector<std::string>& results, const std::function<int()>& run);
 
 // A method on the grid from its form to its end, with this threshold to begin with. It writes pairs if it

@@ -64,4 +64,10 @@ void FindSearchRuns(double base, std::int64_t first, std::int64_t last, std::int
   if (touches) axis.Add(begin, end);
 }
 
+bool HoldsStart(const ImageRect& rect, const Point2& start) {
+  const std::int64_t col = TruncateTo64(start.x);
+  const std::int64_t row = TruncateTo64(start.y);
+  return col >= rect.left && col < rect.right && row >= rect.top && row < rect.bottom;
+}
+
 }  // namespace corvane

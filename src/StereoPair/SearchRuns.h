@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "erdasimg/ErdasImg.h"
+#include "numerics/Point2.h"
+
 namespace corvane {
 
 // Along one axis: places `first`, `first` + 1, ... whose windows begin at pixels `corner`, `corner` + 1, ...
@@ -21,5 +24,9 @@ struct SearchRun {
 // whatever the range is.
 void FindSearchRuns(double base, std::int64_t first, std::int64_t last, std::int32_t length,
                     std::int32_t size, std::vector<SearchRun>& runs);
+
+// Whether the place that a search begins with counts in the rectangle.
+// Kept: the right and the bottom edge do not belong to the rectangle here, but in the walk.
+bool HoldsStart(const ImageRect& rect, const Point2& start);
 
 }  // namespace corvane

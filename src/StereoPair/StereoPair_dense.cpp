@@ -104,11 +104,7 @@ int StereoPair::DenseAreaCorrelation() {
   matchThreshold = kThreshold;
   maxDisparity = kGridDisparity;
   if (RunMatchDialog() < 0) return kCancelled;
-  WaitCursor wait;
-  int status = OpenPair();
-  if (status == kDone) status = MatchOpenPair(*this);
-  FreePair();
-  return status;
+  return RunOpenPair(*this, [this] { return MatchOpenPair(*this); });
 }
 
 int StereoPair::MakeMaps() {

@@ -136,11 +136,7 @@ TINPoints& StereoPair::GetGroundPoints() {
 int StereoPair::IntersectPairFile() {
   ownsPhotos = true;
   if (RunMatchDialog() < 0) return kCancelled;
-  WaitCursor wait;
-  int status = OpenPair();
-  if (status == kDone) status = IntersectChosenFile(*this);
-  FreePair();
-  return status;
+  return RunOpenPair(*this, [this] { return IntersectChosenFile(*this); });
 }
 
 }  // namespace corvane

@@ -17,16 +17,13 @@ std::int32_t LastPlace(std::int32_t nPixels, std::int32_t window) {
 }
 
 SearchField FieldOf(const ImageRect& rect, const Point2& given) {
-  const std::int64_t col = TruncateTo64(given.x);
-  const std::int64_t row = TruncateTo64(given.y);
   return {.origin = {},
           .firstCol = rect.left,
           .lastCol = rect.right,
           .firstRow = rect.top,
           .lastRow = rect.bottom,
           .given = given,
-          // Kept: the right and the bottom edge do not belong to the rectangle here, but in the walk.
-          .isGivenTaken = col >= rect.left && col < rect.right && row >= rect.top && row < rect.bottom};
+          .isGivenTaken = HoldsStart(rect, given)};
 }
 
 }  // namespace

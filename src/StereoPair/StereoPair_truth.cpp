@@ -230,6 +230,12 @@ std::string TextOf(const Smoothing& smoothing) {
   return text + " The smoothed maps are not written before pass " + std::to_string(kPassesAFile) + ".";
 }
 
+int FailWithoutTruth() {
+  Ui().SetStatusText(0, "No DEM is named: it is to be the true disparity map.");
+  ShowMessage("Open DEM file error!");
+  return StereoPair::kNoInput;
+}
+
 int ExamineOpenPair(StereoPair& pair) {
   const std::string input = pair.FindInputAmong(AllFiles());
   if (!input.empty()) return RefuseToReplace(input);
@@ -251,21 +257,15 @@ int StereoPair::ExamTruth() {
   matchThreshold = kThreshold;
   maxDisparity = kRange;
   if (RunMatchDialog() < 0) return kCancelled;
-  WaitCursor wait;
-  int status = OpenPair();
-  if (status == kDone && !dem) {
-    Ui().SetStatusText(0, "No DEM is named: it is to be the true disparity map.");
-    ShowMessage("Open DEM file error!");
-    status = kNoInput;
-  }
-  try {
-    if (status == kDone) status = ExamineOpenPair(*this);
-  } catch (const std::exception&) {  // no memory for rows or windows
-    ShowWarning(ErdasImg::kNoMemoryText);
-    status = kNoInput;
-  }
-  FreePair();
-  return status;
+  return RunOpenPair(*this, [this] {
+    if (!dem) return FailWithoutTruth();
+    try {
+      return ExamineOpenPair(*this);
+    } catch (const std::exception&) {  // no memory for rows or windows
+      ShowWarning(ErdasImg::kNoMemoryText);
+      return kNoInput;
+    }
+  });
 }
 
 int StereoPair::ScoreOfDisparityMap(const ErdasImg& disparities, ErdasImg& scores) const {
